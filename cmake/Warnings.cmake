@@ -1,0 +1,17 @@
+# One interface target that every target of ours links: warnings, sanitizers, coverage.
+add_library(sweepwright_flags INTERFACE)
+target_compile_options(sweepwright_flags INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor
+  -Woverloaded-virtual -Wimplicit-fallthrough)
+if(SWEEPWRIGHT_WERROR)
+  target_compile_options(sweepwright_flags INTERFACE -Werror)
+endif()
+if(SWEEPWRIGHT_SANITIZE)
+  target_compile_options(sweepwright_flags INTERFACE
+    -fsanitize=${SWEEPWRIGHT_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(sweepwright_flags INTERFACE -fsanitize=${SWEEPWRIGHT_SANITIZE})
+endif()
+if(SWEEPWRIGHT_COVERAGE)
+  target_compile_options(sweepwright_flags INTERFACE --coverage -O0)
+  target_link_options(sweepwright_flags INTERFACE --coverage)
+endif()

@@ -1,0 +1,70 @@
+#include "support/TemporaryDevice.h"
+
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include <gtest/gtest.h>
+
+namespace sweepwright::test {
+
+namespace fs = std::filesystem;
+
+TemporaryFolder::TemporaryFolder() {
+    std::string pattern = (fs::temp_directory_path() / "sweepwright-test-XXXXXX").string();
+    if (mkdtemp(pattern.data()) == nullptr) std::abort();
+    path_ = fs::canonical(pattern).string();
+}
+
+TemporaryFolder::~TemporaryFolder() {
+    std::error_code ignored;
+    fs::remove_all(path_, ignored);
+}
+
+TemporaryDevice::TemporaryDevice(platform::Calls calls)
+    : files_(platform::DeviceRoot::open(folder_.path()).value(), calls) {}
+
+void TemporaryDevice::file(const std::string& path, std::uint64_t bytes) {
+    fileWith(path, "");
+    fs::resize_file(host(path), bytes);
+}
+
+void TemporaryDevice::fileWith(const std::string& path, std::string_view content) {
+    const fs::path at = host(path);
+    fs::create_directories(at.parent_path());
+    std::ofstream out(at, std::ios::binary);
+    out.write(content.data(), static_cast<std::streamsize>(content.size()));
+    out.close();
+    EXPECT_TRUE(out.good()) << at;
+}
+
+void TemporaryDevice::folder(const std::string& path) { fs::create_directories(host(path)); }
+
+void TemporaryDevice::link(const std::string& path, const std::string& target) {
+    const fs::path at = host(path);
+    fs::create_directories(at.parent_path());
+    fs::create_symlink(target, at);
+}
+
+void TemporaryDevice::age(const std::string& path, double seconds) {
+    const auto past = std::chrono::duration_cast<std::chrono::system_clock::duration>(
+        std::chrono::duration<double>(seconds));
+    const auto set =
+        files_.setModificationDate(path, std::chrono::system_clock::now() - past);
+    EXPECT_TRUE(set.has_value()) << set.error().description;
+}
+
+bool TemporaryDevice::exists(const std::string& path) const {
+    return fs::exists(fs::symlink_status(host(path)));
+}
+
+std::string TemporaryDevice::content(const std::string& path) const {
+    std::ifstream in(host(path), std::ios::binary);
+    std::ostringstream out;
+    out << in.rdbuf();
+    return out.str();
+}
+
+}  // namespace sweepwright::test
