@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # What every script begins with; sourced, not run.
 #
 # A script sets `usage` (one line) before it sources this file. From here on it stands in the
