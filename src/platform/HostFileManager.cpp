@@ -82,6 +82,24 @@ int readAttributes(int directory, const char* name, Calls calls, FileAttributes&
     return 0;
 }
 
+/// A name as the system calls want it, without an allocation.
+class CName {
+  public:
+    explicit CName(std::string_view name) {
+        if (name.size() < fixed_.size()) {
+            std::memcpy(fixed_.data(), name.data(), name.size());
+            fixed_[name.size()] = '\0';
+        } else {
+            long_ = name;
+        }
+    }
+    [[nodiscard]] const char* get() const { return long_.empty() ? fixed_.data() : long_.c_str(); }
+
+  private:
+    std::array<char, NAME_MAX + 1> fixed_;
+    std::string long_;
+};
+
 bool isDotOrDotDot(std::string_view name) {
     return name == "." || name == "..";
 }
@@ -199,20 +217,19 @@ Result<std::span<const DirectoryEntry>> HostFileManager::readEntries(Directory& 
 Result<FileAttributes> HostFileManager::attributesAt(const Directory& directory,
                                                      std::string_view name) {
     FileAttributes found;
-    const int number =
-        readAttributes(directory.descriptor(), std::string(name).c_str(), calls_, found);
+    const int number = readAttributes(directory.descriptor(), CName(name).get(), calls_, found);
     if (number != 0) return failed(number, directory.pathOf(name));
     return found;
 }
 
 Result<> HostFileManager::removeFileAt(const Directory& directory, std::string_view name) {
-    if (unlinkat(directory.descriptor(), std::string(name).c_str(), 0) != 0)
+    if (unlinkat(directory.descriptor(), CName(name).get(), 0) != 0)
         return failed(errno, directory.pathOf(name));
     return {};
 }
 
 Result<> HostFileManager::removeDirectoryAt(const Directory& directory, std::string_view name) {
-    if (unlinkat(directory.descriptor(), std::string(name).c_str(), AT_REMOVEDIR) != 0)
+    if (unlinkat(directory.descriptor(), CName(name).get(), AT_REMOVEDIR) != 0)
         return failed(errno, directory.pathOf(name));
     return {};
 }
