@@ -8,9 +8,11 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "platform/Error.h"
+#include "platform/UniqueDescriptor.h"
 
 namespace sweepwright::platform {
 
@@ -52,24 +54,20 @@ class EntryBuffer {
 class Directory {
   public:
     Directory() = default;
-    Directory(int descriptor, std::string path);
-    ~Directory();
-    Directory(Directory&& other) noexcept;
-    Directory& operator=(Directory&& other) noexcept;
-    Directory(const Directory&) = delete;
-    Directory& operator=(const Directory&) = delete;
+    Directory(UniqueDescriptor descriptor, std::string path)
+        : descriptor_(std::move(descriptor)), path_(std::move(path)) {}
 
-    [[nodiscard]] int descriptor() const { return descriptor_; }
+    [[nodiscard]] int descriptor() const { return descriptor_.get(); }
     /// Device path; the bytes that it was opened by.
     [[nodiscard]] const std::string& path() const { return path_; }
-    /// The device path of an entry: path() and `name` joined by one "/".
+    /// The device path of an entry.
     [[nodiscard]] std::string pathOf(std::string_view name) const;
 
   private:
     friend class HostFileManager;
-    int descriptor_ = -1;
+    UniqueDescriptor descriptor_;
     std::string path_;
-    std::shared_ptr<void> stream_;  // the portable road's DIR
+    std::shared_ptr<void> stream_;  // the portable road's listing
 };
 
 /// What an open may meet.
@@ -79,13 +77,10 @@ enum class Mounts { Cross, Refuse };     ///< a directory on which something els
 /// An advisory lock between processes; released when destroyed.
 class FileLock {
   public:
-    explicit FileLock(int descriptor) : descriptor_(descriptor) {}
-    ~FileLock();
-    FileLock(FileLock&& other) noexcept;
-    FileLock& operator=(FileLock&& other) noexcept;
+    explicit FileLock(UniqueDescriptor descriptor) : descriptor_(std::move(descriptor)) {}
 
   private:
-    int descriptor_ = -1;
+    UniqueDescriptor descriptor_;
 };
 
 /// Every file-system call of the product. Paths are device paths: absolute, bytes, resolved beneath
@@ -145,7 +140,9 @@ class FileManager {
     /// no regular file.
     virtual Result<std::string> readFile(const std::string& path, std::size_t maxBytes) = 0;
     /// Replaces `path` by a file with `content`, atomically and durably: after a crash at any
-    /// moment the old or the new content is there. Its directory must exist.
+    /// moment the old or the new content is there. Its directory must exist. Two writers of one
+    /// path must hold its lock(). Owner and permissions of the old file, else the owner of the
+    /// directory, are kept where the process may.
     virtual Result<> writeFile(const std::string& path, std::string_view content) = 0;
     /// Creates a regular file of `size` bytes that holds no blocks.
     virtual Result<> createSparseFile(const std::string& path, std::uint64_t size) = 0;
@@ -164,6 +161,8 @@ class FileManager {
 
     /// The names in `path` in listing order, a link as last component followed.
     Result<std::vector<std::string>> contentsOfDirectory(const std::string& path);
+    /// The names in an open directory from where it was last read.
+    Result<std::vector<std::string>> contentsOfDirectory(Directory& directory);
     /// Whether something is there; a link counts by what it leads to.
     bool fileExists(const std::string& path);
     /// Whether a directory is there; a link counts by what it leads to.

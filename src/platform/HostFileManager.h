@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 
+#include "platform/BeneathRoot.h"
 #include "platform/FileManager.h"
 
 namespace sweepwright::platform {
@@ -11,31 +12,19 @@ namespace sweepwright::platform {
 /// beneath this descriptor, so the folder may be renamed or its name reused without harm.
 class DeviceRoot {
   public:
-    /// Opens `hostFolder`. Fails when it is absent, no directory or unreadable, and, anywhere but on
-    /// a device, when it is the host's own "/".
+    /// Opens `hostFolder`. Fails when it is absent, no directory or unreadable, and, anywhere but
+    /// on a device, when it is the host's own "/".
     static Result<std::shared_ptr<const DeviceRoot>> open(const std::string& hostFolder);
 
-    ~DeviceRoot();
-    DeviceRoot(const DeviceRoot&) = delete;
-    DeviceRoot& operator=(const DeviceRoot&) = delete;
-
-    [[nodiscard]] int descriptor() const { return descriptor_; }
+    [[nodiscard]] int descriptor() const { return descriptor_.get(); }
     [[nodiscard]] const std::string& hostFolder() const { return hostFolder_; }
 
   private:
-    DeviceRoot(int descriptor, std::string hostFolder);
-    int descriptor_;
+    DeviceRoot(UniqueDescriptor descriptor, std::string hostFolder)
+        : descriptor_(std::move(descriptor)), hostFolder_(std::move(hostFolder)) {}
+    UniqueDescriptor descriptor_;
     std::string hostFolder_;
 };
-
-/// How HostFileManager talks to the kernel.
-enum class Calls {
-    Native,    ///< openat2, getdents64 and statx where the host has them
-    Portable,  ///< openat component by component, readdir and fstatat: any POSIX host
-};
-
-/// Native on Linux unless the environment sets SWEEPWRIGHT_PORTABLE_CALLS, else Portable.
-Calls defaultCalls();
 
 /// The FileManager of a host folder.
 class HostFileManager final : public FileManager {
@@ -47,8 +36,7 @@ class HostFileManager final : public FileManager {
                                   Mounts mounts) override;
     Result<std::span<const DirectoryEntry>> readEntries(Directory& directory,
                                                         EntryBuffer& buffer) override;
-    Result<FileAttributes> attributesAt(const Directory& directory,
-                                        std::string_view name) override;
+    Result<FileAttributes> attributesAt(const Directory& directory, std::string_view name) override;
     Result<> removeFileAt(const Directory& directory, std::string_view name) override;
     Result<> removeDirectoryAt(const Directory& directory, std::string_view name) override;
     Result<FileAttributes> attributes(const std::string& path, LastLink lastLink) override;
@@ -69,6 +57,7 @@ class HostFileManager final : public FileManager {
 
   private:
     std::shared_ptr<const DeviceRoot> root_;
+    BeneathRoot beneath_;
     Calls calls_;
 };
 

@@ -40,7 +40,9 @@ void TemporaryDevice::fileWith(const std::string& path, std::string_view content
     EXPECT_TRUE(out.good()) << at;
 }
 
-void TemporaryDevice::folder(const std::string& path) { fs::create_directories(host(path)); }
+void TemporaryDevice::folder(const std::string& path) {
+    fs::create_directories(host(path));
+}
 
 void TemporaryDevice::link(const std::string& path, const std::string& target) {
     const fs::path at = host(path);
@@ -51,8 +53,7 @@ void TemporaryDevice::link(const std::string& path, const std::string& target) {
 void TemporaryDevice::age(const std::string& path, double seconds) {
     const auto past = std::chrono::duration_cast<std::chrono::system_clock::duration>(
         std::chrono::duration<double>(seconds));
-    const auto set =
-        files_.setModificationDate(path, std::chrono::system_clock::now() - past);
+    const auto set = files_.setModificationDate(path, std::chrono::system_clock::now() - past);
     EXPECT_TRUE(set.has_value()) << set.error().description;
 }
 
