@@ -251,7 +251,9 @@ TEST(Image, AFileWithAnyBitFlippedIsRefusedOrReadWithoutHarm) {
             const auto flip = static_cast<char>(1U << (bit % 8));
             file[bit / 8] = static_cast<char>(file[bit / 8] ^ flip);
             const auto read = decode(file);
-            if (read) EXPECT_EQ(read->rgba.size(), std::size_t{read->width} * read->height * 4);
+            if (read) {
+                EXPECT_EQ(read->rgba.size(), std::size_t{read->width} * read->height * 4);
+            }
             file[bit / 8] = static_cast<char>(file[bit / 8] ^ flip);
         }
     }
@@ -273,14 +275,14 @@ TEST(Image, GarbageIsRefused) {
     for (int round = 0; round < 2000; ++round) {
         std::string bytes =
             round % 2 == 0 ? PngBuilder().bytes() : PngBuilder().deviceMark().bytes();
-        for (unsigned i = random() % 200; i > 0; --i)
+        for (auto i = random() % 200; i > 0; --i)
             bytes += static_cast<char>(random());
         EXPECT_FALSE(decode(bytes).has_value());
     }
 }
 
 TEST(Image, ASizeBeyondTheLimitIsRefusedBeforeMemoryIsAskedFor) {
-    for (const auto [width, height] :
+    for (const auto& [width, height] :
          {std::pair{4097U, 1U}, std::pair{1U, 4097U}, std::pair{0x7FFFFFFFU, 0x7FFFFFFFU}}) {
         const std::string stream(1000, 'x');
         expectRefused(PngBuilder()
