@@ -110,7 +110,8 @@ class RawInflater {
     bool take(std::string_view piece) {
         if (!ready_) return false;
         if (ended_ || full()) return true;
-        stream_.next_in = reinterpret_cast<const Bytef*>(piece.data());
+        // zlib's field lacks the const that its contract keeps.
+        stream_.next_in = const_cast<Bytef*>(reinterpret_cast<const Bytef*>(piece.data()));
         stream_.avail_in = static_cast<uInt>(piece.size());
         const int outcome = inflate(&stream_, Z_NO_FLUSH);
         ended_ = outcome == Z_STREAM_END;

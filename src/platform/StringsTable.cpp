@@ -5,7 +5,8 @@
 #include <optional>
 
 #include "platform/PropertyList.h"
-#include "platform/Unicode.h"
+#include "platform/Utf16.h"
+#include "platform/Utf8.h"
 
 namespace sweepwright::platform {
 namespace {
@@ -161,7 +162,7 @@ class Scanner {
             }
             at_ = after;
         }
-        appendUtf8(out, *unit);
+        appendUtf8(out, codePointOf(*unit));
         return true;
     }
 
