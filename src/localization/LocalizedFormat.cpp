@@ -40,7 +40,8 @@ class SpecifierReader {
             result_.precision = readNumber();
             if (!result_.precision) return std::nullopt;
         }
-        while (at_ < text_.size() && std::string_view("hlqzjtL").contains(text_[at_])) ++at_;
+        while (at_ < text_.size() && std::string_view("hlqzjtL").contains(text_[at_]))
+            ++at_;
         if (at_ >= text_.size()) return std::nullopt;
         result_.conversion = text_[at_++];
         if (!std::string_view("@sdDiuUxXfFeEgG").contains(result_.conversion)) return std::nullopt;
@@ -97,8 +98,12 @@ class SpecifierReader {
     Specifier result_;
 };
 
-bool isReal(char conversion) { return std::string_view("fFeEgG").contains(conversion); }
-bool isHexadecimal(char conversion) { return conversion == 'x' || conversion == 'X'; }
+bool isReal(char conversion) {
+    return std::string_view("fFeEgG").contains(conversion);
+}
+bool isHexadecimal(char conversion) {
+    return conversion == 'x' || conversion == 'X';
+}
 
 /// What fmt calls the specifier's type when the argument is a number of that kind.
 template <class Number>
