@@ -17,7 +17,7 @@ struct Specifier {
     std::size_t position = 0;  // from 1; 0 when it takes the next argument
     bool left = false;
     bool zeros = false;
-    char sign = '-';
+    bool plus = false;
     unsigned width = 0;
     std::optional<unsigned> precision;
     char conversion = '\0';
@@ -85,9 +85,9 @@ class SpecifierReader {
                 result_.left = true;
             } else if (c == '0') {
                 result_.zeros = true;
-            } else if (c == '+' || (c == ' ' && result_.sign != '+')) {
-                result_.sign = c;
-            } else if (c != ' ') {
+            } else if (c == '+') {
+                result_.plus = true;
+            } else {
                 return;
             }
         }
@@ -121,10 +121,10 @@ std::string written(const Specifier& specifier, Number number) {
     const char* const align = specifier.left ? "<" : specifier.zeros ? "" : ">";
     const char* const zeros = specifier.zeros && !specifier.left ? "0" : "";
     const std::string width = specifier.width == 0 ? "" : fmt::format("{}", specifier.width);
-    const bool hasSign = specifier.sign != '-' && !std::same_as<Number, std::uint64_t>;
-    const std::string sign(hasSign ? 1U : 0U, specifier.sign);
+    const char* const sign = specifier.plus && !std::same_as<Number, std::uint64_t> ? "+" : "";
     const std::string type = typeOf<Number>(specifier);
-    return fmt::format(fmt::runtime("{:" + (align + sign) + zeros + width + type + "}"), number);
+    return fmt::format(
+        fmt::runtime(fmt::format("{{:{}{}{}{}{}}}", align, sign, zeros, width, type)), number);
 }
 
 std::string written(const Specifier& specifier, const std::string& text) {

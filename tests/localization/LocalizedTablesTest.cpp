@@ -113,10 +113,9 @@ TEST(Resources, HoldAFolderForEverySupportedLanguage) {
 
 TEST(Resources, HoldTheOwnIconAsAPictureThatWeCanRead) {
     ASSERT_TRUE(ResourceBundle::main().pathForResource("icon1", "png", "icon").has_value());
-    const auto icon =
-        ResourceBundle::main().readFile("icon/icon1.png").and_then([](const std::string& bytes) {
-            return platform::decode(bytes);
-        });
+    const auto bytes = ResourceBundle::main().readFile("icon/icon1.png");
+    ASSERT_TRUE(bytes.has_value()) << bytes.error().description;
+    const auto icon = platform::decode(*bytes);
     ASSERT_TRUE(icon.has_value()) << icon.error().description;
     EXPECT_EQ(icon->width, icon->height);
     EXPECT_GE(icon->width, 180U);  // 50 points, drawn on the densest screens, need 150
