@@ -234,13 +234,13 @@ class NodeMaker {
     Node operator()(const PropertyList::Data& data) const { return dataNode(data.bytes); }
     Node operator()(PropertyList::Uid uid) const { return Node(plist_new_uid(uid.value)); }
     Node operator()(PropertyList::Date date) const {
-        using Seconds = std::chrono::duration<double>;
-        const double seconds =
-            format_ == Format::Xml
-                ? Seconds(std::chrono::floor<std::chrono::seconds>(date).time_since_epoch()).count()
-                : Seconds(date.time_since_epoch()).count();
+        // In two parts: nanoseconds since 1970 are too many for a double to hold each.
+        const auto whole = std::chrono::floor<std::chrono::seconds>(date);
+        auto seconds = static_cast<double>(whole.time_since_epoch().count()) - kStartOf2001;
+        if (format_ == Format::Binary)
+            seconds += std::chrono::duration<double>(date - whole).count();
         std::string object(1, static_cast<char>(kDateMarker));
-        appendBigEndian(object, std::bit_cast<std::uint64_t>(seconds - kStartOf2001));
+        appendBigEndian(object, std::bit_cast<std::uint64_t>(seconds));
         return nodeOfBinary(object);
     }
     Node operator()(const PropertyList::Array& array) const {
