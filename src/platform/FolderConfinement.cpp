@@ -12,6 +12,8 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include "platform/UniqueDescriptor.h"
+
 namespace sweepwright::platform {
 namespace {
 
@@ -42,21 +44,6 @@ struct [[gnu::packed]] PathBeneath {
     std::int32_t descriptor;
 };
 
-class Descriptor {
-  public:
-    explicit Descriptor(long value) : value_(static_cast<int>(value)) {}
-    ~Descriptor() {
-        if (value_ >= 0) close(value_);
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    [[nodiscard]] int get() const { return value_; }
-    [[nodiscard]] bool isOpen() const { return value_ >= 0; }
-
-  private:
-    int value_;
-};
-
 /// The version of the interface, below 1 when there is none.
 long version() {
     return syscall(kCreateRuleset, nullptr, 0UL, kAskVersion);
@@ -72,17 +59,17 @@ std::uint64_t changes() {
     return rights;
 }
 
-int allow(const Descriptor& ruleset, const Descriptor& place, std::uint64_t rights) {
+int allow(const UniqueDescriptor& ruleset, const UniqueDescriptor& place, std::uint64_t rights) {
     const PathBeneath rule{rights, place.get()};
     const long added = syscall(kAddRule, ruleset.get(), kRulePathBeneath, &rule, 0U);
     return added == 0 ? 0 : errno;
 }
 
-long openFolder(const std::string& path) {
+int openFolder(const std::string& path) {
     open_how how{};
     how.flags = O_PATH | O_DIRECTORY | O_CLOEXEC;
     how.resolve = RESOLVE_NO_SYMLINKS;
-    return syscall(SYS_openat2, AT_FDCWD, path.c_str(), &how, sizeof(how));
+    return static_cast<int>(syscall(SYS_openat2, AT_FDCWD, path.c_str(), &how, sizeof(how)));
 }
 
 }  // namespace
@@ -93,14 +80,15 @@ bool FolderConfinement::available() {
 
 int FolderConfinement::restrictThisThread(const std::string& writableFolder) {
     const RulesetAttributes attributes{changes()};
-    const Descriptor ruleset(syscall(kCreateRuleset, &attributes, sizeof(attributes), 0U));
-    if (!ruleset.isOpen()) return errno;
-    const Descriptor folder(openFolder(writableFolder));
-    if (folder.isOpen()) {
+    const UniqueDescriptor ruleset(
+        static_cast<int>(syscall(kCreateRuleset, &attributes, sizeof(attributes), 0U)));
+    if (!ruleset.valid()) return errno;
+    const UniqueDescriptor folder(openFolder(writableFolder));
+    if (folder.valid()) {
         if (const int failed = allow(ruleset, folder, attributes.handledFileAccess)) return failed;
     }
-    const Descriptor sink(open("/dev/null", O_PATH | O_CLOEXEC));
-    if (sink.isOpen()) {
+    const UniqueDescriptor sink(open("/dev/null", O_PATH | O_CLOEXEC));
+    if (sink.valid()) {
         if (const int failed = allow(ruleset, sink, kWriteFile)) return failed;
     }
     if (prctl(PR_SET_NO_NEW_PRIVS, 1UL, 0UL, 0UL, 0UL) != 0) return errno;
