@@ -97,10 +97,10 @@ std::span<const Grid> gridsOf(const Header& header) {
 /// Inflates a raw deflate stream that is handed over in pieces into a buffer of fixed size.
 class RawInflater {
   public:
-    explicit RawInflater(std::span<std::uint8_t> out) {
+    explicit RawInflater(std::span<std::uint8_t> out)
+        : ready_(inflateInit2(&stream_, -MAX_WBITS) == Z_OK) {
         stream_.next_out = out.data();
         stream_.avail_out = static_cast<uInt>(out.size());
-        ready_ = inflateInit2(&stream_, -MAX_WBITS) == Z_OK;
     }
     ~RawInflater() { inflateEnd(&stream_); }
     RawInflater(const RawInflater&) = delete;
@@ -121,7 +121,7 @@ class RawInflater {
 
   private:
     z_stream stream_{};
-    bool ready_ = false;
+    bool ready_;
     bool ended_ = false;
 };
 
