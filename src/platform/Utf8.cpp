@@ -44,4 +44,24 @@ bool isUtf8(std::string_view bytes) {
     return true;
 }
 
+void appendUtf8(std::string& text, char32_t character) {
+    const auto append = [&](char32_t byte) { text += static_cast<char>(byte); };
+    const auto tail = [&](unsigned shift) { append(0x80U | ((character >> shift) & 0x3FU)); };
+    if (character < 0x80U) {
+        append(character);
+    } else if (character < 0x800U) {
+        append(0xC0U | (character >> 6U));
+        tail(0);
+    } else if (character < 0x10000U) {
+        append(0xE0U | (character >> 12U));
+        tail(6);
+        tail(0);
+    } else {
+        append(0xF0U | (character >> 18U));
+        tail(12);
+        tail(6);
+        tail(0);
+    }
+}
+
 }  // namespace sweepwright::platform
