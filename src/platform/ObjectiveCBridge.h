@@ -85,7 +85,8 @@ class ObjectiveCBridge {
         unsigned char (*respondsToSelector)(void*, void*) = nullptr;
         AnyFunction (*methodImplementation)(void*, void*) = nullptr;
         void* (*registerName)(const char*) = nullptr;
-        void* (*classOf)(void*) = nullptr;  ///< absent in GNU's run time
+        void* (*classOf)(void*) = nullptr;                     ///< Apple's run time only
+        AnyFunction (*messageLookup)(void*, void*) = nullptr;  ///< GNU's run time only
         void (*throwObject)(void*) = nullptr;
     };
     class AutoreleaseScope;
