@@ -159,7 +159,7 @@ std::uint64_t ThirdPartyAppCacheManager::removeEntry(const platform::Directory& 
         log("🔒 跳过白名单路径: {}", path);
         if (observer_ != nullptr)
             observer_->kept(path, KeptReason::Protected,
-                            services_.pathWhitelist.protectingPath(path).value_or(""));
+                            protectingPath(services_.files, services_.pathWhitelist, path));
         return sizeOfEntry(directory, name);
     }
     const auto removal =
@@ -251,7 +251,7 @@ std::vector<std::string> ThirdPartyAppCacheManager::withoutWhitelisted(
 }
 
 void ThirdPartyAppCacheManager::saveCleanStatistics(std::uint64_t bytes) {
-    services_.statistics.saveCleanStatistics(bytes);
+    services_.statistics.recordClean(bytes);
 }
 
 void ThirdPartyAppCacheManager::record(std::uint64_t cleaned, const std::string& historyName) {

@@ -25,7 +25,7 @@ void FileCleanerEngine::noteKept(const std::string& path, KeptReason reason,
 void FileCleanerEngine::noteProtected(const std::string& path) {
     if (observer_ != nullptr)
         noteKept(path, KeptReason::Protected,
-                 services_.pathWhitelist.protectingPath(path).value_or(""));
+                 protectingPath(services_.files, services_.pathWhitelist, path));
 }
 
 std::uint64_t FileCleanerEngine::removeContentsOfDirectory(const std::string& directory,

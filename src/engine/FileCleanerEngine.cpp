@@ -158,7 +158,7 @@ std::optional<std::string> FileCleanerEngine::cleanTypeNameForType(CleanType typ
 }
 
 void FileCleanerEngine::saveCleanStatistics(std::uint64_t bytes) {
-    services_.statistics.saveCleanStatistics(bytes);
+    services_.statistics.recordClean(bytes);
 }
 
 std::uint64_t FileCleanerEngine::getTotalCleanableSize() {

@@ -13,4 +13,9 @@ namespace sweepwright {
 bool leadsToProtected(platform::FileManager& files, const PathWhitelistManager& whitelist,
                       const std::string& directory);
 
+/// The whitelisted path that protects `path`, by its text or by the links on its way; empty when
+/// none does.
+std::string protectingPath(platform::FileManager& files, const PathWhitelistManager& whitelist,
+                           const std::string& path);
+
 }  // namespace sweepwright
