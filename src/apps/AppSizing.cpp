@@ -26,7 +26,7 @@ std::uint64_t ThirdPartyAppCacheManager::sizeOfDirectoryAtPath(const std::string
 std::uint64_t ThirdPartyAppCacheManager::sizeBeneath(const std::string& container,
                                                      std::string_view relative) {
     // A link on the way may lead into another app; what it leads to is not this app's.
-    const auto base = services_.files.openDirectory(container, platform::LastLink::Follow);
+    const auto base = services_.files.openDirectory(container, platform::LastLink::Refuse);
     if (!base || !services_.files.openBeneath(*base, relative, platform::Mounts::Cross)) return 0;
     return sizeOfDirectoryAtPath(joinPath(container, relative));
 }

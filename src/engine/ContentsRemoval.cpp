@@ -1,6 +1,4 @@
 // Removing the contents of a directory: the one routine behind every category cleaner.
-#include <cerrno>
-
 #include "engine/CategoryRules.h"
 #include "engine/FileCleanerEngine.h"
 #include "engine/LinkProtection.h"
@@ -44,8 +42,8 @@ std::uint64_t FileCleanerEngine::removeContentsOfDirectory(const std::string& di
     // Opened once: whatever is renamed or swapped for a link meanwhile, we stay in this directory.
     auto opened = services_.files.openDirectory(directory, LastLink::Refuse);
     if (!opened) {
-        if (opened.error().code == ELOOP || opened.error().code == ENOTDIR)
-            noteKept(directory, KeptReason::Link);
+        const auto itself = services_.files.attributes(directory, LastLink::Refuse);
+        if (itself && itself->type == FileType::SymbolicLink) noteKept(directory, KeptReason::Link);
         return 0;
     }
     return removeEntriesOf(*opened, progress);

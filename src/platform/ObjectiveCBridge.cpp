@@ -172,7 +172,8 @@ ObjectiveCReference::ObjectiveCReference(const ObjectiveCBridge& bridge,
 ObjectiveCReference::~ObjectiveCReference() {
     if (object_ == nullptr) return;
     // What the object's end raises has no one left to hear of it.
-    static_cast<void>(bridge_->guarded([this] { bridge_->send<void>(object_, "release"); }));
+    [[maybe_unused]] const auto raised =
+        bridge_->guarded([this] { bridge_->send<void>(object_, "release"); });
 }
 
 }  // namespace sweepwright::platform

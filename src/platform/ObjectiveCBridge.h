@@ -45,7 +45,8 @@ class ObjectiveCBridge {
             std::optional<Value> value;
             if (auto raised = guard([&] { value.emplace(body()); }))
                 return std::unexpected(std::move(*raised));
-            return std::move(*value);
+            // Filled by body(), for nothing was raised.
+            return std::move(*value);  // NOLINT(bugprone-unchecked-optional-access)
         }
     }
 

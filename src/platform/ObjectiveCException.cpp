@@ -20,7 +20,7 @@ namespace sweepwright::platform {
 
 ObjectiveCException::ObjectiveCException(LookUpClass lookUpClass, Throw /*throwObject*/,
                                          void* /*sample*/)
-    : lookUpClass_(lookUpClass), known_(true) {}
+    : lookUpClass_(lookUpClass) {}
 
 // Here an Objective-C exception is a C++ exception whose type is named after the object's class and
 // whose value starts with the object.

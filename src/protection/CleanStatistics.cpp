@@ -1,5 +1,6 @@
 #include "protection/CleanStatistics.h"
 
+#include <limits>
 #include <string_view>
 #include <utility>
 
@@ -34,7 +35,9 @@ platform::Result<> CleanStatistics::recordClean(std::uint64_t bytes) {
         const std::uint64_t bytesBefore = total ? total->unsignedInteger().value_or(0) : 0;
         const std::int64_t cleansBefore = count ? count->integer().value_or(0) : 0;
         stored.set(std::string(kTotalBytes), bytesBefore + bytes);
-        stored.set(std::string(kCount), cleansBefore + 1);
+        // A number that someone else made that large stays, rather than turn negative.
+        const bool full = cleansBefore == std::numeric_limits<std::int64_t>::max();
+        stored.set(std::string(kCount), full ? cleansBefore : cleansBefore + 1);
         stored.set(std::string(kLastDate), platform::dateText(now_()));
     });
     if (!recorded) platform::log("❌ 保存 {} 失败: {}", kTotalBytes, recorded.error().description);
