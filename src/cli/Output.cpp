@@ -6,6 +6,7 @@
 
 #include <fmt/format.h>
 
+#include "engine/StorageAnalyzer.h"
 #include "platform/ControlText.h"
 
 namespace sweepwright::cli {
