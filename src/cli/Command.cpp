@@ -16,6 +16,8 @@ const std::vector<std::string>& Call::words(const std::string& positional) const
 
 Commands allCommands() {
     Commands commands;
+    addScanCommands(commands);
+    addProtectionCommands(commands);
     addSampleCommands(commands);
     return commands;
 }
