@@ -1,4 +1,5 @@
 #include <chrono>
+#include <limits>
 #include <numeric>
 
 #include <gtest/gtest.h>
@@ -145,7 +146,7 @@ TEST(PropertyListBinary, AMillionLevelsAreRefused) {
 }
 
 TEST(PropertyListBinary, SharedReferencesThatExpandExponentiallyAreRefused) {
-    for (const std::size_t levels : {20, 50}) {
+    for (const std::size_t levels : {20U, 50U}) {
         BinaryListBuilder builder;
         for (std::size_t level = 1; level < levels; ++level) {
             builder.add(BinaryListBuilder::array({level, level}));

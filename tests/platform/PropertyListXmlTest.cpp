@@ -1,3 +1,8 @@
+#include <chrono>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+
 #include <gtest/gtest.h>
 
 #include "platform/PropertyList.h"
@@ -27,8 +32,9 @@ PropertyList read(const std::string& content) {
 
 bool isRefused(const std::string& content) {
     const auto list = PropertyList::parse(plist(content));
-    if (!list) EXPECT_EQ(list.error().domain, kFormatErrorDomain);
-    return !list;
+    if (list) return false;
+    EXPECT_EQ(list.error().domain, kFormatErrorDomain);
+    return true;
 }
 
 std::string repeated(std::string_view text, std::size_t times) {
