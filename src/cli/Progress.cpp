@@ -12,6 +12,7 @@
 #include <fmt/format.h>
 
 #include "cli/Text.h"
+#include "platform/ControlText.h"
 #include "platform/Terminal.h"
 
 namespace sweepwright::cli {
@@ -124,7 +125,7 @@ std::string Progress::lineFor(std::string_view name, double fraction, std::size_
     line += percent + "  ";
     const std::size_t used = displayWidth(line);
     if (used >= room) return truncatedToWidth(percent, room);
-    return line + truncatedToWidth(escapedForTerminal(name), room - used);
+    return line + truncatedToWidth(platform::escapedControls(name), room - used);
 }
 
 }  // namespace sweepwright::cli

@@ -20,6 +20,11 @@ constexpr std::string_view kLastDate = "lastCleanDate";
 
 }  // namespace
 
+CleanStatistics& CleanStatistics::sharedStatistics() {
+    static CleanStatistics statistics(platform::UserDefaults::standard());
+    return statistics;
+}
+
 CleanStatistics::CleanStatistics(platform::UserDefaults& defaults, Now now)
     : defaults_(defaults), now_(std::move(now)) {}
 

@@ -24,6 +24,9 @@ class CleanStatistics {
         std::optional<std::string> lastCleanDate;  ///< "yyyy-MM-dd HH:mm:ss", local time
     };
 
+    /// The one of UserDefaults::standard(), made on first use.
+    static CleanStatistics& sharedStatistics();
+
     /// `defaults` must outlive this; `now` answers what time it is.
     explicit CleanStatistics(platform::UserDefaults& defaults,
                              Now now = std::chrono::system_clock::now);

@@ -1,5 +1,6 @@
 #include "support/TemporaryDevice.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
@@ -7,6 +8,7 @@
 #include <sstream>
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 namespace sweepwright::test {
 
@@ -50,6 +52,18 @@ void TemporaryDevice::link(const std::string& path, const std::string& target) {
     fs::create_symlink(target, at);
 }
 
+void TemporaryDevice::hardLink(const std::string& path, const std::string& existing) {
+    const fs::path at = host(path);
+    fs::create_directories(at.parent_path());
+    fs::create_hard_link(host(existing), at);
+}
+
+void TemporaryDevice::fifo(const std::string& path) {
+    const fs::path at = host(path);
+    fs::create_directories(at.parent_path());
+    EXPECT_EQ(mkfifo(at.c_str(), 0600), 0) << at;
+}
+
 void TemporaryDevice::age(const std::string& path, double seconds) {
     const auto past = std::chrono::duration_cast<std::chrono::system_clock::duration>(
         std::chrono::duration<double>(seconds));
@@ -59,6 +73,14 @@ void TemporaryDevice::age(const std::string& path, double seconds) {
 
 bool TemporaryDevice::exists(const std::string& path) const {
     return fs::exists(fs::symlink_status(host(path)));
+}
+
+std::vector<std::string> TemporaryDevice::entriesBeneath(const std::string& path) const {
+    std::vector<std::string> paths;
+    for (const auto& entry : fs::recursive_directory_iterator(host(path)))
+        paths.push_back(entry.path().string().substr(root().size()));
+    std::ranges::sort(paths);
+    return paths;
 }
 
 std::string TemporaryDevice::content(const std::string& path) const {
