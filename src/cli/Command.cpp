@@ -17,6 +17,7 @@ const std::vector<std::string>& Call::words(const std::string& positional) const
 Commands allCommands() {
     Commands commands;
     addScanCommands(commands);
+    addCleanCommands(commands);
     addProtectionCommands(commands);
     addSampleCommands(commands);
     return commands;

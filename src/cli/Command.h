@@ -76,6 +76,7 @@ Commands allCommands();
 
 /// What each source of commands adds.
 void addScanCommands(Commands& commands);
+void addCleanCommands(Commands& commands);
 void addProtectionCommands(Commands& commands);
 void addSampleCommands(Commands& commands);
 

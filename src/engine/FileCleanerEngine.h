@@ -92,6 +92,9 @@ struct EngineServices {
     StorageAnalyzer& storage;
     platform::NotificationCenter& notifications;
     platform::MainQueue& mainQueue;
+
+    /// The shared ones, on Device::current().
+    static EngineServices shared();
 };
 
 /// Measures, lists and cleans the nine categories.
