@@ -23,7 +23,8 @@ platform::Result<CleanPreview> preview(
                            services.statistics,
                            services.storage,
                            services.notifications,
-                           services.mainQueue};
+                           services.mainQueue,
+                           services.now};
     FileCleanerEngine engine(watched);
     engine.setObserver(&eraser);
     if (const auto ready = engine.readiness(); !ready) return std::unexpected(ready.error());
