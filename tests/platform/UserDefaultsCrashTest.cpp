@@ -113,17 +113,16 @@ TEST(UserDefaultsCrash, AProcessThatEndsAtAnyCallLeavesTheOldOrTheNewFile) {
 }
 
 TEST(UserDefaultsCrash, AProcessThatEndsAtAnyCallKeepsADamagedFileAndItsReport) {
-    endAtEveryStep(
-        [](TemporaryDevice& device) { device.fileWith(kFile, "junk"); },
-        [](TemporaryDevice& device) {
-            std::size_t kept = 0;
-            const auto names = device.files().contentsOfDirectory(kDirectory).value();
-            for (const auto& name : names) {
-                if (device.content(joinPath(kDirectory, name)) == "junk") ++kept;
-            }
-            EXPECT_EQ(kept, 1U);
-            EXPECT_TRUE(UserDefaults(device.files(), kFile).damage().has_value());
-        });
+    endAtEveryStep([](TemporaryDevice& device) { device.fileWith(kFile, "junk"); },
+                   [](TemporaryDevice& device) {
+                       std::size_t kept = 0;
+                       const auto names = device.files().contentsOfDirectory(kDirectory).value();
+                       for (const auto& name : names) {
+                           if (device.content(joinPath(kDirectory, name)) == "junk") ++kept;
+                       }
+                       EXPECT_EQ(kept, 1U);
+                       EXPECT_TRUE(UserDefaults(device.files(), kFile).damage().has_value());
+                   });
 }
 
 /// What a process saves as its `generation`: one that is torn would not hold together.
