@@ -108,12 +108,13 @@ TEST(DeviceChoice, AHomeThroughPrivateIsKnownByTheNameThatProtectionUses) {
     std::filesystem::remove_all(sweepctl.device().host("/var"));
     sweepctl.device().link("/var", "private/var");
     sweepctl.device().file("/private/var/mobile/Library/Caches/com.apple.Maps/tile", 1000);
-    sweepctl.device().file("/private/var/mobile/Library/Caches/App/file", 10);
+    sweepctl.device().file("/private/var/mobile/Library/Caches/com.apple.springboard/file", 10);
     const ProcessResult cleaned =
         sweepctl.run({"clean", "cache", "--yes", "--home", "/private/var/mobile"});
     EXPECT_EQ(cleaned.status, 0) << cleaned.error;
     EXPECT_TRUE(sweepctl.device().exists("/private/var/mobile/Library/Caches/com.apple.Maps/tile"));
-    EXPECT_FALSE(sweepctl.device().exists("/private/var/mobile/Library/Caches/App/file"));
+    EXPECT_FALSE(
+        sweepctl.device().exists("/private/var/mobile/Library/Caches/com.apple.springboard/file"));
 }
 
 TEST(DeviceChoice, TheHomeIsTheContainerWhoseMetadataNamesTheApp) {

@@ -75,14 +75,11 @@ TEST(WhitelistCommands, CheckTellsOfPathsInsideAndAboveProtectedOnes) {
 TEST(WhitelistCommands, PathsThatCouldNotBeRecognisedLaterAreRefused) {
     Sweepctl sweepctl;
     for (const char* wrong : {"var/a", "~/a", "/", "//", "/var/../a", "/var/./a", "/var/.."}) {
-        for (const char* list : {"whitelist paths", "custom-paths"}) {
-            std::vector<std::string> words{"add", "/fine", wrong};
-            words.insert(words.begin(), list == std::string("custom-paths")
-                                            ? std::vector<std::string>{"custom-paths"}
-                                            : std::vector<std::string>{"whitelist", "paths"});
-            words.insert(words.begin(), "--json");
+        for (const std::vector<std::string>& words :
+             {std::vector<std::string>{"--json", "custom-paths", "add", "/fine", wrong},
+              {"--json", "whitelist", "paths", "add", "/fine", wrong}}) {
             const ProcessResult result = sweepctl.run(words);
-            EXPECT_EQ(result.status, 2) << list << " " << wrong;
+            EXPECT_EQ(result.status, 2) << words[1] << " " << wrong;
             EXPECT_THAT(errorIn(result.output), HasSubstr(wrong));
         }
     }

@@ -18,7 +18,7 @@ json counted(const std::string& folder) {
     std::uint64_t files = 0;
     std::uint64_t bytes = 0;
     for (const auto& entry : fs::recursive_directory_iterator(folder)) {
-        if (!entry.is_regular_file() || entry.is_symlink()) continue;
+        if (!fs::is_regular_file(entry.symlink_status())) continue;
         ++files;
         bytes += entry.file_size();
     }
