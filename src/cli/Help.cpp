@@ -13,13 +13,13 @@ namespace {
 
 constexpr std::string_view kGlobalOptions =
     R"(Options, before or after the command:
-  --device-root DIR   the folder that is the device's "/": where it is mounted or
-                      was copied to ($SWEEPWRIGHT_DEVICE_ROOT); on a device "/",
-                      elsewhere a sample device that is made on first use
+  --device-root DIR   the folder that is the device's "/": where it is mounted
+                      or was copied to ($SWEEPWRIGHT_DEVICE_ROOT); on a device
+                      "/", elsewhere a sample device, made on first use
   --home PATH         the app's home directory on the device ($SWEEPWRIGHT_HOME)
   --tmp PATH          the temporary directory on the device (HOME/tmp)
   --idiom KIND        iphone or ipad (iphone)
-  --json              one JSON document on standard output, and nothing else there
+  --json              one JSON document, and nothing else, on standard output
   --no-progress       no progress line
   -v, --verbose       the diagnostic log on standard error, too
   -h, --help          this help, or a command's: sweepctl COMMAND --help

@@ -1,5 +1,4 @@
 // The nine category cleaners: which locations, which entries, in which order.
-#include <chrono>
 #include <exception>
 
 #include "engine/CategoryRules.h"
@@ -33,7 +32,7 @@ std::uint64_t FileCleanerEngine::cleanIfPresent(const std::string& path, const P
 std::uint64_t FileCleanerEngine::cleanEntries(const std::string& directory, NameRule rule,
                                               const Progress& progress) {
     std::uint64_t total = 0;
-    for (const std::string& name : entriesOf(directory))
+    for (const std::string& name : cleanableEntriesOf(directory))
         if (rule(name)) total += removeContentsOfDirectory(joinPath(directory, name), progress);
     return total;
 }
@@ -54,7 +53,11 @@ std::uint64_t FileCleanerEngine::cleanCacheWithProgress(const Progress& progress
                                                         ErrorSlot& /*error*/) {
     std::uint64_t total = 0;
     const std::string caches = services_.device.cachesDirectory();
-    if (!isPathInWhitelist(caches)) total += removeContentsOfDirectory(caches, progress);
+    if (isPathInWhitelist(caches)) {
+        noteProtected(caches);
+    } else {
+        total += removeContentsOfDirectory(caches, progress);
+    }
     total += cleanSupportCaches(progress);
     if (!isStopped()) logFailure(services_.eraser.removeAllCachedResponses());
     total += cleanSystemCaches(progress);
@@ -64,13 +67,12 @@ std::uint64_t FileCleanerEngine::cleanCacheWithProgress(const Progress& progress
 std::uint64_t FileCleanerEngine::cleanSupportCaches(const Progress& progress) {
     std::uint64_t total = 0;
     const std::string support = services_.device.applicationSupportDirectory();
-    for (const std::string& name : entriesOf(support)) {
+    for (const std::string& name : cleanableEntriesOf(support)) {
         const std::string path = joinPath(support, name);
         if (isPathInWhitelist(path)) {
             noteProtected(path);
         } else if (isMapsAppPath(path)) {
-            log("🗺️ 跳过地图应用缓存: {} (保护地图图片缓存)", path);
-            noteKept(path, KeptReason::Maps);
+            keepMaps(path);
         } else if (rules::isTemporaryData(name)) {
             total += removeContentsOfDirectory(path, progress);
         }
@@ -95,7 +97,7 @@ std::uint64_t FileCleanerEngine::cleanSystemCaches(const Progress& progress) {
             log("✅ 清理{}缓存, 大小: {} 字节", name, done->freed);
         }
         if (exists(std::string(rules::kSharedCaches)))
-            for (const std::string& name : entriesOf(std::string(rules::kSharedCaches)))
+            for (const std::string& name : cleanableEntriesOf(std::string(rules::kSharedCaches)))
                 total += cleanSharedCache(name, progress);
     } catch (const std::exception& exception) {
         log("⚠️ 清理系统缓存时异常: {}", exception.what());
@@ -116,8 +118,7 @@ std::uint64_t FileCleanerEngine::cleanSharedCache(const std::string& name,
         return 0;
     }
     if (isMapsAppPath(path)) {
-        log("🗺️ 跳过地图应用缓存: {} (保护地图图片缓存)", path);
-        noteKept(path, KeptReason::Maps);
+        keepMaps(path);
         return 0;
     }
     if (!rules::isSharedCache(name)) return 0;
@@ -185,7 +186,11 @@ std::uint64_t FileCleanerEngine::cleanSystemLogsWithProgress(const Progress& pro
                                                              ErrorSlot& /*error*/) {
     std::uint64_t total = 0;
     const std::string logs = home("Library/Logs");
-    if (!isPathInWhitelist(logs)) total += removeContentsOfDirectory(logs, progress);
+    if (isPathInWhitelist(logs)) {
+        noteProtected(logs);
+    } else {
+        total += removeContentsOfDirectory(logs, progress);
+    }
     for (const std::string_view at : rules::kDiagnostics) {
         const std::string path(at);
         const auto done = cleanMeasured(path, progress);

@@ -3,10 +3,12 @@
 
 #include "engine/CategoryRules.h"
 #include "engine/FileCleanerEngine.h"
+#include "engine/LinkProtection.h"
 #include "platform/Log.h"
 
 namespace sweepwright {
 
+using platform::FileType;
 using platform::LastLink;
 using platform::log;
 
@@ -21,40 +23,38 @@ std::string mainDatabaseOf(std::string_view sideFile) {
 
 }  // namespace
 
-bool FileCleanerEngine::isInUse(const std::string& sideFile, std::string_view name) {
-    const std::string database =
-        platform::joinPath(services_.device.libraryDirectory(), mainDatabaseOf(name));
-    if (!exists(database)) return false;
-    const auto attributes = services_.files.attributes(sideFile, LastLink::Refuse);
-    if (!attributes) return false;
-    const double age = std::chrono::duration<double>(std::chrono::system_clock::now() -
-                                                     attributes->modificationDate)
-                           .count();
+bool FileCleanerEngine::isInUse(const platform::Directory& library, const std::string& name,
+                                const platform::FileAttributes& attributes) {
+    if (!exists(library.pathOf(mainDatabaseOf(name)))) return false;
+    const double age =
+        std::chrono::duration<double>(services_.now() - attributes.modificationDate).count();
     if (age >= kRecentSeconds) return false;
-    log("⚠️ 跳过可能正在使用的数据库临时文件: {} (最近修改: {:.1f}秒前)", sideFile, age);
+    log("⚠️ 跳过可能正在使用的数据库临时文件: {} (最近修改: {:.1f}秒前)", library.pathOf(name), age);
     return true;
 }
 
 /// A side file is a plain, visible file; whatever else bears such a name stays.
 bool FileCleanerEngine::isRemovableSideFile(const platform::Directory& library,
+                                            const LinkProtection& protection,
                                             const std::string& name) {
     const std::string path = library.pathOf(name);
     if (name.starts_with('.')) {
         noteKept(path, KeptReason::Hidden);
         return false;
     }
-    if (isPathInWhitelist(path)) {
+    if (isPathInWhitelist(path) || protection.covers(name)) {
         log("🔒 跳过白名单路径: {}", path);
         noteProtected(path);
         return false;
     }
     const auto attributes = services_.files.attributesAt(library, name);
-    if (attributes && attributes->type == platform::FileType::SymbolicLink) {
+    if (!attributes) return true;
+    if (attributes->type == FileType::SymbolicLink) {
         noteKept(path, KeptReason::Link);
         return false;
     }
-    if (attributes && attributes->type == platform::FileType::Directory) return false;
-    if (isInUse(path, name)) {
+    if (attributes->type != FileType::Regular) return false;
+    if (isInUse(library, name, *attributes)) {
         noteKept(path, KeptReason::RecentSideFile);
         return false;
     }
@@ -68,10 +68,12 @@ std::uint64_t FileCleanerEngine::cleanDatabaseFilesWithProgress(const Progress& 
     if (!library) return 0;
     const auto names = services_.files.contentsOfDirectory(*library);
     if (!names) return 0;
+    const LinkProtection protection(services_.files, services_.pathWhitelist, *library);
     std::uint64_t total = 0;
     for (const std::string& name : *names) {
         if (isStopped()) break;
-        if (!rules::isDatabaseSideFile(name) || !isRemovableSideFile(*library, name)) continue;
+        if (!rules::isDatabaseSideFile(name) || !isRemovableSideFile(*library, protection, name))
+            continue;
         const std::string path = library->pathOf(name);
         const auto removal = services_.eraser.removeEntry(*library, name, walkRules());
         if (removal.error) {

@@ -3,10 +3,12 @@
 
 #include "engine/CategoryRules.h"
 #include "engine/FileCleanerEngine.h"
+#include "engine/LinkProtection.h"
 #include "platform/Log.h"
 
 namespace sweepwright {
 
+using platform::FileType;
 using platform::LastLink;
 using platform::log;
 
@@ -20,17 +22,20 @@ constexpr std::array<std::string_view, 2> kSafariHistorySideFiles = {
 }  // namespace
 
 void FileCleanerEngine::deepCleanWithCompletion(Completion completion) {
-    stopRequested_ = false;
-    cleanQueue_->async([this, completion = std::move(completion)]() mutable {
+    cleanQueue_->async([this, number = ++lastAsked_, completion = std::move(completion)]() mutable {
         if (const auto ready = readiness(); !ready)
             return postCompletion(std::move(completion), 0, ready.error());
         ErrorSlot error;
-        const std::uint64_t total = deepCleanNow(error);
+        const std::uint64_t total = runClean(number, {}, [&] { return sweep(error); });
         postCompletion(std::move(completion), total, std::move(error));
     });
 }
 
 std::uint64_t FileCleanerEngine::deepCleanNow(ErrorSlot& error) {
+    return runClean(++lastAsked_, {}, [&] { return sweep(error); });
+}
+
+std::uint64_t FileCleanerEngine::sweep(ErrorSlot& error) {
     std::uint64_t total = 0;
     try {
         sweepSystemCache(rules::kSpringBoardCache, "SpringBoard", total);
@@ -73,37 +78,47 @@ void FileCleanerEngine::sweepCacheDelete(std::uint64_t& total) {
 void FileCleanerEngine::sweepSafari(std::string_view at, std::uint64_t& total) {
     const std::string path(at);
     if (isStopped() || !exists(path)) return;
-    const auto itself = services_.files.attributes(path, LastLink::Refuse);
-    if (itself && itself->type == platform::FileType::SymbolicLink)
-        return noteKept(path, KeptReason::Link);
     const std::uint64_t size = getFileSizeAtPath(path);
     if (size == 0) return;
-    // The location itself goes, and unlike elsewhere the whitelist is not asked before.
-    const auto parent =
-        services_.files.openDirectory(path.substr(0, path.rfind('/')), LastLink::Refuse);
-    platform::Removal removal;
-    if (parent) {
-        removal = services_.eraser.removeEntry(
-            *parent, std::string(platform::lastPathComponent(path)), walkRules());
-    } else {
-        removal.error = parent.error();
-    }
-    if (!removal.error) {
+    const auto removal = removeLocation(path);
+    if (!removal) return;
+    if (!removal->error) {
         noteRemoved(path, size);
         total += size;
         return log("✅ 清理Safari缓存路径: {}, 大小: {} 字节", path, size);
     }
-    const std::uint64_t freed = removal.bytes + removeContentsOfDirectory(path, {});
+    const std::uint64_t freed = removal->bytes + removeContentsOfDirectory(path, {});
     if (freed == 0)
-        return log("⚠️ 无法清理Safari缓存: {}（错误: {}）", path, removal.error->description);
+        return log("⚠️ 无法清理Safari缓存: {}（错误: {}）", path, removal->error->description);
     total += freed;
     log("✅ 清理Safari缓存目录内容: {}, 大小: {} 字节", path, freed);
+}
+
+/// Removes a location itself, a directory or a file. Unlike elsewhere the whitelist is not asked
+/// before: a protected directory measures 0 and does not come here. None for one that must stay.
+std::optional<platform::Removal> FileCleanerEngine::removeLocation(const std::string& path) {
+    const std::string name(platform::lastPathComponent(path));
+    const auto parent =
+        services_.files.openDirectory(path.substr(0, path.rfind('/')), LastLink::Refuse);
+    if (!parent) return platform::Removal{0, parent.error()};
+    const auto attributes = services_.files.attributesAt(*parent, name);
+    if (attributes && attributes->type == FileType::SymbolicLink) {
+        noteKept(path, KeptReason::Link);
+        return std::nullopt;
+    }
+    if (attributes && attributes->type == FileType::Directory &&
+        LinkProtection(services_.files, services_.pathWhitelist, *parent).covers(name)) {
+        log("🔒 白名单目录跳过删除: {}", path);
+        noteProtected(path);
+        return std::nullopt;
+    }
+    return services_.eraser.removeEntry(*parent, name, walkRules());
 }
 
 void FileCleanerEngine::sweepSharedCaches(std::uint64_t& total) {
     const std::string shared(rules::kSharedCaches);
     if (isStopped() || !exists(shared)) return;
-    for (const std::string& name : entriesOf(shared)) {
+    for (const std::string& name : cleanableEntriesOf(shared)) {
         const std::string path = platform::joinPath(shared, name);
         if (isStopped()) return;
         if (name.contains(rules::kProductName)) {
@@ -111,8 +126,7 @@ void FileCleanerEngine::sweepSharedCaches(std::uint64_t& total) {
             continue;
         }
         if (isMapsAppPath(path)) {
-            log("🗺️ 跳过地图应用缓存: {} (保护地图图片缓存)", path);
-            noteKept(path, KeptReason::Maps);
+            keepMaps(path);
             continue;
         }
         const std::uint64_t size = sizeOfDirectoryAtPath(path);

@@ -59,13 +59,21 @@ FileCleanerEngine::FileCleanerEngine(const EngineServices& services)
 
 FileCleanerEngine::~FileCleanerEngine() = default;
 
+EngineServices EngineServices::shared() {
+    return {platform::Device::current(),
+            platform::FileManager::defaultManager(),
+            DeviceEraser::sharedEraser(),
+            PathWhitelistManager::sharedManager(),
+            CustomPathManager::sharedManager(),
+            CleanHistoryManager::sharedManager(),
+            CleanStatistics::sharedStatistics(),
+            StorageAnalyzer::sharedAnalyzer(),
+            platform::NotificationCenter::defaultCenter(),
+            platform::MainQueue::shared()};
+}
+
 FileCleanerEngine& FileCleanerEngine::sharedEngine() {
-    static FileCleanerEngine engine(
-        {platform::Device::current(), platform::FileManager::defaultManager(),
-         DeviceEraser::sharedEraser(), PathWhitelistManager::sharedManager(),
-         CustomPathManager::sharedManager(), CleanHistoryManager::sharedManager(),
-         CleanStatistics::sharedStatistics(), StorageAnalyzer::sharedAnalyzer(),
-         platform::NotificationCenter::defaultCenter(), platform::MainQueue::shared()});
+    static FileCleanerEngine engine(EngineServices::shared());
     return engine;
 }
 
@@ -106,26 +114,44 @@ ScanResult FileCleanerEngine::scan(
 }
 
 void FileCleanerEngine::cleanWithType(CleanType type, Progress progress, Completion completion) {
-    stopRequested_ = false;
-    cleanQueue_->async(
-        [this, type, progress = std::move(progress), completion = std::move(completion)]() mutable {
-            if (const auto ready = readiness(); !ready)
-                return postCompletion(std::move(completion), 0, ready.error());
-            ErrorSlot error;
-            const std::uint64_t cleaned = cleanNow(type, progress, error);
-            if (!error && cleaned > 0) recordClean(type, cleaned);
-            postCompletion(std::move(completion), cleaned, std::move(error));
-        });
+    cleanQueue_->async([this, type, number = ++lastAsked_, progress = std::move(progress),
+                        completion = std::move(completion)]() mutable {
+        if (const auto ready = readiness(); !ready)
+            return postCompletion(std::move(completion), 0, ready.error());
+        ErrorSlot error;
+        const std::uint64_t cleaned =
+            runClean(number, progress, [&] { return cleanCategories(type, progress, error); });
+        if (!error && cleaned > 0) recordClean(type, cleaned);
+        postCompletion(std::move(completion), cleaned, std::move(error));
+    });
 }
 
 std::uint64_t FileCleanerEngine::cleanNow(CleanType type, const Progress& progress,
                                           ErrorSlot& error) {
-    if (const Category* category = categoryOf(type))
-        return (this->*category->clean)(progress, error);
+    return runClean(++lastAsked_, progress, [&] { return cleanCategories(type, progress, error); });
+}
+
+std::uint64_t FileCleanerEngine::runClean(CleanNumber number, const Progress& progress,
+                                          const std::function<std::uint64_t()>& body) {
+    // One throttle for the whole clean: it may visit thousands of directories a second.
+    throttle_ = std::make_unique<platform::ProgressThrottle>(services_.mainQueue, progress);
+    running_ = number;
+    const std::uint64_t cleaned = isStopped() ? 0 : body();
+    running_ = kNoClean;
+    throttle_->flush();
+    throttle_.reset();
+    return cleaned;
+}
+
+std::uint64_t FileCleanerEngine::cleanCategories(CleanType type, const Progress& progress,
+                                                 ErrorSlot& error) {
     std::uint64_t cleaned = 0;
-    if (type == CleanType::All)
-        for (const Category& category : kCategories)
-            if (!isStopped()) cleaned += (this->*category.clean)(progress, error);
+    if (const Category* category = categoryOf(type)) {
+        cleaned = (this->*category->clean)(progress, error);
+    } else if (type == CleanType::All) {
+        for (const Category& each : kCategories)
+            if (!isStopped()) cleaned += (this->*each.clean)(progress, error);
+    }
     return cleaned;
 }
 

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <map>
 #include <memory>
 #include <optional>
@@ -18,6 +19,7 @@
 #include "platform/DispatchQueue.h"
 #include "platform/FileManager.h"
 #include "platform/NotificationCenter.h"
+#include "platform/ProgressThrottle.h"
 #include "platform/TreeWalker.h"
 #include "protection/CleanHistoryManager.h"
 #include "protection/CleanStatistics.h"
@@ -26,6 +28,8 @@
 #include "protection/PathWhitelistManager.h"
 
 namespace sweepwright {
+
+class LinkProtection;
 
 /// What a scan found, in bytes. Custom paths are counted twice in `cacheSize` and so in the total.
 struct ScanResult {
@@ -92,6 +96,11 @@ struct EngineServices {
     StorageAnalyzer& storage;
     platform::NotificationCenter& notifications;
     platform::MainQueue& mainQueue;
+    /// What time it is.
+    std::function<std::chrono::system_clock::time_point()> now = std::chrono::system_clock::now;
+
+    /// The shared ones, on Device::current().
+    static EngineServices shared();
 };
 
 /// Measures, lists and cleans the nine categories.
@@ -135,15 +144,17 @@ class FileCleanerEngine {
     /// a protection list can't be read nothing is cleaned and the completion gets the error.
     void cleanWithType(CleanType type, Progress progress, Completion completion);
 
-    /// The body of a clean on the caller's thread, without statistics, history or notification.
+    /// The body of a clean on the caller's thread, without statistics, history or notification. Not
+    /// while a clean asked for above runs.
     std::uint64_t cleanNow(CleanType type, const Progress& progress, ErrorSlot& error);
 
     /// Reads the protection lists afresh; the error when one can't be read and a clean must refuse.
     [[nodiscard]] platform::Result<> readiness() const;
 
-    /// Ends the running clean after the entry in hand; what was freed is counted and reported.
-    /// Thread-safe. Cleans asked for later are not affected.
-    void stop() { stopRequested_ = true; }
+    /// Ends the running clean after the entry in hand; what was freed is counted and reported. A
+    /// clean that still waits ends before its first entry. Cleans asked for later are not affected.
+    /// Thread-safe.
+    void stop() { stoppedUpTo_ = lastAsked_.load(); }
 
     /// Display name of values 0 to 9; none for any other, ThirdPartyApps included.
     [[nodiscard]] static std::optional<std::string> cleanTypeNameForType(CleanType type);
@@ -160,7 +171,7 @@ class FileCleanerEngine {
     bool isPathWritable(const std::string& path);
     /// A directory's measured size, a file's size; 0 when missing or unreadable.
     std::uint64_t getFileSizeAtPath(const std::string& path);
-    [[nodiscard]] bool isPathInWhitelist(const std::string& path) const;
+    [[nodiscard]] virtual bool isPathInWhitelist(const std::string& path) const;
 
     // --- Sizes ---
 
@@ -211,8 +222,8 @@ class FileCleanerEngine {
     virtual std::uint64_t cleanOfflineDataWithProgress(const Progress& progress, ErrorSlot& error);
 
     /// Removes what may go of the entries of `directory`, never the directory itself: whitelisted
-    /// and hidden entries, links and databases stay; system locations are emptied by the shell.
-    /// A directory that is itself a link is left alone. Bytes freed.
+    /// and hidden entries, links, databases and the caches of Maps stay; system locations are
+    /// emptied by the shell. A directory that is itself a link is left alone. Bytes freed.
     std::uint64_t removeContentsOfDirectory(const std::string& directory, const Progress& progress);
 
     [[nodiscard]] static bool isMapsAppPath(std::string_view path);
@@ -256,7 +267,9 @@ class FileCleanerEngine {
 
   private:
     using NameRule = bool (*)(std::string_view name);
+    using CleanNumber = std::uint64_t;
     struct Emptying;
+    static constexpr CleanNumber kNoClean = std::numeric_limits<CleanNumber>::max();
 
     // Paths and small questions.
     [[nodiscard]] std::string home(std::string_view relative) const;
@@ -271,16 +284,26 @@ class FileCleanerEngine {
     void collectIfPresent(const std::string& directory, std::vector<std::string>& paths);
 
     // Cleaning.
-    bool isStopped() const { return stopRequested_; }
+    bool isStopped() const { return stoppedUpTo_ >= running_; }
+    /// Runs `body` as the clean of that number, which a stop ends and whose progress is thinned.
+    std::uint64_t runClean(CleanNumber number, const Progress& progress,
+                           const std::function<std::uint64_t()>& body);
+    std::uint64_t cleanCategories(CleanType type, const Progress& progress, ErrorSlot& error);
+    std::uint64_t sweep(ErrorSlot& error);
     void recordClean(CleanType type, std::uint64_t cleaned);
     void postCompletion(Completion completion, std::uint64_t cleaned, ErrorSlot error);
     void noteRemoved(const std::string& path, std::uint64_t bytes);
     void noteKept(const std::string& path, KeptReason reason, const std::string& by = {});
     void noteProtected(const std::string& path);
+    /// The names in a location to be cleaned; none in one that is itself a link.
+    std::vector<std::string> cleanableEntriesOf(const std::string& directory);
+    std::optional<platform::Directory> openToEmpty(const std::string& directory);
     std::uint64_t removeEntriesOf(platform::Directory& directory, const Progress& progress);
-    /// None when the entry must stay, else the bytes that went.
-    std::optional<std::uint64_t> removeEntry(const platform::Directory& directory,
-                                             const std::string& name);
+    /// Whether the entry must stay.
+    bool keepsEntry(const platform::Directory& directory, const LinkProtection& protection,
+                    const std::string& name);
+    std::uint64_t removeEntry(const platform::Directory& directory, const std::string& name);
+    void keepMaps(const std::string& path);
     std::uint64_t cleanEntries(const std::string& directory, NameRule rule,
                                const Progress& progress);
     std::uint64_t cleanIfPresent(const std::string& path, const Progress& progress);
@@ -288,12 +311,13 @@ class FileCleanerEngine {
     std::optional<Emptying> cleanMeasured(const std::string& path, const Progress& progress);
     std::uint64_t cleanSupportCaches(const Progress& progress);
     std::uint64_t cleanSystemCaches(const Progress& progress);
-    std::uint64_t cleanSharedCaches(const Progress& progress);
     std::uint64_t cleanSharedCache(const std::string& name, const Progress& progress);
     std::uint64_t cleanCustomPaths(const Progress& progress);
     std::uint64_t cleanSystemSafari(const Progress& progress);
-    bool isInUse(const std::string& sideFile, std::string_view name);
-    bool isRemovableSideFile(const platform::Directory& library, const std::string& name);
+    bool isInUse(const platform::Directory& library, const std::string& name,
+                 const platform::FileAttributes& attributes);
+    bool isRemovableSideFile(const platform::Directory& library, const LinkProtection& protection,
+                             const std::string& name);
 
     // Shell removal.
     std::int32_t emptyByShell(const platform::Directory& directory, const std::string& hostFolder);
@@ -307,12 +331,17 @@ class FileCleanerEngine {
     void sweepSystemCache(std::string_view at, std::string_view name, std::uint64_t& total);
     void sweepCacheDelete(std::uint64_t& total);
     void sweepSafari(std::string_view at, std::uint64_t& total);
+    std::optional<platform::Removal> removeLocation(const std::string& path);
     void sweepSharedCaches(std::uint64_t& total);
 
     EngineServices services_;
     platform::TreeWalker walker_;
     CleanObserver* observer_ = nullptr;
-    std::atomic<bool> stopRequested_{false};
+    // Cleans are numbered as they are asked for, so that a stop knows which it is about.
+    std::atomic<CleanNumber> lastAsked_{0};
+    std::atomic<CleanNumber> stoppedUpTo_{0};
+    std::atomic<CleanNumber> running_{kNoClean};
+    std::unique_ptr<platform::ProgressThrottle> throttle_;  ///< of the clean that runs
     std::unique_ptr<platform::DispatchQueue> cleanQueue_;
 };
 

@@ -3,56 +3,21 @@
 
 #include "engine/CategoryRules.h"
 #include "engine/FileCleanerEngine.h"
-#include "engine/LinkedWalk.h"
+#include "engine/FileVisitor.h"
 
 namespace sweepwright {
 
-using platform::FileType;
 using platform::joinPath;
-using platform::LastLink;
-
-namespace {
-
-/// Gathers paths until there are enough.
-class Collector {
-  public:
-    Collector(platform::FileManager& files, std::vector<std::string>& paths, std::size_t maxCount)
-        : files_(files), paths_(paths), maxCount_(maxCount) {}
-
-    void collect(const std::string& directory, int maxDepth) {
-        if (isFull() || maxDepth <= 0) return;
-        const auto attributes = files_.attributes(directory, LastLink::Follow);
-        if (!attributes) return;
-        const auto step = walk_.enter(*attributes);
-        if (!step) return;
-        const auto names = files_.contentsOfDirectory(directory);
-        if (!names) return;
-        for (const std::string& name : *names) {
-            if (isFull()) return;
-            std::string child = joinPath(directory, name);
-            if (files_.isDirectory(child)) {
-                collect(child, maxDepth - 1);
-            } else {
-                paths_.push_back(std::move(child));
-            }
-        }
-    }
-
-  private:
-    [[nodiscard]] bool isFull() const { return paths_.size() >= maxCount_; }
-
-    platform::FileManager& files_;
-    std::vector<std::string>& paths_;
-    std::size_t maxCount_;
-    LinkedWalk walk_;
-};
-
-}  // namespace
 
 void FileCleanerEngine::collectFilesInDirectory(const std::string& directory,
                                                 std::vector<std::string>& paths,
                                                 std::size_t maxCount, int maxDepth) {
-    Collector(services_.files, paths, maxCount).collect(directory, maxDepth);
+    if (paths.size() >= maxCount) return;
+    FileVisitor(services_.files, [&](const std::string& path, const std::string& /*name*/,
+                                     const platform::FileAttributes* /*attributes*/) {
+        paths.push_back(path);
+        return paths.size() < maxCount;
+    }).walk(directory, maxDepth);
 }
 
 void FileCleanerEngine::collectEntries(const std::string& directory, NameRule rule,

@@ -22,7 +22,7 @@ class HidingFileManager final : public platform::ForwardingFileManager {
 
     platform::Result<platform::Directory> openDirectory(const std::string& path,
                                                         platform::LastLink lastLink) override {
-        if (isHidden(path)) return missing(path);
+        if (isHidden(path, lastLink)) return missing(path);
         return target_.openDirectory(path, lastLink);
     }
     platform::Result<std::span<const platform::DirectoryEntry>> readEntries(
@@ -41,12 +41,12 @@ class HidingFileManager final : public platform::ForwardingFileManager {
     platform::Result<platform::FileAttributes> attributesAt(const platform::Directory& directory,
                                                             std::string_view name) override {
         const std::string path = directory.pathOf(name);
-        if (isHidden(path)) return missing(path);
+        if (isHidden(path, platform::LastLink::Refuse)) return missing(path);
         return target_.attributesAt(directory, name);
     }
     platform::Result<platform::FileAttributes> attributes(const std::string& path,
                                                           platform::LastLink lastLink) override {
-        if (isHidden(path)) return missing(path);
+        if (isHidden(path, lastLink)) return missing(path);
         return target_.attributes(path, lastLink);
     }
 
@@ -59,13 +59,20 @@ class HidingFileManager final : public platform::ForwardingFileManager {
         return target_.resolvedPath(path).value_or(path);
     }
 
+    /// As realPath(), of a link itself and not of what it leads to.
+    [[nodiscard]] std::string entryPath(const std::string& path) const {
+        const std::string_view name = platform::lastPathComponent(path);
+        return platform::joinPath(realPath(path.substr(0, path.rfind(name))), name);
+    }
+
     /// Whether `path`, or a directory above it, is hidden.
-    [[nodiscard]] bool isHidden(const std::string& path) const {
-        if (hidden_.empty()) return false;
-        std::string real = realPath(path);
+    [[nodiscard]] bool isHidden(const std::string& path, platform::LastLink lastLink) const {
+        if (hidden_.empty() || path.empty()) return false;
+        std::string real =
+            lastLink == platform::LastLink::Follow ? realPath(path) : entryPath(path);
         while (real.size() > 1) {
             if (hidden_.contains(real)) return true;
-            real.erase(real.rfind('/') == std::string::npos ? 0 : real.rfind('/'));
+            real.erase(real.find_last_of('/') == std::string::npos ? 0 : real.find_last_of('/'));
         }
         return false;
     }

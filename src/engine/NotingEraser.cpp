@@ -1,5 +1,7 @@
 #include "engine/NotingEraser.h"
 
+#include <algorithm>
+
 #include "platform/TreeWalker.h"
 
 namespace sweepwright {
@@ -9,16 +11,30 @@ platform::Removal NotingEraser::removeEntry(const platform::Directory& parent,
                                             const platform::WalkRules& rules) {
     const auto attributes = files_.attributesAt(parent, name);
     if (!attributes) return {0, attributes.error()};
-    const std::uint64_t size =
-        attributes->type == platform::FileType::Directory
-            ? platform::TreeWalker(files_).sizeOfDirectory(parent.pathOf(name), rules)
-            : attributes->size;
+    std::uint64_t size = 0;
+    if (attributes->type == platform::FileType::Directory) {
+        size = platform::TreeWalker(files_).sizeOfDirectory(parent.pathOf(name), rules);
+    } else if (attributes->type != platform::FileType::SymbolicLink || rules.countLinks) {
+        size = attributes->size;
+    }
     files_.hide(parent, name);
     return {size, std::nullopt};
 }
 
+/// A quote in the path ends the command's quoting early. An odd one leaves it open, which the shell
+/// refuses; after an even number the command names another path, where it may change nothing.
+std::optional<std::int32_t> NotingEraser::statusOfOddCommand(const platform::Directory& directory) {
+    const auto folder = files_.hostPath(directory);
+    if (!folder) return -1;
+    const auto quotes = std::ranges::count(*folder, '\'');
+    if (quotes == 0) return std::nullopt;
+    if (quotes % 2 != 0 || !platform::CommandRunner::confinementAvailable()) return -1;
+    return 0;
+}
+
 std::int32_t NotingEraser::runShellCommand(const std::string& /*command*/,
                                            const platform::Directory& directory) {
+    if (const auto status = statusOfOddCommand(directory)) return *status;
     // The command removes every visible entry of the directory.
     auto opened = files_.openDirectory(directory.path(), platform::LastLink::Refuse);
     if (!opened) return -1;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <set>
 #include <string>
 #include <utility>
@@ -31,6 +32,9 @@ class NotingEraser final : public Eraser, public CleanObserver {
     CleanPreview take(std::uint64_t wouldFree);
 
   private:
+    /// What the command would come to where the directory's path breaks it.
+    std::optional<std::int32_t> statusOfOddCommand(const platform::Directory& directory);
+
     HidingFileManager& files_;
     CleanPreview preview_;
     std::set<std::pair<std::string, KeptReason>> seen_;

@@ -32,11 +32,8 @@ std::uint64_t FileCleanerEngine::removeSystemPathWithSystemCommand(const std::st
     const std::uint64_t before = sizeOfDirectoryAtPath(directory);
     if (before == 0) return 0;
     // Opened before its name is put into a command, so that no link leads the command elsewhere.
-    auto opened = services_.files.openDirectory(directory, LastLink::Refuse);
-    if (!opened) {
-        noteKept(directory, KeptReason::Link);
-        return 0;
-    }
+    const auto opened = openToEmpty(directory);
+    if (!opened) return 0;
     const auto hostFolder = services_.files.hostPath(*opened);
     if (!hostFolder) return 0;
 

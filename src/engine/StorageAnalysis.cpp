@@ -1,64 +1,17 @@
 // Read-only analyses: bundles, large files, files of equal size, bytes by extension.
 #include <algorithm>
-#include <functional>
 
 #include "engine/CategoryRules.h"
 #include "engine/FileCleanerEngine.h"
-#include "engine/LinkedWalk.h"
+#include "engine/FileVisitor.h"
 #include "platform/Log.h"
 
 namespace sweepwright {
 
-using platform::FileType;
 using platform::joinPath;
-using platform::LastLink;
 using platform::log;
 
 namespace {
-
-/// Visits the files beneath a directory in listing order, links followed.
-class FileVisitor {
-  public:
-    /// Hears of a file; answers whether to go on.
-    using Visit = std::function<bool(const std::string& path, const std::string& name,
-                                     const platform::FileAttributes& attributes)>;
-    using DepthLimit = std::function<void(const std::string& path)>;
-
-    FileVisitor(platform::FileManager& files, Visit visit, DepthLimit onDepthLimit = {})
-        : files_(files), visit_(std::move(visit)), onDepthLimit_(std::move(onDepthLimit)) {}
-
-    /// False when a visit asked to stop.
-    bool walk(const std::string& directory, int maxDepth) {
-        if (maxDepth <= 0) {
-            if (onDepthLimit_) onDepthLimit_(directory);
-            return true;
-        }
-        const auto attributes = files_.attributes(directory, LastLink::Follow);
-        if (!attributes) return true;
-        const auto step = walk_.enter(*attributes);
-        if (!step) return true;
-        const auto names = files_.contentsOfDirectory(directory);
-        if (!names) return true;
-        for (const std::string& name : *names)
-            if (!visitEntry(joinPath(directory, name), name, maxDepth)) return false;
-        return true;
-    }
-
-  private:
-    bool visitEntry(const std::string& path, const std::string& name, int maxDepth) {
-        auto attributes = files_.attributes(path, LastLink::Refuse);
-        if (!attributes) return true;
-        if (attributes->type == FileType::Directory ||
-            (attributes->type == FileType::SymbolicLink && files_.isDirectory(path)))
-            return walk(path, maxDepth - 1);
-        return visit_(path, name, *attributes);
-    }
-
-    platform::FileManager& files_;
-    Visit visit_;
-    DepthLimit onDepthLimit_;
-    LinkedWalk walk_;
-};
 
 void logDepthLimit(const std::string& path) {
     log("⚠️ 达到最大递归深度，跳过路径: {}", path);
@@ -91,9 +44,9 @@ void FileCleanerEngine::findLargeFilesInDirectory(const std::string& directory,
                                                   std::size_t maxCount, int maxDepth) {
     if (results.size() >= maxCount) return;
     FileVisitor(services_.files, [&](const std::string& path, const std::string& name,
-                                     const platform::FileAttributes& attributes) {
-        if (attributes.size >= minSize)
-            results.push_back({path, name, attributes.size, attributes.modificationDate});
+                                     const platform::FileAttributes* attributes) {
+        if (attributes != nullptr && attributes->size >= minSize)
+            results.push_back({path, name, attributes->size, attributes->modificationDate});
         return results.size() < maxCount;
     }).walk(directory, maxDepth);
 }
@@ -114,9 +67,9 @@ void FileCleanerEngine::collectFilesForDuplicateCheck(
     FileVisitor(
         services_.files,
         [&](const std::string& path, const std::string& name,
-            const platform::FileAttributes& attributes) {
-            if (attributes.size > 0)
-                bySize[attributes.size].push_back({path, name, attributes.size});
+            const platform::FileAttributes* attributes) {
+            if (attributes != nullptr && attributes->size > 0)
+                bySize[attributes->size].push_back({path, name, attributes->size});
             return true;
         },
         logDepthLimit)
@@ -136,9 +89,10 @@ void FileCleanerEngine::analyzeDirectory(const std::string& directory, Extension
     FileVisitor(
         services_.files,
         [&](const std::string& /*path*/, const std::string& name,
-            const platform::FileAttributes& attributes) {
+            const platform::FileAttributes* attributes) {
+            if (attributes == nullptr) return true;
             const std::string extension = platform::lowerCased(platform::pathExtension(name));
-            categories[extension.empty() ? "(no extension)" : extension] += attributes.size;
+            categories[extension.empty() ? "(no extension)" : extension] += attributes->size;
             return true;
         },
         logDepthLimit)
