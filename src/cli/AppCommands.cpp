@@ -142,7 +142,7 @@ void addAppCommands(Commands& commands) {
     commands.push_back(
         {.words = "apps clean",
          .group = kGroup,
-         .summary = "remove apps' caches, temporary files and web data",
+         .summary = "remove what apps can spare",
          .positionals =
              {{.name = "ID", .help = "bundle identifiers", .many = true, .optional = true}},
          .options = {{.name = "--all",
