@@ -142,7 +142,7 @@ void addAppCommands(Commands& commands) {
     commands.push_back(
         {.words = "apps clean",
          .group = kGroup,
-         .summary = "remove what apps can spare",
+         .summary = "remove apps' caches, temporary files and web data",
          .positionals =
              {{.name = "ID", .help = "bundle identifiers", .many = true, .optional = true}},
          .options = {{.name = "--all",
