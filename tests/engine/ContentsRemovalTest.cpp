@@ -390,7 +390,7 @@ TEST_F(ContentsRemovalTest, NothingProtectedGoesWhenAFolderOnTheWayIsSwappedForA
     d_.protect("/var/canary");
     d_.tree.folder("/var/way/t");
     const Swapper swapper(d_.tree.host("/var/way"), "/var/canary");
-    for (int round = 0; round < 400 || swapper.rounds() < 400; ++round) {
+    for (int round = 0; round < 2'000 || swapper.rounds() < 2'000; ++round) {
         empty("/var/way/t");
         ASSERT_TRUE(d_.tree.exists("/var/canary/t/a"));
     }
