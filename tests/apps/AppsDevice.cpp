@@ -30,7 +30,7 @@ class FakeProxy final : public platform::ApplicationProxy {
     FakeApp app_;
 };
 
-class NoCommands final : public platform::CommandRunner {
+class RefusingCommands final : public platform::CommandRunner {
   public:
     std::int32_t run(const std::string& command, const std::string& /*folder*/) override {
         ADD_FAILURE() << "app cleans run no commands: " << command;
@@ -44,7 +44,6 @@ class NoWebStorage final : public platform::WebStorage {
     platform::Result<> deleteAllCookies() override { return {}; }
 };
 
-NoCommands noCommands;
 NoWebStorage noWebStorage;
 
 platform::Result<std::optional<platform::ApplicationWorkspace::Applications>> proxiesOf(
@@ -71,6 +70,11 @@ platform::Device openDevice(const TemporaryDevice& tree, platform::Idiom idiom) 
 }
 
 }  // namespace
+
+platform::CommandRunner& noCommands() {
+    static RefusingCommands commands;
+    return commands;
+}
 
 std::unexpected<platform::Error> raised(std::string reason) {
     return std::unexpected(platform::Error{"Exception", 1, std::move(reason)});
@@ -100,7 +104,7 @@ platform::Result<std::span<const platform::DirectoryEntry>> OrderedFileManager::
 }
 
 AppsDevice::AppsDevice(platform::Idiom idiom)
-    : device(openDevice(tree, idiom)), eraser(files, noCommands, noWebStorage) {}
+    : device(openDevice(tree, idiom)), eraser(files, noCommands(), noWebStorage) {}
 
 std::string AppsDevice::containerPath(const std::string& name) {
     return "/var/mobile/Containers/Data/Application/" + name;

@@ -58,6 +58,9 @@ class OrderedFileManager final : public platform::ForwardingFileManager {
         platform::Directory& directory, platform::EntryBuffer& buffer) override;
 };
 
+/// A runner that fails the test: app cleans run no commands.
+platform::CommandRunner& noCommands();
+
 /// How a clean ended and what it told on its way.
 struct CleanOutcome {
     bool success = false;
