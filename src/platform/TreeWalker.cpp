@@ -140,7 +140,7 @@ std::uint64_t TreeWalker::sizeOfDirectory(const std::string& path, const WalkRul
         if (rules.onDepthLimit) rules.onDepthLimit(path);
         return 0;
     }
-    const auto root = files_.openDirectory(path, LastLink::Follow);
+    const auto root = files_.openDirectory(path, LastLink::Refuse);
     if (!root) return 0;
     Walk walk{files_, rules, *root};
     const bool guarded = rules.protection != nullptr && !rules.protection->isFree(path);
