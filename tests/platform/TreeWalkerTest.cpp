@@ -132,7 +132,8 @@ TEST_P(TreeWalkerTest, OnlyADirectoryHasASize) {
     EXPECT_EQ(size("/missing"), 0U);
     EXPECT_EQ(size("/dangling"), 0U);
     EXPECT_EQ(size(""), 0U);
-    EXPECT_EQ(size("/toFolder"), 7U);
+    EXPECT_EQ(size("/toFolder"), 0U);
+    EXPECT_EQ(size("/toFolder/"), 0U);
     EXPECT_EQ(size("/folder/"), 7U);
 }
 
