@@ -46,6 +46,9 @@ struct AppServices {
     CleanStatistics& statistics;
     platform::NotificationCenter& notifications;
     platform::MainQueue& mainQueue;
+
+    /// The shared ones, on Device::current().
+    static AppServices shared();
 };
 
 /// Knows the installed apps, sizes their caches and cleans them. Of an app only caches, temporary

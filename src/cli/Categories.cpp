@@ -43,9 +43,9 @@ const Category* categoryNamed(std::string_view word) {
 }
 
 std::vector<std::string> categoryWords(std::vector<std::string> more) {
-    std::vector<std::string> words;
-    for (const Category& category : kCategories)
-        words.emplace_back(category.word);
+    std::vector<std::string> words(kCategories.size());
+    std::ranges::transform(kCategories, words.begin(),
+                           [](const Category& category) { return std::string(category.word); });
     words.insert(words.end(), more.begin(), more.end());
     return words;
 }

@@ -12,7 +12,7 @@
 namespace sweepwright::cli {
 
 std::string sizeText(std::uint64_t bytes) {
-    return fmt::format("{} B", bytes);
+    return StorageAnalyzer::formatBytes(bytes);
 }
 
 std::string Output::shown(std::string_view bytes) const {

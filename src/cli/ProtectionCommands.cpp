@@ -235,7 +235,7 @@ StoredList customPaths() {
         .words = "custom-paths",
         .positional = "PATH",
         .example = "/var/mobile/Media/Downloads",
-        .purpose = "add folders to what a clean of the caches empties",
+        .purpose = "let a clean of the caches empty folders, too",
         .readiness = [=] { return manager().readiness(); },
         .builtIn = nothing,
         .entries = [=] { return manager().getAllCustomPaths(); },

@@ -16,7 +16,7 @@ namespace sweepwright {
 class FileVisitor {
   public:
     /// Links to directories that one walk follows.
-    static constexpr int kMaxFollowedLinks = 10'000;
+    static constexpr int kMaxFollowedLinks = 1'000;
 
     /// Hears of a file, with the attributes of the entry itself or nullptr when they can't be read;
     /// answers whether to go on.
