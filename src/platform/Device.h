@@ -3,6 +3,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/Error.h"
@@ -11,6 +12,12 @@ namespace sweepwright::platform {
 
 class DeviceRoot;
 class FileManager;
+
+/// Domain of errors about the words that describe a device, in contrast to those about its root.
+inline constexpr std::string_view kDeviceOptionsErrorDomain = "DeviceOptions";
+
+/// Whether this program runs on an iPhone or iPad, where the device root is "/".
+bool runsOnDevice();
 
 enum class Idiom { Phone = 0, Pad = 1 };
 
@@ -34,7 +41,11 @@ struct DeviceOptions {
 class Device {
   public:
     /// Opens the root and finds the home directory: the data container whose metadata names
-    /// "com.sweepwright.app", else "/var/mobile". Errors are about the root.
+    /// "com.sweepwright.app", else "/var/mobile". A home or temporary directory that is given must
+    /// be an absolute device path below "/" without "." and ".."; repeated and trailing "/" go, and
+    /// "/private/var" reads "/var" where that is the same directory, so that protected paths are
+    /// recognised by their names. An error of kDeviceOptionsErrorDomain is about these two, any
+    /// other about the root.
     static Result<Device> open(const DeviceOptions& options);
 
     /// The device that shared instances work on. Set once in `main` before the first of them is

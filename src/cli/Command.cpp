@@ -1,0 +1,23 @@
+#include "cli/Command.h"
+
+namespace sweepwright::cli {
+
+std::optional<std::uint64_t> Call::number(const std::string& option) const {
+    const auto found = options_.find(option);
+    if (found == options_.end()) return std::nullopt;
+    return found->second;
+}
+
+const std::vector<std::string>& Call::words(const std::string& positional) const {
+    static const std::vector<std::string> none;
+    const auto found = words_.find(positional);
+    return found == words_.end() ? none : found->second;
+}
+
+Commands allCommands() {
+    Commands commands;
+    addSampleCommands(commands);
+    return commands;
+}
+
+}  // namespace sweepwright::cli

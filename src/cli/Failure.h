@@ -1,0 +1,40 @@
+#pragma once
+
+#include <expected>
+#include <string>
+#include <utility>
+
+#include "platform/Error.h"
+
+namespace sweepwright::cli {
+
+/// Exit statuses of the program.
+enum Status : int {
+    kDone = 0,
+    kOperationFailed = 1,
+    kWrongWords = 2,
+    kDeviceUnusable = 3,
+    kSignalBase = 128,  ///< plus the signal's number
+};
+
+/// Why a command did not do what it was asked.
+struct Failure {
+    int status = kOperationFailed;
+    platform::Error error;
+};
+
+/// What a command ends with.
+using Outcome = std::expected<void, Failure>;
+
+/// The words of the call are wrong.
+inline std::unexpected<Failure> wrongWords(std::string description) {
+    return std::unexpected(
+        Failure{kWrongWords, {"CommandLine", kWrongWords, std::move(description)}});
+}
+
+/// The operation reported an error.
+inline std::unexpected<Failure> failed(platform::Error error) {
+    return std::unexpected(Failure{kOperationFailed, std::move(error)});
+}
+
+}  // namespace sweepwright::cli

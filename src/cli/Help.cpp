@@ -1,0 +1,133 @@
+#include "cli/Help.h"
+
+#include <algorithm>
+#include <string_view>
+#include <utility>
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+namespace sweepwright::cli {
+
+namespace {
+
+constexpr std::string_view kGlobalOptions =
+    R"(Options, before or after the command:
+  --device-root DIR   the folder that is the device's "/": where it is mounted or
+                      was copied to ($SWEEPWRIGHT_DEVICE_ROOT); on a device "/",
+                      elsewhere a sample device that is made on first use
+  --home PATH         the app's home directory on the device ($SWEEPWRIGHT_HOME)
+  --tmp PATH          the temporary directory on the device (HOME/tmp)
+  --idiom KIND        iphone or ipad (iphone)
+  --json              one JSON document on standard output, and nothing else there
+  --no-progress       no progress line
+  -v, --verbose       the diagnostic log on standard error, too
+  -h, --help          this help, or a command's: sweepctl COMMAND --help
+  --version           the version
+)";
+
+constexpr std::string_view kClosing =
+    R"(Exit status:
+  0  done
+  1  the operation reported an error
+  2  the words of the call are wrong
+  3  the device root can't be used
+  130, 143  stopped by an interrupt or a request to end
+
+Nothing is removed without a question or --yes, nothing outside the device root
+is ever touched, and what the whitelists protect stays.
+)";
+
+using Entry = std::pair<std::string, std::string>;
+
+std::string entries(const std::vector<Entry>& list) {
+    std::size_t width = 0;
+    for (const auto& [name, help] : list)
+        width = std::max(width, name.size());
+    std::string text;
+    for (const auto& [name, help] : list)
+        text += fmt::format("  {:<{}}  {}\n", name, width, help);
+    return text;
+}
+
+std::string usage(const Command& command) {
+    std::string text = command.words;
+    for (const Positional& positional : command.positionals) {
+        const std::string name = positional.name + (positional.many ? "..." : "");
+        text += positional.optional ? fmt::format(" [{}]", name) : " " + name;
+    }
+    for (const Option& option : command.options) {
+        text += fmt::format(" [{}{}]", option.name, option.value.empty() ? "" : " " + option.value);
+    }
+    return text;
+}
+
+/// The commands under their headings, in the order in which the headings first appear.
+std::string commandList(const Commands& commands) {
+    std::vector<std::string> groups;
+    for (const Command& command : commands) {
+        if (std::ranges::find(groups, command.group) == groups.end()) {
+            groups.push_back(command.group);
+        }
+    }
+    std::string text;
+    for (const std::string& group : groups) {
+        std::vector<Entry> list;
+        for (const Command& command : commands) {
+            if (command.group == group) list.emplace_back(usage(command), command.summary);
+        }
+        text += fmt::format("{}:\n{}\n", group, entries(list));
+    }
+    return text;
+}
+
+std::string programHelp(const Commands& commands) {
+    std::vector<std::string> examples;
+    for (const Command& command : commands) {
+        if (!command.examples.empty()) examples.push_back(command.examples.front());
+    }
+    return fmt::format(
+        "sweepctl - measures and cleans the storage of an iPhone or iPad\n\n"
+        "Usage: sweepctl [OPTIONS] COMMAND [ARGS]\n\n"
+        "{}{}\nExamples:\n  {}\n\n{}",
+        commandList(commands), kGlobalOptions, fmt::join(examples, "\n  "), kClosing);
+}
+
+std::string commandHelp(const Command& command) {
+    std::string text = fmt::format("sweepctl {} - {}\n\nUsage: sweepctl [OPTIONS] {}\n",
+                                   command.words, command.summary, usage(command));
+    std::vector<Entry> list;
+    for (const Positional& positional : command.positionals) {
+        std::string help = positional.help;
+        if (!positional.choices.empty()) {
+            help += fmt::format(": {}", fmt::join(positional.choices, ", "));
+        }
+        list.emplace_back(positional.name, std::move(help));
+    }
+    for (const Option& option : command.options) {
+        list.emplace_back(option.name + (option.value.empty() ? "" : " " + option.value),
+                          option.help);
+    }
+    if (!list.empty()) text += "\n" + entries(list);
+    if (!command.examples.empty()) {
+        text += fmt::format("\nExamples:\n  {}\n", fmt::join(command.examples, "\n  "));
+    }
+    return text + "\nThe options of every command: sweepctl --help\n";
+}
+
+}  // namespace
+
+std::string helpText(const Commands& commands, const std::string& words) {
+    if (words.empty()) return programHelp(commands);
+    Commands below;
+    const Command* exact = nullptr;
+    for (const Command& command : commands) {
+        if (command.words == words) exact = &command;
+        if (command.words.starts_with(words + " ")) below.push_back(command);
+    }
+    std::string text = exact != nullptr ? commandHelp(*exact) : "";
+    if (!below.empty()) text += (text.empty() ? "" : "\n") + commandList(below);
+    return text;
+}
+
+}  // namespace sweepwright::cli

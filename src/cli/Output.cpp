@@ -1,0 +1,51 @@
+#include "cli/Output.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <utility>
+
+#include <fmt/format.h>
+
+#include "cli/Text.h"
+
+namespace sweepwright::cli {
+
+std::string sizeText(std::uint64_t bytes) {
+    return fmt::format("{} B", bytes);
+}
+
+std::string Output::shown(std::string_view bytes) const {
+    return terminal_ ? escapedForTerminal(bytes) : std::string(bytes);
+}
+
+void Output::line(std::string_view text) {
+    if (json_) return;
+    pending_ += text;
+    pending_ += '\n';
+}
+
+void Output::table(const Table& table) {
+    if (json_) return;
+    pending_ += table.text([this](std::string_view cell) { return shown(cell); });
+}
+
+void Output::document(const Json& document) {
+    if (!json_) return;
+    pending_ = document.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+platform::Result<> Output::flush() {
+    const std::string text = std::exchange(pending_, {});
+    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() ||
+        std::fflush(stdout) != 0) {
+        return std::unexpected(platform::errorFromErrno(errno, "standard output"));
+    }
+    return {};
+}
+
+void complain(std::string_view text) {
+    const std::string line = fmt::format("sweepctl: {}\n", escapedForTerminal(text));
+    std::fwrite(line.data(), 1, line.size(), stderr);
+}
+
+}  // namespace sweepwright::cli

@@ -1,0 +1,45 @@
+#include <fmt/format.h>
+
+#include "cli/Command.h"
+#include "cli/Context.h"
+#include "launch/SampleDevice.h"
+
+namespace sweepwright::cli {
+
+namespace {
+
+Outcome makeSample(Context& context, const Call& call) {
+    const std::string& folder = call.word("DIR");
+    const auto scale = static_cast<unsigned>(call.number("--scale").value_or(1));
+    const auto made = launch::makeSampleDevice(folder, scale);
+    if (!made) return failed(made.error());
+
+    Output& output = context.output();
+    Json document = Json::object();
+    setPath(document, "root", folder);
+    document["files"] = made->files;
+    document["bytes"] = made->bytes;
+    output.document(document);
+    output.line(fmt::format("{} files, {}, in {}", made->files, sizeText(made->bytes),
+                            output.shown(folder)));
+    return {};
+}
+
+}  // namespace
+
+void addSampleCommands(Commands& commands) {
+    commands.push_back({.words = "sample-device",
+                        .group = "Try it out",
+                        .summary = "make a sample device tree",
+                        .positionals = {{.name = "DIR", .help = "a folder, absent or empty"}},
+                        .options = {{.name = "--scale",
+                                     .value = "N",
+                                     .help = "how many times as many files (1)",
+                                     .least = 1,
+                                     .most = 1000}},
+                        .examples = {"sweepctl sample-device /tmp/phone"},
+                        .needsDevice = false,
+                        .run = makeSample});
+}
+
+}  // namespace sweepwright::cli

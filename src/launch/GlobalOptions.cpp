@@ -1,0 +1,140 @@
+#include "launch/GlobalOptions.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <random>
+#include <system_error>
+#include <utility>
+
+#include <fmt/format.h>
+
+#include "platform/Log.h"
+
+namespace sweepwright::launch {
+
+namespace fs = std::filesystem;
+using platform::Error;
+using platform::Result;
+
+namespace {
+
+std::optional<std::string> variable(const Environment& environment, const std::string& name) {
+    auto value = environment(name);
+    if (value && value->empty()) value.reset();
+    return value;
+}
+
+/// The folder `$name`, else `$HOME/fallback`. A relative folder in the variable is ignored, as the
+/// base directory conventions want it.
+std::optional<std::string> baseFolder(const Environment& environment, const std::string& name,
+                                      const std::string& fallback) {
+    const auto folder = variable(environment, name);
+    if (folder && folder->front() == '/') return folder;
+    const auto home = variable(environment, "HOME");
+    if (!home) return std::nullopt;
+    return *home + "/" + fallback;
+}
+
+Error hostError(const std::error_code& code, const std::string& path) {
+    return platform::errorFromErrno(code.value(), path);
+}
+
+/// Makes the sample device at `folder` unless it is there. It is made beside its place and renamed,
+/// so that a start that was cut off, or two at once, never leave half a device there.
+Result<std::optional<SampleDeviceSummary>> ensureSampleDevice(const std::string& folder) {
+    std::error_code failed;
+    if (fs::exists(fs::symlink_status(folder, failed))) return std::nullopt;
+    fs::create_directories(fs::path(folder).parent_path(), failed);
+    if (failed) return std::unexpected(hostError(failed, fs::path(folder).parent_path().string()));
+
+    const std::string making = fmt::format("{}.{:08x}", folder, std::random_device{}());
+    auto summary = makeSampleDevice(making, 1);
+    if (summary) fs::rename(making, folder, failed);
+    if (summary && !failed) return *summary;
+
+    std::error_code ignored;
+    fs::remove_all(making, ignored);
+    if (!summary) return std::unexpected(std::move(summary.error()));
+    if (fs::is_directory(folder, ignored)) return std::nullopt;  // another process was first
+    return std::unexpected(hostError(failed, folder));
+}
+
+/// Language tags from the locale the environment asks for: "zh_CN.UTF-8" reads "zh-CN".
+std::vector<std::string> preferredLanguages(const Environment& environment) {
+    for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
+        auto locale = variable(environment, name);
+        if (!locale) continue;
+        std::string tag = locale->substr(0, locale->find_first_of(".@"));
+        std::ranges::replace(tag, '_', '-');
+        if (tag.empty() || tag == "C" || tag == "POSIX") return {"en"};
+        return {std::move(tag)};
+    }
+    return {"en"};
+}
+
+}  // namespace
+
+Environment processEnvironment() {
+    return [](const std::string& name) -> std::optional<std::string> {
+        const char* value = std::getenv(name.c_str());
+        if (value == nullptr) return std::nullopt;
+        return value;
+    };
+}
+
+Result<DeviceChoice> chooseDevice(const GlobalOptions& options, const Environment& environment) {
+    DeviceChoice choice;
+    choice.options.home = options.home ? options.home : variable(environment, "SWEEPWRIGHT_HOME");
+    choice.options.temporaryDirectory = options.temporaryDirectory;
+    choice.options.idiom = options.idiom;
+    choice.options.preferredLanguages = preferredLanguages(environment);
+
+    auto root =
+        options.deviceRoot ? options.deviceRoot : variable(environment, "SWEEPWRIGHT_DEVICE_ROOT");
+    if (!root && platform::runsOnDevice()) root = "/";
+    if (root) {
+        // Never taken for "none given": a script's unset variable must not lead to another device.
+        if (root->empty()) return std::unexpected(Error{"Launch", 2, "the device root is empty"});
+        choice.options.rootFolder = std::move(*root);
+        return choice;
+    }
+
+    const auto data = baseFolder(environment, "XDG_DATA_HOME", ".local/share");
+    if (!data) {
+        return std::unexpected(
+            Error{"Launch", 1,
+                  "no device root is given, and without $HOME there is no place for "
+                  "the sample device"});
+    }
+    choice.options.rootFolder = *data + "/sweepwright/sample-device";
+    choice.isSampleDevice = true;
+    auto made = ensureSampleDevice(choice.options.rootFolder);
+    if (!made) return std::unexpected(std::move(made.error()));
+    choice.made = *made;
+    return choice;
+}
+
+void startProgramLog(const std::string& name, bool verbose, const Environment& environment) {
+    platform::LogOptions log;
+    log.toError = verbose;
+    if (const auto state = baseFolder(environment, "XDG_STATE_HOME", ".local/state")) {
+        const std::string folder = *state + "/sweepwright";
+        std::error_code failed;
+        fs::create_directories(folder, failed);
+        if (!failed) log.file = folder + "/" + name + ".log";
+    }
+    platform::startLog(log);
+}
+
+Result<DeviceChoice> openCurrentDevice(const GlobalOptions& options,
+                                       const Environment& environment) {
+    auto choice = chooseDevice(options, environment);
+    if (!choice) return choice;
+    auto device = platform::Device::open(choice->options);
+    if (!device) return std::unexpected(std::move(device.error()));
+    platform::Device::setCurrent(std::move(*device));
+    return choice;
+}
+
+}  // namespace sweepwright::launch

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "launch/SampleDevice.h"
+#include "platform/Device.h"
+
+namespace sweepwright::launch {
+
+/// What a person may say to either program about the device and the log; what is unset comes from
+/// the environment or is found out.
+struct GlobalOptions {
+    std::optional<std::string> deviceRoot;  ///< host folder; SWEEPWRIGHT_DEVICE_ROOT
+    std::optional<std::string> home;        ///< device path; SWEEPWRIGHT_HOME
+    std::optional<std::string> temporaryDirectory;
+    std::optional<platform::Idiom> idiom;
+    bool verbose = false;
+};
+
+/// Reads one environment variable; none when it is unset.
+using Environment = std::function<std::optional<std::string>(const std::string& name)>;
+
+/// The environment of this process.
+Environment processEnvironment();
+
+/// The device that options and environment name.
+struct DeviceChoice {
+    platform::DeviceOptions options;
+    bool isSampleDevice = false;
+    std::optional<SampleDeviceSummary> made;  ///< set when the sample device was made just now
+};
+
+/// Chooses the device: an option before its variable (an empty variable counts as unset), and with
+/// neither, "/" on a device and the bundled sample device elsewhere, which is made on first use.
+/// The preferred languages come from LC_ALL, LC_MESSAGES and LANG.
+platform::Result<DeviceChoice> chooseDevice(const GlobalOptions& options,
+                                            const Environment& environment);
+
+/// Starts the log of program `name`: a rotating file in $XDG_STATE_HOME/sweepwright, and standard
+/// error when `verbose`. A folder that can't be made leaves the file out.
+void startProgramLog(const std::string& name, bool verbose, const Environment& environment);
+
+/// Opens the chosen device and makes it the current one.
+platform::Result<DeviceChoice> openCurrentDevice(const GlobalOptions& options,
+                                                 const Environment& environment);
+
+}  // namespace sweepwright::launch

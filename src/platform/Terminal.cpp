@@ -1,0 +1,19 @@
+#include "platform/Terminal.h"
+
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+namespace sweepwright::platform {
+
+bool isTerminal(StandardStream stream) {
+    return isatty(static_cast<int>(stream)) == 1;
+}
+
+std::size_t terminalColumns(StandardStream stream) {
+    constexpr std::size_t kUsual = 80;
+    winsize size{};
+    if (ioctl(static_cast<int>(stream), TIOCGWINSZ, &size) != 0 || size.ws_col == 0) return kUsual;
+    return size.ws_col;
+}
+
+}  // namespace sweepwright::platform

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <cstddef>
+
+namespace sweepwright::platform {
+
+/// The three streams every program starts with.
+enum class StandardStream { Input = 0, Output = 1, Error = 2 };
+
+/// Whether a person sits at the other end of `stream`.
+bool isTerminal(StandardStream stream);
+
+/// Width of the terminal at `stream` in columns, asked anew on every call since windows are
+/// resized; 80 when it does not tell.
+std::size_t terminalColumns(StandardStream stream);
+
+}  // namespace sweepwright::platform
