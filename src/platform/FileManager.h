@@ -144,6 +144,9 @@ class FileManager {
     /// path must hold its lock(). Owner and permissions of the old file, else the owner of the
     /// directory, are kept where the process may.
     virtual Result<> writeFile(const std::string& path, std::string_view content) = 0;
+    /// Creates a regular file with `content`, quickly: it is not synced. EEXIST if something is
+    /// there.
+    virtual Result<> createFile(const std::string& path, std::string_view content) = 0;
     /// Creates a regular file of `size` bytes that holds no blocks.
     virtual Result<> createSparseFile(const std::string& path, std::uint64_t size) = 0;
     /// Creates `path` and the directories above it that are missing; not an error if all are there.

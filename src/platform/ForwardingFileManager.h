@@ -52,6 +52,9 @@ class ForwardingFileManager : public FileManager {
     Result<> writeFile(const std::string& path, std::string_view content) override {
         return target_.writeFile(path, content);
     }
+    Result<> createFile(const std::string& path, std::string_view content) override {
+        return target_.createFile(path, content);
+    }
     Result<> createSparseFile(const std::string& path, std::uint64_t size) override {
         return target_.createSparseFile(path, size);
     }

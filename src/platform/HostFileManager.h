@@ -47,6 +47,7 @@ class HostFileManager final : public FileManager {
     Result<std::string> hostPath(const Directory& directory) override;
     Result<std::string> readFile(const std::string& path, std::size_t maxBytes) override;
     Result<> writeFile(const std::string& path, std::string_view content) override;
+    Result<> createFile(const std::string& path, std::string_view content) override;
     Result<> createSparseFile(const std::string& path, std::uint64_t size) override;
     Result<> createDirectories(const std::string& path) override;
     Result<> createSymbolicLink(const std::string& path, const std::string& target) override;

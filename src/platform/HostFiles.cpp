@@ -100,6 +100,20 @@ Result<> HostFileManager::writeFile(const std::string& path, std::string_view co
     return {};
 }
 
+Result<> HostFileManager::createFile(const std::string& path, std::string_view content) {
+    const auto entry = beneath_.locate(path, LastLink::Refuse);
+    if (!entry) return failed(entry.error(), path);
+    const int directory = entry->parent.get();
+    const UniqueDescriptor file(openat(directory, entry->name.c_str(),
+                                       O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW,
+                                       kFileMode));
+    if (!file.valid()) return failed(errno, path);
+    const int number = writeAll(file.get(), content);
+    if (number == 0) return {};
+    unlinkat(directory, entry->name.c_str(), 0);
+    return failed(number, path);
+}
+
 Result<> HostFileManager::createSparseFile(const std::string& path, std::uint64_t size) {
     const auto entry = beneath_.locate(path, LastLink::Refuse);
     if (!entry) return failed(entry.error(), path);

@@ -21,16 +21,27 @@ namespace sweepwright::platform {
 /// Reading takes binary and XML lists, with or without a UTF-8 byte-order mark. Hostile input is
 /// refused before anything is built from it, so that a file of an app that means harm costs
 /// milliseconds and a few MiB at most.
+///
+/// The format's strings are text, but a device's paths are bytes. A string that a list can't hold
+/// as a string (it is not UTF-8, holds a NUL or, in XML, another control character) is therefore
+/// written as data, so that nothing is lost; bytes() reads both back. A string that was read is
+/// always UTF-8 without a NUL.
+///
+/// Keys have no such way out: a key that is not UTF-8 or holds a NUL is left out when a list is
+/// written, and logged. Use texts of the program as keys.
 class PropertyList {
   public:
     struct Data {
         std::string bytes;
         bool operator==(const Data&) const = default;
     };
+    /// A reference of a keyed archive; the format's makers hold it in 32 bits.
     struct Uid {
-        std::uint64_t value = 0;
+        std::uint32_t value = 0;
         bool operator==(const Uid&) const = default;
     };
+    /// Kept to the microsecond in binary lists and to the second in XML. One that was read from
+    /// beyond the range of the type (years 1678 to 2261) is the nearest that it holds.
     using Date = std::chrono::system_clock::time_point;
     using Array = std::vector<PropertyList>;
 
@@ -41,6 +52,8 @@ class PropertyList {
 
         Dictionary() = default;
         Dictionary(std::initializer_list<Entry> entries);
+        /// Of entries with equal keys the first keeps its place and the last its value.
+        explicit Dictionary(std::vector<Entry> entries);
 
         /// The value under `key`, or nullptr.
         [[nodiscard]] const PropertyList* find(std::string_view key) const;
@@ -63,9 +76,10 @@ class PropertyList {
     /// What a list may cost before it is refused. The defaults hold any file of a real device many
     /// times over.
     struct Limits {
-        std::size_t bytes = std::size_t{16} << 20U;  ///< of the file
-        std::size_t nodes = 200'000;                 ///< after shared references are expanded
-        std::size_t depth = 64;                      ///< of nested containers
+        /// Of the file, and of its strings and data after shared references are expanded.
+        std::size_t bytes = std::size_t{16} << 20U;
+        std::size_t nodes = 200'000;  ///< after shared references are expanded
+        std::size_t depth = 64;       ///< of nested containers
     };
 
     PropertyList() : value_(Dictionary{}) {}
@@ -101,6 +115,8 @@ class PropertyList {
     [[nodiscard]] std::optional<double> real() const;
     [[nodiscard]] const std::string* string() const { return std::get_if<std::string>(&value_); }
     [[nodiscard]] const Data* data() const { return std::get_if<Data>(&value_); }
+    /// The bytes of a string or of data: how to read what need not be UTF-8, such as a path.
+    [[nodiscard]] const std::string* bytes() const;
     [[nodiscard]] const Uid* uid() const { return std::get_if<Uid>(&value_); }
     [[nodiscard]] const Date* date() const { return std::get_if<Date>(&value_); }
     [[nodiscard]] const Array* array() const { return std::get_if<Array>(&value_); }
@@ -110,6 +126,12 @@ class PropertyList {
 
     /// Equal values; 5 as signed and 5 as unsigned are equal.
     bool operator==(const PropertyList& other) const;
+
+    /// Calls `visitor` with the value held: for what must treat every type.
+    template <class Visitor>
+    auto visit(Visitor&& visitor) const {
+        return std::visit(std::forward<Visitor>(visitor), value_);
+    }
 
   private:
     std::variant<bool, std::int64_t, std::uint64_t, double, std::string, Data, Uid, Date, Array,

@@ -1,0 +1,57 @@
+# shellcheck shell=bash
+# What every script begins with; sourced, not run.
+#
+# A script sets `usage` (one line) before it sources this file. From here on it stands in the
+# project's root, whatever folder it was called from, and a command that fails is named in one line.
+set -euo pipefail
+
+script_name="$(basename "$(dirname "$0")")/$(basename "$0")"
+root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P)"
+cd "$root"
+
+# die MESSAGE [STATUS]: ends the script with one line on standard error.
+die() {
+    echo "$script_name: $1" >&2
+    trap - ERR
+    exit "${2:-1}"
+}
+
+on_error() {
+    local status=$?
+    echo "$script_name: failed (status $status) at line $1: $2" >&2
+    exit "$status"
+}
+trap 'on_error "$LINENO" "$BASH_COMMAND"' ERR
+set -o errtrace
+
+if [[ "${1:-}" == "--help" || "${1:-}" == "-h" ]]; then
+    # shellcheck disable=SC2154  # each script sets it
+    echo "$usage"
+    exit 0
+fi
+
+if command -v ccache > /dev/null; then
+    export CMAKE_C_COMPILER_LAUNCHER=ccache CMAKE_CXX_COMPILER_LAUNCHER=ccache
+fi
+
+# jobs_at_once: how many jobs to run at once; SWEEPWRIGHT_JOBS overrides the number of processors.
+jobs_at_once() { echo "${SWEEPWRIGHT_JOBS:-$(nproc)}"; }
+
+# known_preset NAME: whether CMakePresets.json has such a configure preset.
+known_preset() {
+    cmake --list-presets | grep -q "^  \"$1\""
+}
+
+# tracked PATTERN...: the project's files that match, one a line. Where the folder is no git
+# checkout (a source archive), all files below it but those in build/.
+tracked() {
+    if [[ -e .git ]] && command -v git > /dev/null; then
+        # The checkout may belong to another user than the one who runs this, as in a container.
+        git -c safe.directory="$root" ls-files --cached --others --exclude-standard -- "$@" |
+            while IFS= read -r file; do [[ -e "$file" ]] && echo "$file"; done
+    else
+        local pattern names=()
+        for pattern in "$@"; do names+=(-o -name "$pattern"); done
+        find . -path ./build -prune -o -type f \( "${names[@]:1}" \) -print | sed 's|^\./||'
+    fi | sort
+}

@@ -1,0 +1,152 @@
+#include "platform/PropertyList.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "platform/PropertyListBinary.h"
+#include "platform/PropertyListXmlReader.h"
+
+namespace sweepwright::platform {
+
+namespace {
+
+using Entry = PropertyList::Dictionary::Entry;
+
+constexpr double kTwoTo63 = 9'223'372'036'854'775'808.0;
+constexpr double kTwoTo64 = 2 * kTwoTo63;
+
+/// The entries in the order of their keys; those of equal keys in the order given.
+std::vector<const Entry*> sortedByKey(const std::vector<Entry>& entries) {
+    std::vector<const Entry*> sorted;
+    sorted.reserve(entries.size());
+    for (const Entry& entry : entries)
+        sorted.push_back(&entry);
+    std::ranges::stable_sort(sorted, {},
+                             [](const Entry* entry) -> const std::string& { return entry->first; });
+    return sorted;
+}
+
+template <class Number>
+std::optional<double> exactReal(Number value) {
+    const auto real = static_cast<double>(value);
+    // 2^63 and 2^64 as reals are one above what the types hold: the way back would overflow.
+    constexpr double kBeyond = std::is_signed_v<Number> ? kTwoTo63 : kTwoTo64;
+    if (real >= kBeyond || static_cast<Number>(real) != value) return {};
+    return real;
+}
+
+}  // namespace
+
+PropertyList::Dictionary::Dictionary(std::initializer_list<Entry> entries)
+    : Dictionary(std::vector<Entry>(entries)) {}
+
+PropertyList::Dictionary::Dictionary(std::vector<Entry> entries) : entries_(std::move(entries)) {
+    // By sorting, not by set(): a list from outside may hold very many keys.
+    const auto sorted = sortedByKey(entries_);
+    std::vector<bool> superseded(entries_.size());
+    std::vector<std::pair<std::size_t, std::size_t>> moves;  // value of .second to .first
+    for (std::size_t first = 0; first < sorted.size();) {
+        std::size_t last = first;
+        while (last + 1 < sorted.size() && sorted[last + 1]->first == sorted[first]->first)
+            ++last;
+        const auto place = [&](std::size_t at) {
+            return static_cast<std::size_t>(sorted[at] - entries_.data());
+        };
+        for (std::size_t at = first + 1; at <= last; ++at)
+            superseded[place(at)] = true;
+        if (last != first) moves.emplace_back(place(first), place(last));
+        first = last + 1;
+    }
+    if (moves.empty()) return;
+    for (const auto& [to, from] : moves)
+        entries_[to].second = std::move(entries_[from].second);
+    std::size_t index = 0;
+    std::erase_if(entries_, [&](const Entry&) { return superseded[index++]; });
+}
+
+const PropertyList* PropertyList::Dictionary::find(std::string_view key) const {
+    const auto found = std::ranges::find(entries_, key, &Entry::first);
+    return found == entries_.end() ? nullptr : &found->second;
+}
+
+void PropertyList::Dictionary::set(std::string key, PropertyList value) {
+    const auto found = std::ranges::find(entries_, key, &Entry::first);
+    if (found != entries_.end()) {
+        found->second = std::move(value);
+    } else {
+        entries_.emplace_back(std::move(key), std::move(value));
+    }
+}
+
+bool PropertyList::Dictionary::remove(std::string_view key) {
+    return std::erase_if(entries_, [&](const Entry& entry) { return entry.first == key; }) != 0;
+}
+
+bool PropertyList::Dictionary::operator==(const Dictionary& other) const {
+    if (size() != other.size()) return false;
+    return std::ranges::equal(sortedByKey(entries_), sortedByKey(other.entries_),
+                              [](const Entry* one, const Entry* two) { return *one == *two; });
+}
+
+Result<PropertyList> PropertyList::parse(std::string_view bytes) {
+    return parse(bytes, Limits{});
+}
+
+Result<PropertyList> PropertyList::parse(std::string_view bytes, const Limits& limits) {
+    constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+    if (bytes.size() > limits.bytes) {
+        return std::unexpected(formatError("", "a property list of too many bytes"));
+    }
+    if (bytes.starts_with(kByteOrderMark)) bytes.remove_prefix(kByteOrderMark.size());
+    if (isBinaryPropertyList(bytes)) return readBinaryPropertyList(bytes, limits);
+    return PropertyListXmlReader(bytes, limits).read();
+}
+
+std::optional<std::int64_t> PropertyList::integer() const {
+    if (const auto* value = std::get_if<std::int64_t>(&value_)) return *value;
+    if (const auto* value = std::get_if<std::uint64_t>(&value_)) {
+        if (std::in_range<std::int64_t>(*value)) return static_cast<std::int64_t>(*value);
+        return {};
+    }
+    const auto* value = std::get_if<double>(&value_);
+    if (value == nullptr || !(*value >= -kTwoTo63 && *value < kTwoTo63)) return {};
+    if (std::trunc(*value) != *value) return {};
+    return static_cast<std::int64_t>(*value);
+}
+
+std::optional<std::uint64_t> PropertyList::unsignedInteger() const {
+    if (const auto* value = std::get_if<std::uint64_t>(&value_)) return *value;
+    if (const auto* value = std::get_if<double>(&value_)) {
+        if (!(*value >= 0 && *value < kTwoTo64) || std::trunc(*value) != *value) return {};
+        return static_cast<std::uint64_t>(*value);
+    }
+    const auto* value = std::get_if<std::int64_t>(&value_);
+    if (value == nullptr || *value < 0) return {};
+    return static_cast<std::uint64_t>(*value);
+}
+
+std::optional<double> PropertyList::real() const {
+    if (const auto* value = std::get_if<double>(&value_)) return *value;
+    if (const auto* value = std::get_if<std::int64_t>(&value_)) return exactReal(*value);
+    if (const auto* value = std::get_if<std::uint64_t>(&value_)) return exactReal(*value);
+    return {};
+}
+
+const std::string* PropertyList::bytes() const {
+    if (const std::string* text = string()) return text;
+    const Data* held = data();
+    return held != nullptr ? &held->bytes : nullptr;
+}
+
+bool PropertyList::operator==(const PropertyList& other) const {
+    const auto isInteger = [](const PropertyList& list) {
+        return std::holds_alternative<std::int64_t>(list.value_) ||
+               std::holds_alternative<std::uint64_t>(list.value_);
+    };
+    if (isInteger(*this) && isInteger(other)) {
+        return integer() == other.integer() && unsignedInteger() == other.unsignedInteger();
+    }
+    return value_ == other.value_;
+}
+
+}  // namespace sweepwright::platform
