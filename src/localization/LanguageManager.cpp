@@ -40,10 +40,9 @@ LanguageManager::LanguageManager(platform::UserDefaults& defaults,
 }
 
 LanguageManager& LanguageManager::sharedManager() {
-    static LanguageManager manager(platform::UserDefaults::standard(),
-                                   platform::NotificationCenter::defaultCenter(),
-                                   platform::ResourceBundle::main(),
-                                   platform::Device::current().preferredLanguages());
+    static LanguageManager manager(
+        platform::UserDefaults::standard(), platform::NotificationCenter::defaultCenter(),
+        platform::ResourceBundle::main(), platform::Device::current().preferredLanguages());
     return manager;
 }
 
@@ -55,7 +54,9 @@ std::string LanguageManager::currentLanguageName() const {
     return std::string(kSupported[currentLanguage_ == kEnglish ? 1 : 0].name);
 }
 
-const std::array<SupportedLanguage, 2>& LanguageManager::supportedLanguages() { return kSupported; }
+const std::array<SupportedLanguage, 2>& LanguageManager::supportedLanguages() {
+    return kSupported;
+}
 
 platform::Result<> LanguageManager::setLanguage(std::optional<std::string_view> code) {
     if (!code || (!currentLanguage_.empty() && *code == currentLanguage_)) return {};

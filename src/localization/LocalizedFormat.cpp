@@ -17,7 +17,7 @@ struct Specifier {
     std::size_t position = 0;  // from 1; 0 when it takes the next argument
     bool left = false;
     bool zeros = false;
-    char sign = '-';
+    bool plus = false;
     unsigned width = 0;
     std::optional<unsigned> precision;
     char conversion = '\0';
@@ -40,7 +40,8 @@ class SpecifierReader {
             result_.precision = readNumber();
             if (!result_.precision) return std::nullopt;
         }
-        while (at_ < text_.size() && std::string_view("hlqzjtL").contains(text_[at_])) ++at_;
+        while (at_ < text_.size() && std::string_view("hlqzjtL").contains(text_[at_]))
+            ++at_;
         if (at_ >= text_.size()) return std::nullopt;
         result_.conversion = text_[at_++];
         if (!std::string_view("@sdDiuUxXfFeEgG").contains(result_.conversion)) return std::nullopt;
@@ -84,9 +85,9 @@ class SpecifierReader {
                 result_.left = true;
             } else if (c == '0') {
                 result_.zeros = true;
-            } else if (c == '+' || (c == ' ' && result_.sign != '+')) {
-                result_.sign = c;
-            } else if (c != ' ') {
+            } else if (c == '+') {
+                result_.plus = true;
+            } else {
                 return;
             }
         }
@@ -97,8 +98,12 @@ class SpecifierReader {
     Specifier result_;
 };
 
-bool isReal(char conversion) { return std::string_view("fFeEgG").contains(conversion); }
-bool isHexadecimal(char conversion) { return conversion == 'x' || conversion == 'X'; }
+bool isReal(char conversion) {
+    return std::string_view("fFeEgG").contains(conversion);
+}
+bool isHexadecimal(char conversion) {
+    return conversion == 'x' || conversion == 'X';
+}
 
 /// What fmt calls the specifier's type when the argument is a number of that kind.
 template <class Number>
@@ -116,10 +121,10 @@ std::string written(const Specifier& specifier, Number number) {
     const char* const align = specifier.left ? "<" : specifier.zeros ? "" : ">";
     const char* const zeros = specifier.zeros && !specifier.left ? "0" : "";
     const std::string width = specifier.width == 0 ? "" : fmt::format("{}", specifier.width);
-    const bool hasSign = specifier.sign != '-' && !std::same_as<Number, std::uint64_t>;
-    const std::string sign(hasSign ? 1U : 0U, specifier.sign);
+    const char* const sign = specifier.plus && !std::same_as<Number, std::uint64_t> ? "+" : "";
     const std::string type = typeOf<Number>(specifier);
-    return fmt::format(fmt::runtime("{:" + (align + sign) + zeros + width + type + "}"), number);
+    return fmt::format(
+        fmt::runtime(fmt::format("{{:{}{}{}{}{}}}", align, sign, zeros, width, type)), number);
 }
 
 std::string written(const Specifier& specifier, const std::string& text) {

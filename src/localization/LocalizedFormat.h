@@ -29,14 +29,14 @@ class FormatArgument {
 
 /// `text` with its specifiers filled in from `arguments`.
 ///
-/// A specifier is "%", perhaps flags ("-", "0", "+", " ") with a width, a precision and a length
+/// A specifier is "%", perhaps flags ("-", "0", "+") with a width, a precision and a length
 /// ("l", "ll", "z", …), and one of "@ s" (anything), "d i u x X" (whole numbers) and "f e g" (real
 /// ones, also in capitals). They take the arguments in turn; "%2$@" takes the second one. "%%" is a
 /// percent sign.
 ///
 /// Texts come from translators, so that nothing about them is trusted: a specifier whose argument
-/// is missing and one that is none of the above stay as they stand, and an argument of another
-/// kind than its specifier is written in its own form.
+/// is missing and one that is none of the above ("100% sure") stay as they stand, and an argument
+/// of another kind than its specifier is written in its own form.
 std::string formatLocalized(std::string_view text, std::initializer_list<FormatArgument> arguments);
 
 }  // namespace sweepwright::localization

@@ -103,9 +103,8 @@ std::shared_ptr<const StringsTable> ResourceBundle::table(std::string_view name)
         return known->second;
     }
     const std::string file = fileName(name, "strings");
-    auto parsed = readFile(file).and_then([](const std::string& bytes) {
-        return StringsTable::parse(bytes);
-    });
+    const auto bytes = readFile(file);
+    auto parsed = bytes ? StringsTable::parse(*bytes) : std::unexpected(bytes.error());
     if (!parsed) log("⚠️ 无法读取文本表: {}", parsed.error().description);
     auto texts = std::make_shared<const StringsTable>(std::move(parsed).value_or(StringsTable()));
     for (const auto& problem : texts->problems()) {
