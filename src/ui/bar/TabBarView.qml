@@ -1,4 +1,5 @@
 import QtQuick
+import Sweepwright.Bar
 import Sweepwright.Kit
 
 // Draws a LiquidGlassTabBar over what scrolls under it.

@@ -1,4 +1,5 @@
 import QtQuick
+import Sweepwright.Kit
 
 // A ring of eight strokes of which one after another lights up.
 Item {

@@ -1,4 +1,5 @@
 import QtQuick
+import Sweepwright.Kit
 
 // A big filled button with a diagonal gradient, a coloured shadow, and a spring under the finger.
 Pressable {

@@ -1,4 +1,6 @@
 import QtQuick
+import Sweepwright.Kit
+import Sweepwright.Presentation
 
 // One screen of a NavigationStack, and how it comes, is covered, and goes.
 FocusScope {
@@ -40,7 +42,7 @@ FocusScope {
             arrival.to = 0;
         }
         view.setSource(screen.view, {
-            controller: screen,
+            screen: screen,
             canGoBack: index > 0,
             backTitle: backTitle,
             safeTop: Qt.binding(() => entry.safeTop),

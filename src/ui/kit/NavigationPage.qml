@@ -1,4 +1,5 @@
 import QtQuick
+import Sweepwright.Presentation
 
 // A screen inside a navigation stack: its bar with the title, small or large, and its buttons, over
 // the screen's content. Content that scrolls gives its Flickable, which keeps clear of the bars.

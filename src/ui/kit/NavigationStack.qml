@@ -1,4 +1,5 @@
 import QtQuick
+import Sweepwright.Presentation
 
 // Draws a NavigationController: pushed screens slide in from the right, popped ones out again, and
 // a drag from the left edge goes back.

@@ -1,4 +1,6 @@
 import QtQuick
+import Sweepwright.Kit
+import Sweepwright.Presentation
 
 // Draws what a Presenter holds, over everything else. What lies under it should be disabled while
 // the presenter is active.
@@ -50,7 +52,7 @@ Item {
                         safeBottom: Qt.binding(() => host.safeBottom)
                     });
                 } else {
-                    card.setSource(screen.view, {controller: screen, shown: Qt.binding(() => shown.value)});
+                    card.setSource(screen.view, {screen: screen, shown: Qt.binding(() => shown.value)});
                 }
             }
             onLeavingChanged: if (leaving) shown.to = 0

@@ -1,4 +1,5 @@
 import QtQuick
+import Sweepwright.Kit
 
 // How far a piece of work is, from 0 to 1.
 Item {

@@ -1,4 +1,5 @@
 import QtQuick
+import Sweepwright.Kit
 
 // A few choices side by side of which one holds.
 FocusScope {

@@ -1,4 +1,5 @@
 import QtQuick
+import Sweepwright.Presentation
 
 // The words and choices of an action sheet, without its cancel action, as a list that scrolls when
 // it is long.

@@ -1,4 +1,5 @@
 import QtQuick
+import Sweepwright.Presentation
 
 // An action sheet on a phone: from the bottom edge, the cancel button apart from the choices.
 FocusScope {

@@ -1,4 +1,5 @@
 import QtQuick
+import Sweepwright.Presentation
 
 // An action sheet on a tablet: a popover that points at what it is about. A tap beside it cancels.
 FocusScope {

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Templates as T
+import Sweepwright.Kit
 
 // A row of a list: icon, title, subtitle, value and accessory; a press, a swipe with actions, a
 // selection mark. The first and last of a group round a card in an inset-grouped list.
@@ -34,7 +35,7 @@ T.AbstractButton {
 
     // Actions behind the trailing edge: [{title, symbol, color}], the first one outermost.
     property var actions: []
-    property ListPane list: null
+    readonly property ListPane list: ListView.view as ListPane
 
     readonly property bool hasSwitch: accessory === "switch"
     readonly property real inset: grouped ? Theme.margin : 0

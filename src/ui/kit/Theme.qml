@@ -1,6 +1,7 @@
 pragma Singleton
 
 import QtQuick
+import Sweepwright.Kit
 
 // Colours by meaning, in light and dark; the type scale; what motion lasts.
 QtObject {

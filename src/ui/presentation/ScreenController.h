@@ -21,7 +21,7 @@ class ScreenController : public QObject {
     QML_UNCREATABLE("a screen derives from this")
     Q_PROPERTY(QString title READ title WRITE setTitle NOTIFY titleChanged)
     Q_PROPERTY(bool prefersLargeTitles READ prefersLargeTitles CONSTANT)
-    /// The QML file that draws the screen. Its root has a required property `controller`.
+    /// The QML file that draws the screen. Its root has a required property `screen`.
     Q_PROPERTY(QUrl view READ view CONSTANT)
     Q_PROPERTY(sweepwright::ui::BarButtonItem* rightBarButtonItem READ rightBarButtonItem CONSTANT)
     Q_PROPERTY(bool visible READ visible NOTIFY visibleChanged)

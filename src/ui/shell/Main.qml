@@ -1,5 +1,6 @@
 import QtQuick
 import Sweepwright.Kit
+import Sweepwright.Shell
 
 Window {
     id: window

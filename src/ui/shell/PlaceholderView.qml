@@ -1,13 +1,15 @@
 import QtQuick
 import Sweepwright.Kit
+import Sweepwright.Shell
 
 NavigationPage {
     id: page
 
-    readonly property PlaceholderScreen screen: controller as PlaceholderScreen
+    required property PlaceholderScreen screen
     readonly property list<string> symbols: ["tray.full.fill", "globe", "chart.bar.fill",
         "paperplane.fill", "star.fill", "lock.shield.fill", "folder.badge.plus"]
 
+    controller: screen
     flickable: list
 
     ListPane {
@@ -19,7 +21,6 @@ NavigationPage {
         onScrollEnded: offsetY => page.screen.scrolling.didEnd(offsetY)
         delegate: TableRow {
             required property int number
-            list: list
             title: page.controller.title + " " + number
             subtitle: "/var/mobile/Library/Caches/" + number
             symbol: page.symbols[number % page.symbols.length]

@@ -1,6 +1,8 @@
 import QtQuick
 import Sweepwright.Bar
 import Sweepwright.Kit
+import Sweepwright.Presentation
+import Sweepwright.Shell
 
 // The window's content: the selected tab, the floating bar over it, and what is presented over both.
 FocusScope {

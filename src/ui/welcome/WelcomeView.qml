@@ -1,11 +1,12 @@
 import QtQuick
 import Sweepwright.Kit
+import Sweepwright.Welcome
 
 // The greeting card over the dimmed tabs.
 FocusScope {
     id: root
 
-    required property WelcomeViewController controller
+    required property WelcomeViewController screen
     // Of the cross-dissolve, 0 to 1.
     property real shown: 1
 
@@ -22,7 +23,7 @@ FocusScope {
         width: Math.min(root.width - 40, 380)
         height: Math.min(content.implicitHeight, root.height - 48)
         Accessible.role: Accessible.Dialog
-        Accessible.name: root.controller.greeting
+        Accessible.name: root.screen.greeting
 
         BoxShadow {
             radius: 32
@@ -75,7 +76,7 @@ FocusScope {
                 Label {
                     width: content.inner
                     topPadding: 4
-                    text: root.controller.greeting
+                    text: root.screen.greeting
                     size: 24
                     weight: Theme.bold
                     horizontalAlignment: Text.AlignHCenter
@@ -84,7 +85,7 @@ FocusScope {
                 }
                 Label {
                     width: content.inner
-                    text: root.controller.subtitle
+                    text: root.screen.subtitle
                     size: 15
                     lineHeight: 1.1
                     color: Theme.secondaryLabel
@@ -110,7 +111,7 @@ FocusScope {
                         x: 40
                         y: 14
                         width: parent.width - 54
-                        text: root.controller.notice
+                        text: root.screen.notice
                         size: 13
                         lineHeight: 1.2
                         color: Theme.faded(Theme.label, 0.8)
@@ -123,34 +124,34 @@ FocusScope {
                 }
                 LinkButton {
                     objectName: "websiteButton"
-                    text: root.controller.websiteTitle
+                    text: root.screen.websiteTitle
                     symbol: "safari.fill"
                     startColor: Qt.rgba(0.2, 0.6, 1.0, 1)
                     endColor: Qt.rgba(0.25, 0.47, 0.95, 1)
-                    onClicked: root.controller.websiteButtonTapped()
+                    onClicked: root.screen.websiteButtonTapped()
                 }
                 LinkButton {
                     objectName: "wechatButton"
-                    text: root.controller.wechatTitle
+                    text: root.screen.wechatTitle
                     symbol: "message.fill"
                     startColor: Qt.rgba(0.16, 0.75, 0.42, 1)
                     endColor: Qt.rgba(0.05, 0.6, 0.36, 1)
-                    onClicked: root.controller.wechatButtonTapped()
+                    onClicked: root.screen.wechatButtonTapped()
                 }
                 LinkButton {
                     objectName: "githubButton"
-                    text: root.controller.githubTitle
+                    text: root.screen.githubTitle
                     symbol: "star.fill"
                     startColor: Qt.rgba(0.42, 0.42, 0.5, 1)
                     endColor: Qt.rgba(0.24, 0.24, 0.3, 1)
-                    onClicked: root.controller.githubButtonTapped()
+                    onClicked: root.screen.githubButtonTapped()
                 }
                 AlertButton {
                     objectName: "closeButton"
                     width: content.inner
-                    text: root.controller.closeTitle
+                    text: root.screen.closeTitle
                     focus: true
-                    onClicked: root.controller.closeButtonTapped()
+                    onClicked: root.screen.closeButtonTapped()
                 }
             }
         }
