@@ -26,6 +26,7 @@ class LiquidGlassTabBar : public QAbstractListModel {
     QML_ELEMENT
     QML_UNCREATABLE("made by the shell")
     Q_PROPERTY(bool glass READ glass CONSTANT)
+    Q_PROPERTY(int count READ count CONSTANT)
     Q_PROPERTY(int selectedIndex READ selectedIndex NOTIFY selectedIndexChanged)
     Q_PROPERTY(int highlightedIndex READ highlightedIndex NOTIFY highlightedIndexChanged)
     Q_PROPERTY(double width READ width WRITE setWidth NOTIFY sizeChanged)
@@ -63,6 +64,7 @@ class LiquidGlassTabBar : public QAbstractListModel {
     void setDelegate(LiquidGlassTabBarDelegate* delegate) { delegate_ = delegate; }
 
     [[nodiscard]] bool glass() const { return glass_; }
+    [[nodiscard]] int count() const { return static_cast<int>(items_.size()); }
     [[nodiscard]] int selectedIndex() const { return selectedIndex_; }
     /// The item under the finger during a drag, -1 when none.
     [[nodiscard]] int highlightedIndex() const { return highlightedIndex_; }
@@ -103,7 +105,6 @@ class LiquidGlassTabBar : public QAbstractListModel {
     void sliderChanged();
 
   private:
-    [[nodiscard]] int count() const { return static_cast<int>(items_.size()); }
     [[nodiscard]] int indexAt(double x) const;
     [[nodiscard]] double centerOfItem(int index) const;
     void updateSliderPosition(bool animated);

@@ -34,7 +34,7 @@ FocusScope {
         radius: root.height / 2
         offsetY: 8
         blur: 26
-        strength: Theme.dark ? 0.5 : 0.13
+        strength: Theme.dark ? 0.34 : 0.12
     }
 
     Loader {
@@ -74,7 +74,7 @@ FocusScope {
                 animated: root.bar.sliderAnimated
             }
             Rectangle {
-                readonly property real room: root.width / 3
+                readonly property real room: root.width / root.bar.count
                 // It stretches with its speed, like a drop.
                 readonly property real lag: Math.min(18, Math.abs(markX.to - markX.value) * 0.16)
                 width: room - 8 + lag
@@ -148,7 +148,7 @@ FocusScope {
                 readonly property bool selected: index === root.bar.selectedIndex
 
                 objectName: "tab" + index
-                width: root.width / 3
+                width: root.width / root.bar.count
                 height: root.height
                 text: title
                 ringRadius: height / 2

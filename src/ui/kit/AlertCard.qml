@@ -14,13 +14,9 @@ FocusScope {
     readonly property real cardWidth: Math.min(width - 48, 300)
     // Two short titles stand side by side.
     readonly property bool sideBySide: alert.actions.length === 2
-        && alert.actions.every(action => measure(action.title) < (cardWidth - 32 - 8) / 2 - 24)
+        && alert.actions.every(action => metrics.advanceWidth(action.title) < (cardWidth - 32 - 8) / 2 - 24)
 
-    function measure(title: string): real {
-        metrics.text = title;
-        return metrics.advanceWidth;
-    }
-    TextMetrics {
+    FontMetrics {
         id: metrics
         font.family: Theme.family
         font.pixelSize: Theme.scaled(17)
@@ -67,7 +63,7 @@ FocusScope {
                 id: words
                 width: content.width - 32
                 height: Math.min(contentHeight, root.height - root.safeTop - root.safeBottom - 48 - fixed.height - 48)
-                contentHeight: text.implicitHeight
+                contentHeight: phrases.implicitHeight
                 clip: contentHeight > height
                 boundsBehavior: Flickable.StopAtBounds
                 interactive: contentHeight > height
@@ -76,7 +72,7 @@ FocusScope {
                 Keys.onDownPressed: contentY = Math.min(contentHeight - height, contentY + 40)
 
                 Column {
-                    id: text
+                    id: phrases
                     width: parent.width
                     topPadding: 6
                     leftPadding: 8

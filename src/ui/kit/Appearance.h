@@ -27,7 +27,6 @@ class Appearance : public QObject {
     static constexpr double kSmallestTextScale = 0.8;
     static constexpr double kLargestTextScale = 2.0;
 
-    Appearance();
     ~Appearance() override;
 
     /// The process's one, which also the views use.
@@ -61,6 +60,9 @@ class Appearance : public QObject {
     bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
+    // A constructor that the engine could call would win over create().
+    Appearance();
+
     class Portal;
     template <class Change>
     void change(Change&& apply);

@@ -9,7 +9,7 @@ Item {
     required property point position
     property real radius: height / 2
     property bool live: true
-    property color tint: Theme.dark ? "#8c1e1e22" : "#9effffff"
+    property color tint: Theme.dark ? "#a01e1e22" : "#9effffff"
     readonly property bool shaded: GraphicsInfo.api !== GraphicsInfo.Software
 
     Accessible.ignored: true
@@ -29,16 +29,17 @@ Item {
                 sourceRect: Qt.rect(root.position.x - lens.margin, root.position.y - lens.margin,
                                     root.width + 2 * lens.margin, root.height + 2 * lens.margin)
                 live: root.live
+                heavy: true
             }
 
             ShaderEffect {
                 property Item sharp: backdrop.sharpTexture
                 property Item blurred: backdrop.blurredTexture
                 property real radius: root.radius
-                property real rim: Math.min(16, root.height / 3)
-                property real bend: Math.min(26, root.height / 2)
-                property real saturation: Theme.dark ? 1.35 : 1.5
-                property real sharpness: 0.12
+                property real rim: Math.min(18, root.height / 3)
+                property real bend: Math.min(24, root.height / 2)
+                property real saturation: Theme.dark ? 1.25 : 1.4
+                property real sharpness: 0
                 property real sheen: Theme.dark ? 0.42 : 0.85
                 property size extent: Qt.size(width, height)
                 property size pane: Qt.size(root.width, root.height)

@@ -57,6 +57,7 @@ test::TestApp::MakeScreens gallery(const char* page, const char* key, bool large
 
 void scroll(test::TestApp& app, double to) {
     app.item("pane")->setProperty("contentY", to);
+    app.scene().showTabBar();
 }
 
 std::unique_ptr<AlertController> alert(const test::TestApp& app, AlertController::Style style,
@@ -194,7 +195,8 @@ class ContactSheet {
         for (int i = 0; i < cells_.size(); ++i) {
             const QPoint at(kGap + i % kColumns * (kWidth + kGap), kGap + i / kColumns * (height + 2 * kGap));
             painter.drawText(QRect(at, QSize(kWidth, kGap)), Qt::AlignVCenter, cells_[i].first);
-            const QImage small = cells_[i].second.scaled(kWidth, height, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+            QImage small = cells_[i].second.scaled(kWidth, height, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+            small.setDevicePixelRatio(1.0);
             painter.drawImage(at + QPoint(0, kGap), small);
         }
         painter.end();

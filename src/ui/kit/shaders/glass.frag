@@ -56,7 +56,7 @@ void main() {
     float t = clamp(1.0 - depth / rim, 0.0, 1.0);
     float slope = 1.0 - sqrt(max(1.0 - t * t, 0.0));
     vec2 shift = -normal * slope * bend;
-    float share = mix(sharpness, 0.85, smoothstep(0.0, 0.6, t));
+    float share = mix(sharpness, 0.6, smoothstep(0.1, 0.9, t));
 
     vec3 colour;
     colour.r = behind(point + shift * 0.94, share).r;
