@@ -71,6 +71,14 @@ TEST_F(SpringMotionTest, ShowsItsFirstTargetWithoutMotion) {
     EXPECT_FALSE(motion_.running());
 }
 
+TEST_F(SpringMotionTest, HasSettledWhenItIsCalledBackBeforeItsFirstStep) {
+    QSignalSpy settled(&motion_, &SpringMotion::settled);
+    motion_.setTo(10.0);
+    motion_.setTo(0.0);
+    EXPECT_EQ(settled.count(), 1);
+    EXPECT_FALSE(motion_.running());
+}
+
 TEST_F(SpringMotionTest, StopsWhereItIsPut) {
     motion_.setTo(10.0);
     motion_.jump(3.0);

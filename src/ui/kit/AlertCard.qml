@@ -6,6 +6,8 @@ import Sweepwright.Presentation
 FocusScope {
     id: root
 
+    focus: true
+
     required property AlertController alert
     property real shown: 1
     property real safeTop: 0

@@ -6,6 +6,8 @@ import Sweepwright.Presentation
 FocusScope {
     id: page
 
+    focus: true
+
     required property ScreenController controller
     // Set by the stack.
     property bool canGoBack: false

@@ -14,9 +14,9 @@ T.AbstractButton {
     hoverEnabled: true
     Accessible.role: Accessible.Button
     Accessible.name: accessibleName
-    Accessible.onPressAction: click()
-    Keys.onReturnPressed: click()
-    Keys.onEnterPressed: click()
+    Accessible.onPressAction: clicked()
+    Keys.onReturnPressed: clicked()
+    Keys.onEnterPressed: clicked()
 
     FocusRing {
         shown: control.visualFocus

@@ -5,6 +5,8 @@ import Sweepwright.Presentation
 FocusScope {
     id: root
 
+    focus: true
+
     required property AlertController alert
     property real shown: 1
     property real safeTop: 0
@@ -18,6 +20,7 @@ FocusScope {
 
     Item {
         id: card
+        objectName: "popover"
         width: 320
         height: choices.implicitHeight
         x: Math.max(12, Math.min(root.width - width - 12, root.middle - width / 2))

@@ -57,6 +57,7 @@ void SpringMotion::start() {
     const double way = to_ - value_;
     if (way == 0.0) {
         clock_->stop();
+        Q_EMIT settled();
         return;
     }
     if (running()) {

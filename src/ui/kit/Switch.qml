@@ -15,10 +15,16 @@ T.Switch {
     Accessible.name: accessibleName
     Accessible.checkable: true
     Accessible.checked: checked
-    Accessible.onToggleAction: click()
-    Accessible.onPressAction: click()
-    Keys.onReturnPressed: click()
-    Keys.onEnterPressed: click()
+    Accessible.onToggleAction: flip()
+    Accessible.onPressAction: flip()
+    Keys.onReturnPressed: flip()
+    Keys.onEnterPressed: flip()
+
+    // As a person's press.
+    function flip(): void {
+        toggle();
+        toggled();
+    }
 
     SpringMotion {
         id: slide

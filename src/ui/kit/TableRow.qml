@@ -41,6 +41,7 @@ T.AbstractButton {
     readonly property real inset: grouped ? Theme.margin : 0
     readonly property real openWidth: actions.length * 82
     readonly property bool open: swipe.to < 0
+    readonly property bool settled: !swipe.running
 
     signal switched(bool on)
     signal actionTriggered(int index)
@@ -65,8 +66,8 @@ T.AbstractButton {
     ListView.onReused: close()
     onActionsChanged: if (actions.length === 0) close()
     onEditingChanged: close()
-    Keys.onReturnPressed: click()
-    Keys.onEnterPressed: click()
+    Keys.onReturnPressed: clicked()
+    Keys.onEnterPressed: clicked()
     Keys.onLeftPressed: event => { event.accepted = actions.length > 0; openActions(); }
     Keys.onRightPressed: event => { event.accepted = open; close(); }
     Keys.onMenuPressed: openActions()
@@ -77,7 +78,7 @@ T.AbstractButton {
     Accessible.checked: editing ? selected : on
     Accessible.selected: selected
     Accessible.focusable: true
-    Accessible.onPressAction: click()
+    Accessible.onPressAction: clicked()
 
     SpringMotion {
         id: swipe
@@ -98,59 +99,6 @@ T.AbstractButton {
             height: row.height
             clip: row.open || swipe.running || drag.active
 
-            Row {
-                id: tray
-                height: parent.height
-                x: parent.width + (drag.active ? drag.shown : swipe.value)
-                visible: row.open || swipe.running || drag.active
-                layoutDirection: Qt.RightToLeft
-                Repeater {
-                    model: tray.visible ? row.actions : []
-                    Pressable {
-                        id: action
-                        required property var modelData
-                        required property int index
-                        width: Math.max(82, index === 0 && drag.active ? -drag.shown - row.openWidth + 82 : 82)
-                        height: tray.height
-                        text: modelData.title
-                        ringRadius: 4
-                        onClicked: {
-                            row.close();
-                            row.actionTriggered(index);
-                        }
-                        background: Rectangle {
-                            color: action.down ? Qt.darker(action.modelData.color, 1.15) : action.modelData.color
-                        }
-                        contentItem: Item {
-                            Column {
-                                anchors.centerIn: parent
-                                width: 74
-                                spacing: 3
-                                Symbol {
-                                    anchors.horizontalCenter: parent.horizontalCenter
-                                    visible: name.length > 0
-                                    name: action.modelData.symbol ?? ""
-                                    size: 22
-                                    color: "white"
-                                }
-                                Label {
-                                    width: parent.width
-                                    text: action.text
-                                    size: 12
-                                    weight: Theme.medium
-                                    color: "white"
-                                    wrapMode: Text.Wrap
-                                    maximumLineCount: 2
-                                    elide: Text.ElideRight
-                                    horizontalAlignment: Text.AlignHCenter
-                                    Accessible.ignored: true
-                                }
-                            }
-                        }
-                    }
-                }
-            }
-
             RowFace {
                 id: face
                 x: drag.active ? drag.shown : swipe.value
@@ -159,7 +107,7 @@ T.AbstractButton {
                 topRadius: row.grouped && row.first && !row.open ? 22 : 0
                 bottomRadius: row.grouped && row.last && !row.open ? 22 : 0
                 color: row.selected && row.editing ? Qt.tint(face.resting, Theme.faded(Theme.systemBlue, 0.12))
-                     : row.down && row.selectable && !row.hasSwitch ? Theme.systemGray4 : face.resting
+                     : (row.down || (drag.pressed && !drag.active)) && row.selectable && !row.hasSwitch ? Theme.systemGray4 : face.resting
                 readonly property color resting: row.grouped ? Theme.secondaryGroupedBackground : Theme.background
                 FocusRing {
                     anchors.margins: 2
@@ -302,34 +250,118 @@ T.AbstractButton {
         }
     }
 
-    onClicked: {
-        if (row.open) close();
-        else if (hasSwitch) switched(!on);
-    }
-
-    DragHandler {
+    // A finger that goes sideways moves the row; one that goes up or down stays with the list.
+    MouseArea {
         id: drag
 
+        property bool active: false
+        property bool moved: false
         property real start: 0
-        readonly property real wanted: start + activeTranslation.x
+        property point pressedAt
+        property real wanted: 0
         // Beyond the actions' width the row follows more and more reluctantly.
         readonly property real shown: wanted > 0 ? 0
             : wanted > -row.openWidth ? wanted : -row.openWidth + (wanted + row.openWidth) * 0.35
 
-        target: null
+        anchors.fill: parent
         enabled: row.actions.length > 0 && !row.editing
-        xAxis.enabled: true
-        yAxis.enabled: false
-        dragThreshold: 12
-        onActiveChanged: {
-            if (active) {
-                start = swipe.value;
+        visible: enabled
+        preventStealing: active
+        onPressed: mouse => {
+            pressedAt = Qt.point(mouse.x, mouse.y);
+            start = swipe.value;
+            moved = false;
+        }
+        onPositionChanged: mouse => {
+            const dx = mouse.x - pressedAt.x;
+            const dy = mouse.y - pressedAt.y;
+            if (!active && Math.abs(dx) > 12 && Math.abs(dx) > Math.abs(dy)) {
+                active = true;
+                moved = true;
                 if (row.list && row.list.openRow && row.list.openRow !== row) row.list.openRow.close();
-            } else {
-                swipe.jump(shown);
-                if (shown < -row.openWidth / 2) row.openActions();
-                else row.close();
+            }
+            if (active) wanted = start + dx;
+        }
+        onReleased: settle()
+        onCanceled: settle()
+        onClicked: {
+            if (moved) return;
+            row.forceActiveFocus(Qt.MouseFocusReason);
+            row.clicked();
+        }
+
+        function settle(): void {
+            if (!active) return;
+            swipe.jump(shown);
+            active = false;
+            if (swipe.value < -row.openWidth / 2) row.openActions();
+            else row.close();
+        }
+    }
+
+    // Not in the background: what lies below the row's own face is never pressed.
+    Item {
+        x: row.inset
+        width: row.width - 2 * row.inset
+        height: row.height
+        clip: true
+        visible: row.open || swipe.running || drag.active
+
+        Row {
+            id: tray
+            height: parent.height
+            x: parent.width + (drag.active ? drag.shown : swipe.value)
+            layoutDirection: Qt.RightToLeft
+            Repeater {
+                model: tray.parent.visible ? row.actions : []
+                Pressable {
+                    id: action
+                    required property var modelData
+                    required property int index
+                    width: Math.max(82, index === 0 && drag.active ? -drag.shown - row.openWidth + 82 : 82)
+                    height: tray.height
+                    text: modelData.title
+                    ringRadius: 4
+                    onClicked: {
+                        row.close();
+                        row.actionTriggered(index);
+                    }
+                    background: Rectangle {
+                        color: action.down ? Qt.darker(action.modelData.color, 1.15) : action.modelData.color
+                    }
+                    contentItem: Item {
+                        Column {
+                            anchors.centerIn: parent
+                            width: 74
+                            spacing: 3
+                            Symbol {
+                                anchors.horizontalCenter: parent.horizontalCenter
+                                visible: name.length > 0
+                                name: action.modelData.symbol ?? ""
+                                size: 22
+                                color: "white"
+                            }
+                            Label {
+                                width: parent.width
+                                text: action.text
+                                size: 12
+                                weight: Theme.medium
+                                color: "white"
+                                wrapMode: Text.Wrap
+                                maximumLineCount: 2
+                                elide: Text.ElideRight
+                                horizontalAlignment: Text.AlignHCenter
+                                Accessible.ignored: true
+                            }
+                        }
+                    }
+                }
             }
         }
+    }
+
+    onClicked: {
+        if (row.open) close();
+        else if (hasSwitch) switched(!on);
     }
 }

@@ -80,11 +80,12 @@ FocusScope {
     Repeater {
         model: shell.scene.tabBarController.viewControllers.length
         Item {
+            id: choice
             required property int index
             Shortcut {
-                sequence: "Ctrl+" + (parent.index + 1)
+                sequence: "Ctrl+" + (choice.index + 1)
                 enabled: !shell.scene.presenter.active
-                onActivated: shell.scene.tabBarController.selectedIndex = parent.index
+                onActivated: shell.scene.tabBarController.selectedIndex = choice.index
             }
         }
     }

@@ -6,6 +6,8 @@ import Sweepwright.Welcome
 FocusScope {
     id: root
 
+    focus: true
+
     required property WelcomeViewController screen
     // Of the cross-dissolve, 0 to 1.
     property real shown: 1

@@ -81,13 +81,14 @@ QQuickView& TestApp::show(QSize size) {
 QQuickItem* TestApp::item(const char* objectName) const {
     const QString name = QString::fromLatin1(objectName);
     QList<QQuickItem*> waiting{view_->contentItem()};
-    while (!waiting.isEmpty()) {
+    QQuickItem* found = nullptr;
+    while (!waiting.isEmpty() && (found == nullptr || !found->isVisible())) {
         QQuickItem* each = waiting.takeFirst();
-        if (each->objectName() == name) return each;
+        if (each->objectName() == name && (found == nullptr || each->isVisible())) found = each;
         waiting += each->childItems();
     }
-    ADD_FAILURE() << "no item named " << objectName;
-    return nullptr;
+    if (found == nullptr) ADD_FAILURE() << "no item named " << objectName;
+    return found;
 }
 
 QPoint TestApp::middleOf(const QQuickItem* item) {

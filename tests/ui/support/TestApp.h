@@ -49,7 +49,8 @@ class TestApp {
     /// Opens a window of this size in points and waits until it has drawn.
     QQuickView& show(QSize size = {390, 844});
     [[nodiscard]] QQuickView& window() { return *view_; }
-    /// The item of this object name, shown or not; fails the test when there is none.
+    /// The item of this object name: of several one that is shown; fails the test when there is
+    /// none.
     [[nodiscard]] QQuickItem* item(const char* objectName) const;
     /// The middle of an item in the window's points.
     [[nodiscard]] static QPoint middleOf(const QQuickItem* item);
