@@ -14,14 +14,15 @@ class AlertView : public ViewTest {
         return [this, what] { notes_.append(QString::fromLatin1(what)); };
     }
     AlertController* confirm() {
-        auto alert = std::make_unique<AlertController>(AlertController::Alert, QStringLiteral("Confirm"),
-                                                       QStringLiteral("Sure?"));
+        auto alert = std::make_unique<AlertController>(
+            AlertController::Alert, QStringLiteral("Confirm"), QStringLiteral("Sure?"));
         alert->addAction(QStringLiteral("Clean"), AlertAction::Destructive, note("clean"))
             .addAction(QStringLiteral("Cancel"), AlertAction::Cancel, note("cancel"));
         return app_.presenter().present(std::move(alert));
     }
     AlertController* sheet() {
-        auto alert = std::make_unique<AlertController>(AlertController::ActionSheet, QStringLiteral("Choose"));
+        auto alert = std::make_unique<AlertController>(AlertController::ActionSheet,
+                                                       QStringLiteral("Choose"));
         alert->addAction(QStringLiteral("One"), AlertAction::Default, note("one"))
             .addAction(QStringLiteral("Cancel"), AlertAction::Cancel, note("cancel"));
         return app_.presenter().present(std::move(alert));
@@ -116,7 +117,8 @@ TEST_F(AlertView, TakesATextAndAddsItOnReturn) {
         .addAction(QStringLiteral("Add"), AlertAction::Default, [&, held] { added = held->text(); })
         .addAction(QStringLiteral("Cancel"), AlertAction::Cancel);
     app_.presenter().present(std::move(alert));
-    for (const char letter : std::string("/var/x")) QTest::keyClick(&app_.window(), letter);
+    for (const char letter : std::string("/var/x"))
+        QTest::keyClick(&app_.window(), letter);
     key(app_, Qt::Key_Return);
     EXPECT_EQ(added, QLatin1String("/var/x"));
     EXPECT_FALSE(app_.presenter().active());
@@ -154,8 +156,10 @@ TEST_F(AlertView, ShowsWhatAnActionPresentsNext) {
 TEST(AlertViewOnATablet, PointsAtItsAnchor) {
     TestApp app({.idiom = platform::Idiom::Pad});
     app.show({820, 1180});
-    auto alert = std::make_unique<AlertController>(AlertController::ActionSheet, QStringLiteral("Choose"));
-    alert->addAction(QStringLiteral("One")).addAction(QStringLiteral("Cancel"), AlertAction::Cancel);
+    auto alert =
+        std::make_unique<AlertController>(AlertController::ActionSheet, QStringLiteral("Choose"));
+    alert->addAction(QStringLiteral("One"))
+        .addAction(QStringLiteral("Cancel"), AlertAction::Cancel);
     alert->setAnchor({20, 200, 300, 50});
     app.presenter().present(std::move(alert));
     const QQuickItem* popover = app.item("popover");

@@ -1,8 +1,7 @@
-#include "ui/shell/AppDelegate.h"
-
 #include <gtest/gtest.h>
 
 #include "platform/Log.h"
+#include "ui/shell/AppDelegate.h"
 #include "ui/support/TestApp.h"
 
 namespace sweepwright::ui {
@@ -30,13 +29,16 @@ TEST_F(AppDelegateTest, WritesThirtySampleFilesOfTheSizesSaid) {
     EXPECT_EQ(entries(tmp_), 15U);
     EXPECT_EQ(entries(logs_), 5U);
     for (int i = 0; i < 10; ++i) {
-        EXPECT_EQ(app_.device.content(caches_ + "/cache_file_" + std::to_string(i) + ".tmp").size(), 10256U);
+        EXPECT_EQ(app_.device.content(caches_ + "/cache_file_" + std::to_string(i) + ".tmp").size(),
+                  10256U);
     }
     for (int i = 0; i < 15; ++i) {
-        EXPECT_EQ(app_.device.content(tmp_ + "/temp_file_" + std::to_string(i) + ".dat").size(), 20496U);
+        EXPECT_EQ(app_.device.content(tmp_ + "/temp_file_" + std::to_string(i) + ".dat").size(),
+                  20496U);
     }
     for (int i = 0; i < 5; ++i) {
-        EXPECT_EQ(app_.device.content(logs_ + "/app_log_" + std::to_string(i) + ".log").size(), 5128U);
+        EXPECT_EQ(app_.device.content(logs_ + "/app_log_" + std::to_string(i) + ".log").size(),
+                  5128U);
     }
     EXPECT_TRUE(log.contains("✅ 测试文件创建完成"));
 }

@@ -1,7 +1,8 @@
-#include "ui/kit/Appearance.h"
-
 #include <QSignalSpy>
+
 #include <gtest/gtest.h>
+
+#include "ui/kit/Appearance.h"
 
 namespace sweepwright::ui {
 namespace {

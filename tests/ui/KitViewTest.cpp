@@ -161,7 +161,8 @@ QStringList namelessItems(QQuickItem* root) {
         if (!presses) continue;
         QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(each);
         const bool named = spoken != nullptr && !spoken->text(QAccessible::Name).isEmpty() &&
-                           spoken->role() != QAccessible::NoRole && spoken->role() != QAccessible::Client;
+                           spoken->role() != QAccessible::NoRole &&
+                           spoken->role() != QAccessible::Client;
         if (!named) nameless.append(QString::fromLatin1(each->metaObject()->className()));
     }
     return nameless;
@@ -171,7 +172,9 @@ TEST_F(KitView, NamesEverythingThatCanBePressed) {
     for (const char* page : {"Controls", "Grouped", "Apps", "AppsSwiped", "AppsEditing"}) {
         TestApp app({}, gallery(page));
         app.show();
-        EXPECT_EQ(namelessItems(app.window().contentItem()).join(QLatin1Char(' ')).toStdString(), "") << page;
+        EXPECT_EQ(namelessItems(app.window().contentItem()).join(QLatin1Char(' ')).toStdString(),
+                  "")
+            << page;
     }
 }
 

@@ -1,18 +1,20 @@
-#include "ui/shell/LaunchOptions.h"
-
 #include <gtest/gtest.h>
+
+#include "ui/shell/LaunchOptions.h"
 
 namespace sweepwright::ui {
 namespace {
 
 std::expected<LaunchOptions, QString> parsed(std::initializer_list<const char*> words) {
     QStringList list;
-    for (const char* word : words) list.append(QString::fromUtf8(word));
+    for (const char* word : words)
+        list.append(QString::fromUtf8(word));
     return parseLaunchOptions(list);
 }
 
 TEST(LaunchOptions, TakesTheGlobalOptions) {
-    const auto options = parsed({"--device-root", "/mnt/phone", "--home=/var/mobile", "--tmp", "/tmp", "--idiom", "ipad", "-v"});
+    const auto options = parsed({"--device-root", "/mnt/phone", "--home=/var/mobile", "--tmp",
+                                 "/tmp", "--idiom", "ipad", "-v"});
     ASSERT_TRUE(options.has_value());
     EXPECT_EQ(options->global.deviceRoot, "/mnt/phone");
     EXPECT_EQ(options->global.home, "/var/mobile");

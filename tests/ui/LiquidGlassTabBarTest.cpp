@@ -1,8 +1,7 @@
-#include "ui/bar/LiquidGlassTabBar.h"
-
 #include <gtest/gtest.h>
 
 #include "platform/Log.h"
+#include "ui/bar/LiquidGlassTabBar.h"
 
 namespace sweepwright::ui {
 namespace {

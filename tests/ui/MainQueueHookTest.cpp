@@ -1,10 +1,9 @@
-#include "ui/presentation/MainQueueHook.h"
-
+#include <QThread>
 #include <thread>
 
-#include <QThread>
 #include <gtest/gtest.h>
 
+#include "ui/presentation/MainQueueHook.h"
 #include "ui/support/TestApp.h"
 
 namespace sweepwright::ui {

@@ -1,7 +1,6 @@
-#include "ui/presentation/NavigationController.h"
-
 #include <gtest/gtest.h>
 
+#include "ui/presentation/NavigationController.h"
 #include "ui/presentation/Presenter.h"
 
 namespace sweepwright::ui {
@@ -45,7 +44,8 @@ TEST_F(NavigationControllerTest, TellsBothScreensOfAPushAndAPop) {
     navigation_.setVisible(true);
     taken();
     navigation_.push(std::make_unique<Screen>(notes_, "next"));
-    const QStringList pushed{QStringLiteral("next loaded"), QStringLiteral("root disappears"), QStringLiteral("next appears")};
+    const QStringList pushed{QStringLiteral("next loaded"), QStringLiteral("root disappears"),
+                             QStringLiteral("next appears")};
     EXPECT_EQ(taken(), pushed);
     EXPECT_EQ(navigation_.depth(), 2);
     navigation_.pop();
@@ -80,7 +80,8 @@ TEST_F(NavigationControllerTest, KeepsAPoppedScreenForAViewThatSlidesItAway) {
 }
 
 TEST_F(NavigationControllerTest, PopsAllToTheRoot) {
-    for (const char* name : {"a", "b", "c"}) navigation_.push(std::make_unique<Screen>(notes_, name));
+    for (const char* name : {"a", "b", "c"})
+        navigation_.push(std::make_unique<Screen>(notes_, name));
     navigation_.popToRoot();
     EXPECT_EQ(navigation_.depth(), 1);
     EXPECT_EQ(navigation_.rowCount(), 1);
@@ -88,7 +89,9 @@ TEST_F(NavigationControllerTest, PopsAllToTheRoot) {
 
 TEST_F(NavigationControllerTest, OffersTheTitleBelowForTheWayBack) {
     navigation_.push(std::make_unique<Screen>(notes_, "next"));
-    EXPECT_EQ(navigation_.data(navigation_.index(1), NavigationController::BackTitleRole).toString(), QLatin1String("root"));
+    EXPECT_EQ(
+        navigation_.data(navigation_.index(1), NavigationController::BackTitleRole).toString(),
+        QLatin1String("root"));
 }
 
 }  // namespace

@@ -1,8 +1,9 @@
-#include "ui/presentation/Presenter.h"
-
 #include <QCoreApplication>
 #include <QPointer>
+
 #include <gtest/gtest.h>
+
+#include "ui/presentation/Presenter.h"
 
 namespace sweepwright::ui {
 namespace {
@@ -15,7 +16,8 @@ TEST(Presenter, ShowsAnAlertUntilAnActionIsChosenAndThenRunsIt) {
     Presenter presenter;
     bool aloneThen = false;
     auto shown = alert("Confirm");
-    shown->addAction(QStringLiteral("Clean"), AlertAction::Destructive, [&] { aloneThen = !presenter.active(); });
+    shown->addAction(QStringLiteral("Clean"), AlertAction::Destructive,
+                     [&] { aloneThen = !presenter.active(); });
     AlertController* held = presenter.present(std::move(shown));
     EXPECT_TRUE(presenter.active());
     EXPECT_EQ(presenter.alert(), held);
@@ -40,7 +42,8 @@ TEST(Presenter, RunsAnActionOnce) {
 TEST(Presenter, LetsAnActionPresentTheNextAlert) {
     Presenter presenter;
     auto first = alert("First");
-    first->addAction(QStringLiteral("Next"), AlertAction::Default, [&] { presenter.present(alert("Second")); });
+    first->addAction(QStringLiteral("Next"), AlertAction::Default,
+                     [&] { presenter.present(alert("Second")); });
     AlertController* held = presenter.present(std::move(first));
     held->choose(held->actions().first());
     ASSERT_NE(presenter.alert(), nullptr);

@@ -1,10 +1,9 @@
-#include "ui/shell/SceneDelegate.h"
-
 #include <chrono>
 
 #include <gtest/gtest.h>
 
 #include "ui/presentation/ScrollReporter.h"
+#include "ui/shell/SceneDelegate.h"
 #include "ui/support/TestApp.h"
 #include "ui/welcome/WelcomeViewController.h"
 
@@ -25,8 +24,10 @@ TEST(SceneDelegate, HasThreeTabsInTheirOrder) {
     const char* const images[] = {"house.fill", "app.badge.fill", "gearshape.fill"};
     const char* const titles[] = {"Home", "Apps", "Settings"};
     for (int i = 0; i < 3; ++i) {
-        EXPECT_EQ(bar.data(bar.index(i), LiquidGlassTabBar::ImageRole).toString(), QLatin1String(images[i]));
-        EXPECT_EQ(bar.data(bar.index(i), LiquidGlassTabBar::TitleRole).toString(), QLatin1String(titles[i]));
+        EXPECT_EQ(bar.data(bar.index(i), LiquidGlassTabBar::ImageRole).toString(),
+                  QLatin1String(images[i]));
+        EXPECT_EQ(bar.data(bar.index(i), LiquidGlassTabBar::TitleRole).toString(),
+                  QLatin1String(titles[i]));
     }
     EXPECT_EQ(app.scene().tabBarController()->count(), 3);
 }
@@ -134,7 +135,8 @@ TEST(SceneDelegate, PresentsNoWelcomeOnceItWasShown) {
     app.scene().sceneWillConnect();
     // Whatever it has posted runs before this does.
     bool passed = false;
-    app.mainQueue.after(SceneDelegate::kWelcomeDelay + std::chrono::milliseconds(1), [&] { passed = true; });
+    app.mainQueue.after(SceneDelegate::kWelcomeDelay + std::chrono::milliseconds(1),
+                        [&] { passed = true; });
     app.mainQueue.runUntil([&] { return passed; });
     EXPECT_FALSE(app.presenter().active());
 }
@@ -153,9 +155,10 @@ TEST(SceneDelegate, TellsTheScreensOfTheTabsWhenTheyAppear) {
 TEST(ScrollReporter, PostsTheOffsetAndTheOneBefore) {
     platform::NotificationCenter notifications;
     std::vector<std::pair<double, double>> posted;
-    const auto subscription = notifications.observe("TabBarScrollNotification", [&](const auto& info) {
-        posted.emplace_back(info.at("contentOffsetY"), info.at("lastContentOffsetY"));
-    });
+    const auto subscription =
+        notifications.observe("TabBarScrollNotification", [&](const auto& info) {
+            posted.emplace_back(info.at("contentOffsetY"), info.at("lastContentOffsetY"));
+        });
     ScrollReporter reporter(notifications);
     reporter.didScroll(12);
     reporter.didScroll(30);

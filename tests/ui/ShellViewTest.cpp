@@ -59,7 +59,8 @@ TEST_F(ShellView, DragsTheFrostedBarsSliderToAnotherTab) {
     EXPECT_EQ(bar.highlightedIndex(), -1);
     const QQuickItem* slider = app.item("slider");
     EXPECT_TRUE(waitUntil([&] {
-        return std::abs(TestApp::middleOf(slider).x() - TestApp::middleOf(app.item("tab2")).x()) <= 1;
+        return std::abs(TestApp::middleOf(slider).x() - TestApp::middleOf(app.item("tab2")).x()) <=
+               1;
     }));
 }
 
@@ -106,7 +107,8 @@ TEST_F(ShellView, LetsAPushedScreenComeAndGoByItsBackButton) {
     TestApp app({}, gallery("Controls"));
     app.show();
     ui::NavigationController& navigation = app.scene().tabBarController()->at(0);
-    navigation.push(std::make_unique<GalleryScreen>(QStringLiteral("Symbols"), app.services().texts, "Settings", app.notifications));
+    navigation.push(std::make_unique<GalleryScreen>(QStringLiteral("Symbols"), app.services().texts,
+                                                    "Settings", app.notifications));
     ASSERT_TRUE(settled(app));
     QTest::mouseClick(&app.window(), Qt::LeftButton, {}, QPoint(26, 26));
     EXPECT_EQ(navigation.depth(), 1);
@@ -117,7 +119,8 @@ TEST_F(ShellView, GoesBackByASwipeFromTheEdge) {
     TestApp app({}, gallery("Controls"));
     app.show();
     ui::NavigationController& navigation = app.scene().tabBarController()->at(0);
-    navigation.push(std::make_unique<GalleryScreen>(QStringLiteral("Symbols"), app.services().texts, "Settings", app.notifications));
+    navigation.push(std::make_unique<GalleryScreen>(QStringLiteral("Symbols"), app.services().texts,
+                                                    "Settings", app.notifications));
     ASSERT_TRUE(settled(app));
     swipe(app, {6, 400}, {330, 400});
     EXPECT_EQ(navigation.depth(), 1);
@@ -128,7 +131,8 @@ TEST_F(ShellView, StaysWhenTheSwipeFromTheEdgeIsShort) {
     TestApp app({}, gallery("Controls"));
     app.show();
     ui::NavigationController& navigation = app.scene().tabBarController()->at(0);
-    navigation.push(std::make_unique<GalleryScreen>(QStringLiteral("Symbols"), app.services().texts, "Settings", app.notifications));
+    navigation.push(std::make_unique<GalleryScreen>(QStringLiteral("Symbols"), app.services().texts,
+                                                    "Settings", app.notifications));
     ASSERT_TRUE(settled(app));
     swipe(app, {6, 400}, {36, 400});
     EXPECT_EQ(navigation.depth(), 2);
@@ -139,7 +143,8 @@ TEST_F(ShellView, GoesBackByKeyboard) {
     TestApp app({}, gallery("Controls"));
     app.show();
     ui::NavigationController& navigation = app.scene().tabBarController()->at(0);
-    navigation.push(std::make_unique<GalleryScreen>(QStringLiteral("Symbols"), app.services().texts, "Settings", app.notifications));
+    navigation.push(std::make_unique<GalleryScreen>(QStringLiteral("Symbols"), app.services().texts,
+                                                    "Settings", app.notifications));
     key(app, Qt::Key_Left, Qt::AltModifier);
     EXPECT_EQ(navigation.depth(), 1);
 }

@@ -1,11 +1,10 @@
-#include "ui/kit/SpringMotion.h"
-
+#include <QSignalSpy>
 #include <algorithm>
 
-#include <QSignalSpy>
 #include <gtest/gtest.h>
 
 #include "ui/kit/Appearance.h"
+#include "ui/kit/SpringMotion.h"
 #include "ui/support/TestApp.h"
 
 namespace sweepwright::ui {

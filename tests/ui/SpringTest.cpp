@@ -1,9 +1,9 @@
-#include "ui/kit/Spring.h"
-
 #include <algorithm>
 #include <cmath>
 
 #include <gtest/gtest.h>
+
+#include "ui/kit/Spring.h"
 
 namespace sweepwright::ui {
 namespace {
@@ -15,9 +15,9 @@ struct Numbers {
 };
 
 // Every spring that the product's views use.
-constexpr Numbers kUsed[] = {{0.3, 0.8, 0.0}, {0.3, 0.7, 0.0}, {0.2, 0.7, 0.0}, {0.2, 0.6, 0.8},
-                             {0.25, 0.5, 1.0}, {0.2, 0.5, 0.8}, {0.5, 0.5, 0.8}, {0.3, 0.6, 0.8},
-                             {0.4, 1.0, 0.0}};
+constexpr Numbers kUsed[] = {{0.3, 0.8, 0.0}, {0.3, 0.7, 0.0},  {0.2, 0.7, 0.0},
+                             {0.2, 0.6, 0.8}, {0.25, 0.5, 1.0}, {0.2, 0.5, 0.8},
+                             {0.5, 0.5, 0.8}, {0.3, 0.6, 0.8},  {0.4, 1.0, 0.0}};
 
 TEST(Spring, StartsAtZeroAndEndsAtOneWhenItsDurationIsOver) {
     for (const Numbers& each : kUsed) {
@@ -77,13 +77,16 @@ TEST(Spring, TellsTheVelocityThatItsPositionsHave) {
         for (const double share : {0.1, 0.3, 0.6}) {
             constexpr double kStep = 1e-6;
             const double t = each.duration * share;
-            const double slope = (spring.position(t + kStep) - spring.position(t - kStep)) / (2 * kStep);
+            const double slope =
+                (spring.position(t + kStep) - spring.position(t - kStep)) / (2 * kStep);
             EXPECT_NEAR(spring.velocity(t), slope, 1e-3 * (1.0 + std::abs(slope)));
         }
     }
 }
 
-TEST(Spring, OfNoDurationIsThereAtOnce) { EXPECT_DOUBLE_EQ(Spring(0.0, 0.7).position(0.0), 1.0); }
+TEST(Spring, OfNoDurationIsThereAtOnce) {
+    EXPECT_DOUBLE_EQ(Spring(0.0, 0.7).position(0.0), 1.0);
+}
 
 }  // namespace
 }  // namespace sweepwright::ui

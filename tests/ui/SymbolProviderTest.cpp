@@ -1,22 +1,49 @@
-#include "ui/kit/SymbolProvider.h"
-
 #include <QDir>
 #include <QImage>
+
 #include <gtest/gtest.h>
+
+#include "ui/kit/SymbolProvider.h"
 
 namespace sweepwright::ui {
 namespace {
 
 // Every name that a screen or the kit asks for.
-const char* const kNames[] = {
-    "house.fill", "app.badge.fill", "gearshape.fill", "tray.full.fill", "clock.arrow.circlepath",
-    "globe.badge.chevron.backward", "list.bullet.rectangle.portrait.fill", "chevron.down",
-    "chevron.up", "chevron.left", "chevron.right", "checkmark", "trash.fill",
-    "checkmark.shield.fill", "minus.circle.fill", "globe", "eye.slash.fill", "doc.text.fill",
-    "folder.badge.plus", "chart.bar.fill", "lock.shield.fill", "info.circle.fill",
-    "questionmark.circle.fill", "hand.raised.fill", "person.circle.fill", "safari.fill",
-    "message.fill", "paperplane.fill", "star.fill", "checkmark.circle.fill", "plus", "circle",
-    "magnifyingglass", "xmark.circle.fill", "sparkles"};
+const char* const kNames[] = {"house.fill",
+                              "app.badge.fill",
+                              "gearshape.fill",
+                              "tray.full.fill",
+                              "clock.arrow.circlepath",
+                              "globe.badge.chevron.backward",
+                              "list.bullet.rectangle.portrait.fill",
+                              "chevron.down",
+                              "chevron.up",
+                              "chevron.left",
+                              "chevron.right",
+                              "checkmark",
+                              "trash.fill",
+                              "checkmark.shield.fill",
+                              "minus.circle.fill",
+                              "globe",
+                              "eye.slash.fill",
+                              "doc.text.fill",
+                              "folder.badge.plus",
+                              "chart.bar.fill",
+                              "lock.shield.fill",
+                              "info.circle.fill",
+                              "questionmark.circle.fill",
+                              "hand.raised.fill",
+                              "person.circle.fill",
+                              "safari.fill",
+                              "message.fill",
+                              "paperplane.fill",
+                              "star.fill",
+                              "checkmark.circle.fill",
+                              "plus",
+                              "circle",
+                              "magnifyingglass",
+                              "xmark.circle.fill",
+                              "sparkles"};
 
 TEST(SymbolProvider, HasEverySymbolInBothSizesWithInkInsideItsEdges) {
     for (const char* name : kNames) {
@@ -39,7 +66,8 @@ TEST(SymbolProvider, HasEverySymbolInBothSizesWithInkInsideItsEdges) {
 }
 
 TEST(SymbolProvider, GivesInkItsColourAndLetsWhiteThrough) {
-    const QImage image = SymbolProvider::symbol(QStringLiteral("checkmark.circle.fill"), 280, QColor(255, 0, 0));
+    const QImage image =
+        SymbolProvider::symbol(QStringLiteral("checkmark.circle.fill"), 280, QColor(255, 0, 0));
     EXPECT_EQ(image.pixelColor(140, 40), QColor(255, 0, 0));
     // On the check mark.
     EXPECT_EQ(image.pixelColor(127, 181).alpha(), 0);

@@ -2,6 +2,7 @@
 
 #include <QPointingDevice>
 #include <QTest>
+
 #include <gtest/gtest.h>
 
 #include "ui/gallery/GalleryScreen.h"
@@ -24,7 +25,8 @@ class ViewTest : public testing::Test {
     /// The finger moves from one point to another in twelve steps and lets go.
     void swipe(TestApp& app, QPoint from, QPoint to);
     void click(TestApp& app, const char* objectName) {
-        QTest::mouseClick(&app.window(), Qt::LeftButton, {}, TestApp::middleOf(app.item(objectName)));
+        QTest::mouseClick(&app.window(), Qt::LeftButton, {},
+                          TestApp::middleOf(app.item(objectName)));
     }
     void key(TestApp& app, Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
         QTest::keyClick(&app.window(), key, modifiers);

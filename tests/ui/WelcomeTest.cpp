@@ -1,10 +1,9 @@
-#include "ui/welcome/WelcomeViewController.h"
-
 #include <gtest/gtest.h>
 
 #include "platform/PropertyList.h"
 #include "ui/presentation/Addresses.h"
 #include "ui/support/TestApp.h"
+#include "ui/welcome/WelcomeViewController.h"
 
 namespace sweepwright::ui {
 namespace {
@@ -13,8 +12,9 @@ class WelcomeTest : public testing::Test {
   protected:
     WelcomeViewController& present() {
         const AppServices& services = app_.services();
-        return *qobject_cast<WelcomeViewController*>(app_.presenter().present(
-            std::make_unique<WelcomeViewController>(services.texts, services.defaults, services.opener)));
+        return *qobject_cast<WelcomeViewController*>(
+            app_.presenter().present(std::make_unique<WelcomeViewController>(
+                services.texts, services.defaults, services.opener)));
     }
     bool remembered() { return app_.services().defaults.boolean("hasShownWelcome"); }
 

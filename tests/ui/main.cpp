@@ -1,4 +1,5 @@
 #include <QGuiApplication>
+
 #include <gtest/gtest.h>
 
 // Views are tested with real events on a platform that needs no display; it draws in software.

@@ -18,7 +18,9 @@ LiquidGlassTabBar::LiquidGlassTabBar(std::vector<Item> items,
     }
 }
 
-QColor LiquidGlassTabBar::colorFromARGB(quint32 argb) { return QColor::fromRgba(argb); }
+QColor LiquidGlassTabBar::colorFromARGB(quint32 argb) {
+    return QColor::fromRgba(argb);
+}
 
 void LiquidGlassTabBar::setSelectedIndex(int index, bool animated) {
     if (index == selectedIndex_ || index < 0 || index >= count()) return;

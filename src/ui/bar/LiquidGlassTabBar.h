@@ -1,10 +1,10 @@
 #pragma once
 
-#include <vector>
-
 #include <QAbstractListModel>
 #include <QColor>
 #include <QString>
+#include <vector>
+
 #include <QtQml/qqmlregistration.h>
 
 #include "platform/Device.h"

@@ -1,7 +1,5 @@
 #include "ui/kit/Appearance.h"
 
-#include <algorithm>
-
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
@@ -13,6 +11,7 @@
 #include <QGuiApplication>
 #include <QJSEngine>
 #include <QPalette>
+#include <algorithm>
 
 namespace sweepwright::ui {
 
@@ -48,7 +47,8 @@ double scaleOfFont() {
 
 // A portal wraps a value in one variant or, in its older form, in two.
 QVariant unwrapped(QVariant value) {
-    while (value.canConvert<QDBusVariant>()) value = value.value<QDBusVariant>().variant();
+    while (value.canConvert<QDBusVariant>())
+        value = value.value<QDBusVariant>().variant();
     return value;
 }
 
@@ -76,11 +76,11 @@ class Appearance::Portal : public QObject {
 
   private:
     void ask(const QString& group, const QString& key) {
-        QDBusMessage call = QDBusMessage::createMethodCall(kService, kPath, kInterface,
-                                                           QStringLiteral("Read"));
+        QDBusMessage call =
+            QDBusMessage::createMethodCall(kService, kPath, kInterface, QStringLiteral("Read"));
         call << group << key;
-        auto* watcher = new QDBusPendingCallWatcher(
-            QDBusConnection::sessionBus().asyncCall(call), this);
+        auto* watcher =
+            new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call), this);
         connect(watcher, &QDBusPendingCallWatcher::finished, this, [=, this] {
             const QDBusPendingReply<QDBusVariant> reply = *watcher;
             if (reply.isValid()) owner_.takeSetting(group, key, unwrapped(reply.value().variant()));
@@ -170,7 +170,8 @@ void Appearance::takeSetting(const QString& group, const QString& key, const QVa
 bool Appearance::eventFilter(QObject* watched, QEvent* event) {
     // The palette or the font has changed already, so there is no "before" to compare with.
     if (watched == qApp && event->type() == QEvent::ApplicationPaletteChange) Q_EMIT darkChanged();
-    if (watched == qApp && event->type() == QEvent::ApplicationFontChange) Q_EMIT textScaleChanged();
+    if (watched == qApp && event->type() == QEvent::ApplicationFontChange)
+        Q_EMIT textScaleChanged();
     return QObject::eventFilter(watched, event);
 }
 

@@ -1,8 +1,8 @@
 #pragma once
 
+#include <QObject>
 #include <optional>
 
-#include <QObject>
 #include <QtQml/qqmlregistration.h>
 
 class QJSEngine;

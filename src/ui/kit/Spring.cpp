@@ -50,14 +50,14 @@ double Spring::position(double seconds) const {
     if (seconds >= duration_) return 1.0;
     if (seconds <= 0.0) return 0.0;
     if (damping_ >= kCritical) {
-        return 1.0 - (1.0 + (frequency_ - initialVelocity_) * seconds) *
-                         std::exp(-frequency_ * seconds);
+        return 1.0 -
+               (1.0 + (frequency_ - initialVelocity_) * seconds) * std::exp(-frequency_ * seconds);
     }
     const double damped = frequency_ * std::sqrt(1.0 - damping_ * damping_);
     const double sine = (damping_ * frequency_ - initialVelocity_) / damped;
     const double angle = damped * seconds;
-    return 1.0 - std::exp(-damping_ * frequency_ * seconds) *
-                     (std::cos(angle) + sine * std::sin(angle));
+    return 1.0 -
+           std::exp(-damping_ * frequency_ * seconds) * (std::cos(angle) + sine * std::sin(angle));
 }
 
 double Spring::velocity(double seconds) const {
@@ -71,8 +71,8 @@ double Spring::velocity(double seconds) const {
     const double decay = damping_ * frequency_;
     const double sine = (decay - initialVelocity_) / damped;
     const double angle = damped * seconds;
-    return std::exp(-decay * seconds) * ((decay - sine * damped) * std::cos(angle) +
-                                         (decay * sine + damped) * std::sin(angle));
+    return std::exp(-decay * seconds) *
+           ((decay - sine * damped) * std::cos(angle) + (decay * sine + damped) * std::sin(angle));
 }
 
 }  // namespace sweepwright::ui

@@ -29,14 +29,18 @@ SpringMotion::SpringMotion(QObject* parent)
     connect(clock_.get(), &QAbstractAnimation::finished, this, &SpringMotion::settled);
 }
 
-SpringMotion::~SpringMotion() { clock_->disconnect(this); }
+SpringMotion::~SpringMotion() {
+    clock_->disconnect(this);
+}
 
 void SpringMotion::componentComplete() {
     complete_ = true;
     jump(to_);
 }
 
-bool SpringMotion::running() const { return clock_->state() == QAbstractAnimation::Running; }
+bool SpringMotion::running() const {
+    return clock_->state() == QAbstractAnimation::Running;
+}
 
 void SpringMotion::setTo(double to) {
     if (to == to_) return;
@@ -72,7 +76,8 @@ void SpringMotion::start() {
 
 void SpringMotion::advance(int milliseconds) {
     // Adding the way to the start need not give the target to the last bit.
-    place(milliseconds >= duration_ ? to_ : from_ + way_ * spring_.position(milliseconds * kMillisecond));
+    place(milliseconds >= duration_ ? to_
+                                    : from_ + way_ * spring_.position(milliseconds * kMillisecond));
 }
 
 void SpringMotion::place(double value) {

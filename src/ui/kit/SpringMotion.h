@@ -1,10 +1,10 @@
 #pragma once
 
-#include <memory>
-
 #include <QAbstractAnimation>
 #include <QObject>
 #include <QQmlParserStatus>
+#include <memory>
+
 #include <QtQml/qqmlregistration.h>
 
 #include "ui/kit/Spring.h"

@@ -305,7 +305,7 @@ T.AbstractButton {
         width: row.width - 2 * row.inset
         height: row.height
         clip: true
-        visible: row.open || swipe.running || drag.active
+        visible: row.open || swipe.value < 0 || drag.active
 
         Row {
             id: tray
@@ -323,8 +323,8 @@ T.AbstractButton {
                     text: modelData.title
                     ringRadius: 4
                     onClicked: {
-                        row.close();
                         row.actionTriggered(index);
+                        row.close();
                     }
                     background: Rectangle {
                         color: action.down ? Qt.darker(action.modelData.color, 1.15) : action.modelData.color

@@ -66,8 +66,9 @@ void AlertController::setAnchor(const QRectF& anchor) {
 }
 
 AlertAction* AlertController::action(const QString& title) const {
-    const auto found = std::find_if(actions_.begin(), actions_.end(),
-                                    [&](const AlertAction* each) { return each->title() == title; });
+    const auto found = std::find_if(actions_.begin(), actions_.end(), [&](const AlertAction* each) {
+        return each->title() == title;
+    });
     return found == actions_.end() ? nullptr : *found;
 }
 

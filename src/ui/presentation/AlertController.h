@@ -4,6 +4,7 @@
 #include <QObject>
 #include <QRectF>
 #include <QString>
+
 #include <QtQml/qqmlregistration.h>
 
 #include "ui/presentation/AlertAction.h"
@@ -40,7 +41,8 @@ class AlertController : public QObject {
     AlertController(Style style, QString title, QString message = {});
 
     /// The buttons, in the order they are added.
-    AlertController& addAction(const QString& title, AlertAction::Style style = AlertAction::Default,
+    AlertController& addAction(const QString& title,
+                               AlertAction::Style style = AlertAction::Default,
                                AlertAction::Handler handler = {});
     /// As addAction(), set apart from its neighbours as what holds now.
     AlertController& addCurrentAction(const QString& title, AlertAction::Handler handler);

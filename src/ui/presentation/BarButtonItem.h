@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QString>
+
 #include <QtQml/qqmlregistration.h>
 
 namespace sweepwright::ui {

@@ -13,6 +13,8 @@ MainQueueHook::MainQueueHook(platform::MainQueue& queue) : queue_(queue) {
     wake();
 }
 
-MainQueueHook::~MainQueueHook() { queue_.setHook({}); }
+MainQueueHook::~MainQueueHook() {
+    queue_.setHook({});
+}
 
 }  // namespace sweepwright::ui

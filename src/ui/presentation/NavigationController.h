@@ -1,9 +1,9 @@
 #pragma once
 
+#include <QAbstractListModel>
 #include <memory>
 #include <vector>
 
-#include <QAbstractListModel>
 #include <QtQml/qqmlregistration.h>
 
 #include "ui/presentation/ScreenController.h"

@@ -1,10 +1,10 @@
 #pragma once
 
+#include <QAbstractListModel>
 #include <functional>
 #include <memory>
 #include <vector>
 
-#include <QAbstractListModel>
 #include <QtQml/qqmlregistration.h>
 
 #include "ui/presentation/AlertController.h"

@@ -16,15 +16,21 @@ void ScreenController::setTitle(const QString& title) {
     Q_EMIT titleChanged();
 }
 
-NavigationController* ScreenController::navigationController() const { return navigation_; }
+NavigationController* ScreenController::navigationController() const {
+    return navigation_;
+}
 
-Presenter* ScreenController::presenter() const { return presenter_; }
+Presenter* ScreenController::presenter() const {
+    return presenter_;
+}
 
 void ScreenController::setNavigationController(NavigationController* navigation) {
     navigation_ = navigation;
 }
 
-void ScreenController::setPresenter(Presenter* presenter) { presenter_ = presenter; }
+void ScreenController::setPresenter(Presenter* presenter) {
+    presenter_ = presenter;
+}
 
 void ScreenController::load() {
     if (loaded_) return;

@@ -4,6 +4,7 @@
 #include <QPointer>
 #include <QString>
 #include <QUrl>
+
 #include <QtQml/qqmlregistration.h>
 
 #include "ui/presentation/BarButtonItem.h"

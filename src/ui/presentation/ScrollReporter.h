@@ -1,8 +1,8 @@
 #pragma once
 
+#include <QObject>
 #include <string_view>
 
-#include <QObject>
 #include <QtQml/qqmlregistration.h>
 
 #include "platform/NotificationCenter.h"

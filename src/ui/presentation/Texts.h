@@ -1,11 +1,10 @@
 #pragma once
 
+#include <QObject>
+#include <QString>
 #include <functional>
 #include <string>
 #include <string_view>
-
-#include <QObject>
-#include <QString>
 
 #include "platform/NotificationCenter.h"
 

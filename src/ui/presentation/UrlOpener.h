@@ -1,8 +1,7 @@
 #pragma once
 
-#include <functional>
-
 #include <QUrl>
+#include <functional>
 
 namespace sweepwright::ui {
 

@@ -1,10 +1,9 @@
 #include "ui/shell/App.h"
 
-#include <cstdio>
-#include <memory>
-
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
+#include <cstdio>
+#include <memory>
 
 #include "launch/GlobalOptions.h"
 #include "localization/LanguageManager.h"
@@ -56,8 +55,13 @@ int runScene(QGuiApplication& application) {
     auto& notifications = platform::NotificationCenter::defaultCenter();
     Texts texts([&language](std::string_view key) { return language.localizedStringForKey(key); },
                 notifications);
-    const AppServices services{device,        files, platform::UserDefaults::standard(),
-                               notifications, platform::MainQueue::shared(), texts, opener};
+    const AppServices services{device,
+                               files,
+                               platform::UserDefaults::standard(),
+                               notifications,
+                               platform::MainQueue::shared(),
+                               texts,
+                               opener};
     SceneDelegate scene(services, makeScreens(services));
 
     QQmlApplicationEngine engine;

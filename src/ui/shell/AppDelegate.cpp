@@ -1,6 +1,7 @@
 #include "ui/shell/AppDelegate.h"
 
 #include <QString>
+
 #include <fmt/format.h>
 
 #include "platform/Log.h"
@@ -19,7 +20,8 @@ constexpr int kLogLength = 5120;
 // `text` made `length` UTF-16 characters long by repeating `pad`, as UTF-8.
 std::string padded(const QString& text, int length, const QString& pad) {
     QString result = text;
-    while (result.size() < length) result += pad;
+    while (result.size() < length)
+        result += pad;
     result.truncate(length);
     return result.toStdString();
 }

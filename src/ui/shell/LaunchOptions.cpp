@@ -24,7 +24,8 @@ void addOptions(QCommandLineParser& parser) {
     add({kHome}, "Device path of the app's home directory.", "path");
     add({kTmp}, "Device path of the temporary directory.", "path");
     add({kIdiom}, "The device idiom.", "iphone|ipad");
-    add({kOsVersion}, "The device's system version, which decides on the tab bar's form.", "version");
+    add({kOsVersion}, "The device's system version, which decides on the tab bar's form.",
+        "version");
     add({kAppearance}, "Light or dark, whatever the desktop says.", "light|dark");
     add({QStringLiteral("v"), kVerbose}, "The diagnostic log lines on standard error, too.");
     add({QStringLiteral("h"), kHelp}, "This text.");
@@ -74,7 +75,8 @@ std::optional<QString> takeChoices(const QCommandLineParser& parser, LaunchOptio
 
 std::expected<LaunchOptions, QString> parseLaunchOptions(const QStringList& words) {
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("A storage cleaner for iPhone and iPad devices."));
+    parser.setApplicationDescription(
+        QStringLiteral("A storage cleaner for iPhone and iPad devices."));
     addOptions(parser);
     if (!parser.parse(QStringList{QStringLiteral("sweepwright")} + words)) {
         return std::unexpected(parser.errorText());

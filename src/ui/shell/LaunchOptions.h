@@ -1,10 +1,9 @@
 #pragma once
 
-#include <expected>
-#include <optional>
-
 #include <QString>
 #include <QStringList>
+#include <expected>
+#include <optional>
 
 #include "launch/GlobalOptions.h"
 #include "platform/Device.h"

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QAbstractListModel>
+
 #include <QtQml/qqmlregistration.h>
 
 #include "ui/presentation/ScreenController.h"

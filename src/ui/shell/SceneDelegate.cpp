@@ -1,11 +1,10 @@
 #include "ui/shell/SceneDelegate.h"
 
+#include <QPointer>
 #include <array>
 #include <cmath>
 #include <string_view>
 #include <utility>
-
-#include <QPointer>
 
 #include "ui/presentation/ScrollReporter.h"
 #include "ui/welcome/WelcomeViewController.h"
@@ -48,7 +47,8 @@ SceneDelegate::SceneDelegate(const AppServices& services, Screens screens)
                                                services.device.osVersion())) {
     std::vector<std::unique_ptr<NavigationController>> controllers;
     for (auto& screen : screens) {
-        controllers.push_back(std::make_unique<NavigationController>(std::move(screen), *presenter_));
+        controllers.push_back(
+            std::make_unique<NavigationController>(std::move(screen), *presenter_));
     }
     tabs_ = std::make_unique<TabBarController>(std::move(controllers));
     connect(tabs_.get(), &TabBarController::didSelectViewController, this,
@@ -68,9 +68,13 @@ void SceneDelegate::sceneWillConnect() {
     checkAndShowWelcomePage();
 }
 
-void SceneDelegate::sceneDidDisconnect() { scrolling_.reset(); }
+void SceneDelegate::sceneDidDisconnect() {
+    scrolling_.reset();
+}
 
-bool SceneDelegate::pad() const { return services_.device.idiom() == platform::Idiom::Pad; }
+bool SceneDelegate::pad() const {
+    return services_.device.idiom() == platform::Idiom::Pad;
+}
 
 double SceneDelegate::tabBarHeight() const {
     return bar_->glass() ? kGlassHeight : kFrostedHeight;
@@ -96,9 +100,13 @@ void SceneDelegate::handleScrollViewDidScroll(double y, double last) {
     }
 }
 
-void SceneDelegate::hideTabBar() { setTabBarHidden(true); }
+void SceneDelegate::hideTabBar() {
+    setTabBarHidden(true);
+}
 
-void SceneDelegate::showTabBar() { setTabBarHidden(false); }
+void SceneDelegate::showTabBar() {
+    setTabBarHidden(false);
+}
 
 void SceneDelegate::setTabBarHidden(bool hidden) {
     if (hidden == tabBarIsHidden_) return;

@@ -1,10 +1,10 @@
 #pragma once
 
+#include <QObject>
 #include <functional>
 #include <memory>
 #include <vector>
 
-#include <QObject>
 #include <QtQml/qqmlregistration.h>
 
 #include "ui/bar/LiquidGlassTabBar.h"
@@ -20,7 +20,8 @@ class SceneDelegate : public QObject, public LiquidGlassTabBarDelegate {
     QML_ELEMENT
     QML_UNCREATABLE("made by main")
     Q_PROPERTY(sweepwright::ui::TabBarController* tabBarController READ tabBarController CONSTANT)
-    Q_PROPERTY(sweepwright::ui::LiquidGlassTabBar* liquidGlassTabBar READ liquidGlassTabBar CONSTANT)
+    Q_PROPERTY(
+        sweepwright::ui::LiquidGlassTabBar* liquidGlassTabBar READ liquidGlassTabBar CONSTANT)
     Q_PROPERTY(sweepwright::ui::Presenter* presenter READ presenter CONSTANT)
     Q_PROPERTY(bool pad READ pad CONSTANT)
     Q_PROPERTY(bool tabBarIsHidden READ tabBarIsHidden NOTIFY tabBarIsHiddenChanged)

@@ -11,7 +11,8 @@ TabBarController::~TabBarController() = default;
 
 QList<NavigationController*> TabBarController::viewControllers() const {
     QList<NavigationController*> list;
-    for (const auto& controller : controllers_) list.append(controller.get());
+    for (const auto& controller : controllers_)
+        list.append(controller.get());
     return list;
 }
 

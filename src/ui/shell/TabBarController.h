@@ -1,10 +1,10 @@
 #pragma once
 
+#include <QList>
+#include <QObject>
 #include <memory>
 #include <vector>
 
-#include <QList>
-#include <QObject>
 #include <QtQml/qqmlregistration.h>
 
 #include "ui/presentation/NavigationController.h"
@@ -16,10 +16,10 @@ class TabBarController : public QObject {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("made by the shell")
-    Q_PROPERTY(QList<sweepwright::ui::NavigationController*> viewControllers READ viewControllers
-                   CONSTANT)
-    Q_PROPERTY(int selectedIndex READ selectedIndex WRITE setSelectedIndex NOTIFY
-                   selectedIndexChanged)
+    Q_PROPERTY(
+        QList<sweepwright::ui::NavigationController*> viewControllers READ viewControllers CONSTANT)
+    Q_PROPERTY(
+        int selectedIndex READ selectedIndex WRITE setSelectedIndex NOTIFY selectedIndexChanged)
 
   public:
     explicit TabBarController(std::vector<std::unique_ptr<NavigationController>> controllers);

@@ -20,15 +20,20 @@ void WelcomeViewController::open(std::string_view address) {
     opener_.open(url, [](bool) {});
 }
 
-void WelcomeViewController::websiteButtonTapped() { open(addresses::kWebsite); }
+void WelcomeViewController::websiteButtonTapped() {
+    open(addresses::kWebsite);
+}
 
-void WelcomeViewController::wechatButtonTapped() { open(addresses::kWeChat); }
+void WelcomeViewController::wechatButtonTapped() {
+    open(addresses::kWeChat);
+}
 
-void WelcomeViewController::githubButtonTapped() { open(addresses::kRepository); }
+void WelcomeViewController::githubButtonTapped() {
+    open(addresses::kRepository);
+}
 
 void WelcomeViewController::closeButtonTapped() {
-    const platform::Result<> stored =
-        defaults_.set(kShownKey, platform::PropertyList(true));
+    const platform::Result<> stored = defaults_.set(kShownKey, platform::PropertyList(true));
     if (!stored) platform::log("❌ {}", stored.error().description);
     if (presenter() != nullptr) presenter()->dismiss(this);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+
 #include <QtQml/qqmlregistration.h>
 
 #include "platform/UserDefaults.h"

@@ -19,7 +19,8 @@ class GalleryScreen : public ui::ScreenController {
     /// Drawn by <name>.qml of the gallery. `key` is the title's.
     GalleryScreen(const QString& name, const ui::Texts& texts, std::string_view key,
                   platform::NotificationCenter& notifications, bool largeTitle = false)
-        : ScreenController(QUrl(QStringLiteral("qrc:/qt/qml/Sweepwright/Gallery/%1.qml").arg(name))),
+        : ScreenController(
+              QUrl(QStringLiteral("qrc:/qt/qml/Sweepwright/Gallery/%1.qml").arg(name))),
           texts_(texts),
           scrolling_(notifications),
           largeTitle_(largeTitle) {

@@ -1,10 +1,9 @@
-#include <cstdio>
-
 #include <QDir>
 #include <QGuiApplication>
 #include <QImage>
 #include <QPainter>
 #include <QTest>
+#include <cstdio>
 
 #include "ui/gallery/GalleryScreen.h"
 #include "ui/kit/Appearance.h"
@@ -70,7 +69,8 @@ std::unique_ptr<AlertController> alert(const test::TestApp& app, AlertController
 void confirm(test::TestApp& app) {
     const ui::Texts& texts = app.services().texts;
     auto shown = alert(app, AlertController::Alert, "Confirm Clean", "Confirm Clean Message");
-    shown->addAction(texts("Clean"), AlertAction::Destructive).addAction(texts("Cancel"), AlertAction::Cancel);
+    shown->addAction(texts("Clean"), AlertAction::Destructive)
+        .addAction(texts("Cancel"), AlertAction::Cancel);
     app.presenter().present(std::move(shown));
 }
 
@@ -83,7 +83,8 @@ void help(test::TestApp& app) {
 void busy(test::TestApp& app) {
     auto shown = alert(app, AlertController::Alert, "Cleaning", "");
     shown->addSpinner();
-    shown->setMessage(app.services().texts("Cleaning Message") + QStringLiteral(" 42%\ncache_file_3.tmp"));
+    shown->setMessage(app.services().texts("Cleaning Message") +
+                      QStringLiteral(" 42%\ncache_file_3.tmp"));
     app.presenter().present(std::move(shown))->setProgress(0.42);
 }
 
@@ -100,7 +101,9 @@ void tip(test::TestApp& app) {
     const ui::Texts& texts = app.services().texts;
     auto shown = alert(app, AlertController::Alert, "Open File", "");
     shown->setMessage(QStringLiteral("/var/mobile/Library/Caches/com.example.app/fsCachedData"));
-    shown->addTip(texts("Filza Trash Tip")).addAction(texts("Open Filza")).addAction(texts("Cancel"), AlertAction::Cancel);
+    shown->addTip(texts("Filza Trash Tip"))
+        .addAction(texts("Open Filza"))
+        .addAction(texts("Cancel"), AlertAction::Cancel);
     app.presenter().present(std::move(shown));
 }
 
@@ -116,10 +119,12 @@ void sheet(test::TestApp& app) {
 
 void longSheet(test::TestApp& app) {
     const ui::Texts& texts = app.services().texts;
-    auto shown = alert(app, AlertController::ActionSheet, "Path Whitelist", "Path Whitelist Description");
+    auto shown =
+        alert(app, AlertController::ActionSheet, "Path Whitelist", "Path Whitelist Description");
     shown->setAnchor(QRectF(20, 420, app.window().width() - 40, 56));
     for (int i = 0; i < 20; ++i) {
-        shown->addAction(QStringLiteral("🔒 /var/mobile/Library/Caches/com.apple.Maps/Tile%1").arg(i));
+        shown->addAction(
+            QStringLiteral("🔒 /var/mobile/Library/Caches/com.apple.Maps/Tile%1").arg(i));
     }
     shown->addAction(texts("Remove"), AlertAction::Destructive)
         .addAction(texts("Cancel"), AlertAction::Cancel);
@@ -136,7 +141,16 @@ std::vector<Scene> allScenes() {
     const auto controls = gallery("Controls", "App List");
     return {
         {QStringLiteral("tabs"), {}, nothing},
-        {QStringLiteral("welcome"), {}, [](test::TestApp& app) { test::waitUntil([&] { app.mainQueue.drain(); return app.presenter().active(); }); }, 26, true},
+        {QStringLiteral("welcome"),
+         {},
+         [](test::TestApp& app) {
+             test::waitUntil([&] {
+                 app.mainQueue.drain();
+                 return app.presenter().active();
+             });
+         },
+         26,
+         true},
         {QStringLiteral("glass-bar"), gallery("Colors", "Tab Home"), scrolled},
         {QStringLiteral("glass-bar-second"), gallery("Colors", "Tab Home"), second},
         {QStringLiteral("frosted-bar"), gallery("Colors", "Tab Home"), scrolled, 18},
@@ -145,8 +159,10 @@ std::vector<Scene> allScenes() {
          [](test::TestApp& app) {
              scroll(app, 331);
              app.scene().liquidGlassTabBar()->panBegan(60);
-             app.scene().liquidGlassTabBar()->panChanged(app.scene().liquidGlassTabBar()->width() * 0.6);
-         }, 18},
+             app.scene().liquidGlassTabBar()->panChanged(app.scene().liquidGlassTabBar()->width() *
+                                                         0.6);
+         },
+         18},
         {QStringLiteral("kit-controls"), controls, nothing},
         {QStringLiteral("kit-symbols"), gallery("Symbols", "App List"), nothing},
         {QStringLiteral("kit-grouped"), gallery("Grouped", "Settings", true), nothing},
@@ -171,7 +187,8 @@ QImage picture(const Scene& scene, const Look& look) {
     QQuickView& view = app.show(look.size());
     scene.prepare(app);
     // Textures of textures need a frame each to reach the last.
-    for (int frame = 0; frame < 3; ++frame) (void)view.grabWindow();
+    for (int frame = 0; frame < 3; ++frame)
+        (void)view.grabWindow();
     return view.grabWindow();
 }
 
@@ -193,9 +210,11 @@ class ContactSheet {
         painter.setPen(Qt::white);
         painter.setRenderHint(QPainter::SmoothPixmapTransform);
         for (int i = 0; i < cells_.size(); ++i) {
-            const QPoint at(kGap + i % kColumns * (kWidth + kGap), kGap + i / kColumns * (height + 2 * kGap));
+            const QPoint at(kGap + i % kColumns * (kWidth + kGap),
+                            kGap + i / kColumns * (height + 2 * kGap));
             painter.drawText(QRect(at, QSize(kWidth, kGap)), Qt::AlignVCenter, cells_[i].first);
-            QImage small = cells_[i].second.scaled(kWidth, height, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+            QImage small = cells_[i].second.scaled(kWidth, height, Qt::IgnoreAspectRatio,
+                                                   Qt::SmoothTransformation);
             small.setDevicePixelRatio(1.0);
             painter.drawImage(at + QPoint(0, kGap), small);
         }
@@ -213,7 +232,8 @@ int main(int argc, char** argv) {
     QGuiApplication application(argc, argv);
     const QStringList words = QGuiApplication::arguments();
     if (words.size() < 2) {
-        std::fputs("usage: sweepwright_screenshots FOLDER [part of a scene's name [look]]\n", stderr);
+        std::fputs("usage: sweepwright_screenshots FOLDER [part of a scene's name [look]]\n",
+                   stderr);
         return 2;
     }
     const QDir folder(words[1]);
@@ -235,7 +255,8 @@ int main(int argc, char** argv) {
                     sheet.add(scene.name, image);
                     ++drawn;
                 }
-                sheet.save(folder.filePath(QStringLiteral("contact-sheet-%1.png").arg(look.name())));
+                sheet.save(
+                    folder.filePath(QStringLiteral("contact-sheet-%1.png").arg(look.name())));
             }
         }
     }

@@ -1,6 +1,7 @@
 #include "ui/support/TestApp.h"
 
 #include <QTest>
+
 #include <gtest/gtest.h>
 
 #include "ui/kit/Appearance.h"
@@ -18,7 +19,8 @@ void makeHome(TemporaryDevice& device) {
     }
 }
 
-std::unique_ptr<platform::Device> openDevice(const std::string& root, const TestAppOptions& options) {
+std::unique_ptr<platform::Device> openDevice(const std::string& root,
+                                             const TestAppOptions& options) {
     platform::DeviceOptions wanted;
     wanted.rootFolder = root;
     wanted.idiom = options.idiom;
@@ -36,7 +38,8 @@ TestApp::TestApp(const Options& options, const MakeScreens& makeScreens) {
     ui::Appearance::shared().setReducedMotion(false);
     makeHome(device);
     where_ = openDevice(device.root(), options);
-    defaults_ = std::make_unique<platform::UserDefaults>(device.files(), where_->userDefaultsFile());
+    defaults_ =
+        std::make_unique<platform::UserDefaults>(device.files(), where_->userDefaultsFile());
     (void)defaults_->set("AppLanguage", platform::PropertyList(options.language));
     if (options.welcomeShown) {
         (void)defaults_->set("hasShownWelcome", platform::PropertyList(true));
@@ -47,8 +50,8 @@ TestApp::TestApp(const Options& options, const MakeScreens& makeScreens) {
     texts_ = std::make_unique<ui::Texts>(
         [this](std::string_view key) { return language_->localizedStringForKey(key); },
         notifications);
-    services_ = std::make_unique<ui::AppServices>(
-        ui::AppServices{*where_, device.files(), *defaults_, notifications, mainQueue, *texts_, opener});
+    services_ = std::make_unique<ui::AppServices>(ui::AppServices{
+        *where_, device.files(), *defaults_, notifications, mainQueue, *texts_, opener});
     scene_ = std::make_unique<ui::SceneDelegate>(
         *services_, makeScreens ? makeScreens(*services_) : ui::makeScreens(*services_));
 }
@@ -68,7 +71,8 @@ QQuickView& TestApp::show(QSize size) {
     view_->setResizeMode(QQuickView::SizeRootObjectToView);
     view_->setInitialProperties({{QStringLiteral("scene"), QVariant::fromValue(scene_.get())}});
     view_->setSource(QUrl(QStringLiteral("qrc:/qt/qml/Sweepwright/Shell/ShellView.qml")));
-    for (const QQmlError& error : view_->errors()) ADD_FAILURE() << qPrintable(error.toString());
+    for (const QQmlError& error : view_->errors())
+        ADD_FAILURE() << qPrintable(error.toString());
     view_->resize(size);
     view_->show();
     EXPECT_TRUE(QTest::qWaitForWindowExposed(view_.get()));
@@ -95,6 +99,8 @@ QPoint TestApp::middleOf(const QQuickItem* item) {
     return item->mapToScene(QPointF(item->width() / 2.0, item->height() / 2.0)).toPoint();
 }
 
-bool waitUntil(const std::function<bool()>& done) { return QTest::qWaitFor(done, 5000); }
+bool waitUntil(const std::function<bool()>& done) {
+    return QTest::qWaitFor(done, 5000);
+}
 
 }  // namespace sweepwright::test

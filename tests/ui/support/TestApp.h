@@ -1,13 +1,12 @@
 #pragma once
 
+#include <QQmlEngine>
+#include <QQuickItem>
+#include <QQuickView>
 #include <functional>
 #include <memory>
 #include <string>
 #include <vector>
-
-#include <QQmlEngine>
-#include <QQuickItem>
-#include <QQuickView>
 
 #include "localization/LanguageManager.h"
 #include "support/TemporaryDevice.h"
