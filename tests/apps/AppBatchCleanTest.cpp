@@ -6,13 +6,16 @@
 
 #include "apps/AppsDevice.h"
 #include "platform/Log.h"
+#include "support/FaultyFileManager.h"
 
 namespace sweepwright {
 namespace {
 
 using platform::LogCapture;
 using test::AppsDevice;
+using test::FaultyFileManager;
 using test::linesWith;
+using test::Operation;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::Pair;
@@ -133,25 +136,13 @@ TEST(AppBatchClean, AnAppThatFailsDoesNotEndTheBatch) {
     EXPECT_EQ(historyOf(device).size(), 3U);
 }
 
-/// Throws, as nothing should, where a path is asked about.
-class ThrowingFileManager final : public platform::ForwardingFileManager {
-  public:
-    ThrowingFileManager(platform::FileManager& target, std::string path)
-        : ForwardingFileManager(target), path_(std::move(path)) {}
-    platform::Result<platform::FileAttributes> attributes(const std::string& path,
-                                                          platform::LastLink lastLink) override {
-        if (path == path_) throw std::runtime_error("boom");
-        return ForwardingFileManager::attributes(path, lastLink);
-    }
-
-  private:
-    std::string path_;
-};
-
 TEST(AppBatchClean, WhatAnInterruptedAppFreedCountsInTheSumAlone) {
     AppsDevice device;
     installTwo(device);
-    ThrowingFileManager files(device.files, AppsDevice::containerPath("CA") + "/tmp");
+    FaultyFileManager files(device.files, {Operation::Attributes});
+    files.before([](Operation, const std::string& path) {
+        if (path == AppsDevice::containerPath("CA") + "/tmp") throw std::runtime_error("boom");
+    });
     ThirdPartyAppCacheManager manager(device.services(files, device.eraser));
     const auto outcome = device.cleanBatch(manager, {kA, kB});
     EXPECT_TRUE(outcome.success);

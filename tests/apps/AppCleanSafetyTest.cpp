@@ -285,9 +285,10 @@ class Swapper {
     Swapper(const std::string& folder, const std::string& target)
         : thread_([this, folder, target] {
               const std::string aside = folder + ".aside";
+              const fs::path leads = fs::relative(target, fs::path(folder).parent_path());
               while (!stopped_) {
                   fs::rename(folder, aside);
-                  fs::create_symlink(target, folder);
+                  fs::create_symlink(leads, folder);
                   ++swaps_;
                   fs::remove(folder);
                   fs::rename(aside, folder);

@@ -338,29 +338,15 @@ TEST(AppCleaning, AnExceptionOfTheServiceIsTheError) {
     EXPECT_TRUE(device.tree.exists(AppsDevice::containerPath(kApp) + "/tmp/x"));
 }
 
-/// Throws, as nothing should, where a path is asked about.
-template <class Exception>
-class ThrowingFileManager final : public platform::ForwardingFileManager {
-  public:
-    ThrowingFileManager(platform::FileManager& target, std::string path, Exception exception)
-        : ForwardingFileManager(target), path_(std::move(path)), exception_(exception) {}
-    platform::Result<platform::FileAttributes> attributes(const std::string& path,
-                                                          platform::LastLink lastLink) override {
-        if (path == path_) throw exception_;
-        return ForwardingFileManager::attributes(path, lastLink);
-    }
-
-  private:
-    std::string path_;
-    Exception exception_;
-};
-
 TEST(AppCleaning, AnExceptionMidwayEndsTheCleanWithWhatItFreed) {
     AppsDevice device;
     const std::string data = device.container("C1", kApp);
     device.tree.file(data + "/Library/Caches/x", 10);
     device.tree.file(data + "/tmp/x", 100);
-    ThrowingFileManager files(device.files, data + "/tmp", std::runtime_error("memory is out"));
+    FaultyFileManager files(device.files, {Operation::Attributes});
+    files.before([&](Operation, const std::string& path) {
+        if (path == data + "/tmp") throw std::runtime_error("memory is out");
+    });
     ThirdPartyAppCacheManager manager(device.services(files, device.eraser));
     const LogCapture log;
     const auto outcome = device.clean(manager, kApp);
@@ -376,7 +362,10 @@ TEST(AppCleaning, AnExceptionMidwayEndsTheCleanWithWhatItFreed) {
 TEST(AppCleaning, AnExceptionWithoutReasonIsAFailedClean) {
     AppsDevice device;
     const std::string data = device.container("C1", kApp);
-    ThrowingFileManager files(device.files, data + "/tmp", 5);
+    FaultyFileManager files(device.files, {Operation::Attributes});
+    files.before([&](Operation, const std::string& path) {
+        if (path == data + "/tmp") throw 5;
+    });
     ThirdPartyAppCacheManager manager(device.services(files, device.eraser));
     EXPECT_EQ(device.clean(manager, kApp).error,
               (platform::Error{"ThirdPartyAppCacheManager", -2, "清理失败"}));
