@@ -1,4 +1,5 @@
 // Emptying apps' caches: one, several, all.
+#include <algorithm>
 #include <array>
 #include <exception>
 #include <semaphore>
@@ -18,12 +19,6 @@ namespace {
 
 constexpr std::array<std::string_view, 3> kCleanedFolders = {"Library/Caches", "tmp",
                                                              "Library/WebKit"};
-
-/// Whether an identifier may stand as a folder's name in a path.
-bool isPlainName(const std::string& identifier) {
-    return !identifier.empty() && identifier != "." && identifier != ".." &&
-           !identifier.contains('/') && !identifier.contains('\0');
-}
 
 }  // namespace
 
@@ -58,10 +53,20 @@ std::uint64_t ThirdPartyAppCacheManager::cleanNow(const std::string& bundleIdent
                                                   const Progress& progress,
                                                   std::optional<Error>& error) {
     std::uint64_t cleaned = 0;
+    const auto interrupt = [&error](const std::string& reason) {
+        log("❌ 清理异常: {}", reason);
+        error =
+            Error{std::string(kErrorDomain), kInterrupted, reason.empty() ? "清理失败" : reason};
+    };
     try {
-        auto container = getAppDataDirectory(bundleIdentifier);
+        const auto known = getAppDataDirectory(bundleIdentifier);
+        if (!known) {
+            interrupt(known.error().description);
+            return 0;
+        }
+        std::optional<std::string> container = *known;
         // Some containers are named after their app; for others this is simply absent.
-        if (!container && isPlainName(bundleIdentifier))
+        if (!container && platform::isEntryName(bundleIdentifier))
             container = joinPath(kDataContainers, bundleIdentifier);
         if (!container) {
             error = Error{std::string(kErrorDomain), kNoDataDirectory, "无法获取应用数据目录"};
@@ -73,10 +78,9 @@ std::uint64_t ThirdPartyAppCacheManager::cleanNow(const std::string& bundleIdent
         cleanHiddenRoots(bundleIdentifier, progress, cleaned);
         log("✅ 清理完成: {} 清理了 {} 字节", bundleIdentifier, cleaned);
     } catch (const std::exception& exception) {
-        const std::string reason = exception.what();
-        log("❌ 清理异常: {}", reason);
-        error =
-            Error{std::string(kErrorDomain), kInterrupted, reason.empty() ? "清理失败" : reason};
+        interrupt(exception.what());
+    } catch (...) {
+        interrupt({});
     }
     return cleaned;
 }
@@ -94,12 +98,27 @@ std::optional<std::uint64_t> ThirdPartyAppCacheManager::cleanFolder(const std::s
                        : platform::Result<platform::Directory>(std::unexpected(base.error()));
     if (!folder) {
         log("⚠️ 无法读取目录: {} 错误: {}", path, folder.error().description);
-        if (observer_ != nullptr) observer_->kept(path, KeptReason::Link, {});
+        noteRefused(container, relative, folder.error());
         return std::nullopt;
     }
-    const auto left = removeEntries(*folder, progress, name);
-    if (!left) return std::nullopt;
-    return size - std::min(size, *left);
+    const auto emptied = removeEntries(*folder, progress, name);
+    if (!emptied) return std::nullopt;
+    // What merely failed to go counts all the same: the figure is what was there.
+    return emptied->wasStopped ? emptied->freed : size - std::min(size, emptied->left);
+}
+
+void ThirdPartyAppCacheManager::noteRefused(const std::string& container, std::string_view relative,
+                                            const Error& error) {
+    if (observer_ == nullptr) return;
+    const std::string path = joinPath(container, relative);
+    for (std::size_t end = container.size(); end != std::string::npos;
+         end = end == path.size() ? std::string::npos
+                                  : std::min(path.find('/', end + 1), path.size())) {
+        const auto step = services_.files.attributes(path.substr(0, end), LastLink::Refuse);
+        if (step && step->type == platform::FileType::SymbolicLink)
+            return observer_->kept(path, KeptReason::Link, {});
+    }
+    observer_->kept(path, KeptReason::Failed, error.description);
 }
 
 void ThirdPartyAppCacheManager::cleanHiddenRoots(const std::string& identifier,
@@ -107,11 +126,12 @@ void ThirdPartyAppCacheManager::cleanHiddenRoots(const std::string& identifier,
     const HiddenRoots hiddenRoots(services_.files);
     for (const auto* folder : hiddenRoots.matching(identifier)) {
         if (const auto freed =
-                cleanFolder(folder->path, "mobile/Library/Caches", progress, identifier)) {
+                cleanFolder(folder->root, folder->cacheRelative(), progress, identifier)) {
             cleaned += *freed;
             log("✅ 清理隐根设备缓存: {}, 大小: {} 字节", folder->cachePath(), *freed);
         }
-        if (const auto freed = cleanFolder(folder->path, "tmp", progress, identifier)) {
+        if (const auto freed =
+                cleanFolder(folder->root, folder->tmpRelative(), progress, identifier)) {
             cleaned += *freed;
             log("✅ 清理隐根设备临时文件: {}, 大小: {} 字节", folder->tmpPath(), *freed);
         }
@@ -129,41 +149,51 @@ bool ThirdPartyAppCacheManager::removeContentsOfDirectory(const std::string& pat
     return removeEntries(*directory, progress, appName).has_value();
 }
 
-std::optional<std::uint64_t> ThirdPartyAppCacheManager::removeEntries(
+std::optional<ThirdPartyAppCacheManager::Emptied> ThirdPartyAppCacheManager::removeEntries(
     platform::Directory& directory, const Progress& progress, const std::string& appName) {
     const auto names = services_.files.contentsOfDirectory(directory);
     if (!names) {
         log("⚠️ 无法读取目录: {} 错误: {}", directory.path(), names.error().description);
         return std::nullopt;
     }
-    std::uint64_t left = 0;
+    const LinkProtection links(services_.files, services_.pathWhitelist, directory);
+    const bool isFree =
+        services_.pathWhitelist.isFree(directory.path()) && !links.coversDirectory();
+    Emptied emptied;
     std::size_t done = 0;
     platform::ProgressThrottle throttle(services_.mainQueue, progress);
     for (const std::string& name : *names) {
         if (isStopped()) {
-            left += sizeOfEntry(directory, name);
-            continue;
+            emptied.wasStopped = true;
+            break;
         }
-        left += removeEntry(directory, name);
+        if (!isFree && (services_.pathWhitelist.isPathInWhitelist(directory.pathOf(name)) ||
+                        links.covers(name))) {
+            keepEntry(directory, name, emptied);
+        } else {
+            removeEntry(directory, name, emptied);
+        }
         throttle.report(appName, static_cast<double>(++done) / static_cast<double>(names->size()));
     }
     throttle.flush();
-    return left;
+    return emptied;
 }
 
-std::uint64_t ThirdPartyAppCacheManager::removeEntry(const platform::Directory& directory,
-                                                     const std::string& name) {
+void ThirdPartyAppCacheManager::keepEntry(const platform::Directory& directory,
+                                          const std::string& name, Emptied& emptied) {
     const std::string path = directory.pathOf(name);
-    if (services_.pathWhitelist.isPathInWhitelist(path) ||
-        leadsToProtected(services_.files, services_.pathWhitelist, path)) {
-        log("🔒 跳过白名单路径: {}", path);
-        if (observer_ != nullptr)
-            observer_->kept(path, KeptReason::Protected,
-                            protectingPath(services_.files, services_.pathWhitelist, path));
-        return sizeOfEntry(directory, name);
-    }
-    const auto removal =
-        services_.eraser.removeEntry(directory, name, walkRules(platform::kDefaultMaxDepth));
+    log("🔒 跳过白名单路径: {}", path);
+    emptied.left += sizeOfEntry(directory, name);
+    if (observer_ != nullptr)
+        observer_->kept(path, KeptReason::Protected,
+                        protectingPath(services_.files, services_.pathWhitelist, path));
+}
+
+void ThirdPartyAppCacheManager::removeEntry(const platform::Directory& directory,
+                                            const std::string& name, Emptied& emptied) {
+    const std::string path = directory.pathOf(name);
+    const auto removal = services_.eraser.removeEntry(directory, name, entryRules());
+    emptied.freed += removal.bytes;
     if (removal.error) {
         log("⚠️ 删除失败: {} 错误: {}", path, removal.error->description);
         if (observer_ != nullptr)
@@ -171,7 +201,6 @@ std::uint64_t ThirdPartyAppCacheManager::removeEntry(const platform::Directory& 
     } else if (observer_ != nullptr) {
         observer_->removed(path, removal.bytes);
     }
-    return 0;
 }
 
 std::uint64_t ThirdPartyAppCacheManager::sizeOfEntry(const platform::Directory& directory,
@@ -179,7 +208,7 @@ std::uint64_t ThirdPartyAppCacheManager::sizeOfEntry(const platform::Directory& 
     const auto attributes = services_.files.attributesAt(directory, name);
     if (!attributes) return 0;
     if (attributes->type != platform::FileType::Directory) return attributes->size;
-    return sizeOfDirectoryAtPath(directory.pathOf(name), platform::kDefaultMaxDepth - 1);
+    return walker_.sizeOfDirectory(directory.pathOf(name), entryRules());
 }
 
 void ThirdPartyAppCacheManager::cleanCacheForApps(std::vector<std::string> bundleIdentifiers,
@@ -205,8 +234,9 @@ void ThirdPartyAppCacheManager::cleanBatch(const std::vector<std::string>& ident
     for (std::size_t index = 0; index < identifiers.size() && !isStopped(); ++index) {
         Progress inner;
         if (progress) {
-            inner = [this, progress, index, count](const std::string& name, double fraction) {
-                services_.mainQueue.async([progress, name, index, fraction, count] {
+            inner = [&mainQueue = services_.mainQueue, progress, index, count](
+                        const std::string& name, double fraction) {
+                mainQueue.async([progress, name, index, fraction, count] {
                     progress(name, (static_cast<double>(index) + fraction) / count);
                 });
             };
@@ -231,6 +261,9 @@ void ThirdPartyAppCacheManager::cleanAllThirdPartyAppCaches(Progress progress,
     scanThirdPartyAppsWithCompletion(
         [this, progress = std::move(progress),
          completion = std::move(completion)](const AppList& thirdPartyApps) {
+            // Another process may have protected an app since the lists were last read.
+            if (const auto ready = readiness(); !ready)
+                return postCompletion(completion, 0, ready.error());
             startBatch(withoutWhitelisted(thirdPartyApps), progress, completion);
         });
 }

@@ -167,7 +167,12 @@ std::optional<AppIcon> ThirdPartyAppCacheManager::iconOfBundle(
     const std::optional<std::string>& bundlePath, const std::optional<std::string>& iconName) {
     if (bundlePath && !bundlePath->empty())
         if (auto icon = findBundleIcon(services_.files, *bundlePath, iconName)) return icon;
-    return ownIcon(services_.resources);
+    return sharedOwnIcon();
+}
+
+std::optional<AppIcon> ThirdPartyAppCacheManager::sharedOwnIcon() {
+    std::call_once(ownIconRead_, [this] { ownIcon_ = ownIcon(services_.resources); });
+    return ownIcon_;
 }
 
 void ThirdPartyAppCacheManager::reportHiddenRoots() {
@@ -213,7 +218,7 @@ std::vector<ThirdPartyAppCacheManager::Candidate> ThirdPartyAppCacheManager::fin
     for (const std::string& name : containers) {
         const std::string path = joinPath(kDataContainers, name);
         if (!services_.files.isDirectory(path)) continue;
-        const std::string identifier = containerIdentifier(services_.files, path).value_or(name);
+        const std::string identifier = containerIdentifier(services_.files, path);
         if (known.contains(identifier)) continue;
         Candidate candidate;
         candidate.info.dataPath = path;

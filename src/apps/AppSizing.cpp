@@ -7,10 +7,16 @@ namespace sweepwright {
 using platform::joinPath;
 using platform::log;
 
-platform::WalkRules ThirdPartyAppCacheManager::walkRules(int maxDepth) {
+platform::WalkRules ThirdPartyAppCacheManager::entryRules() {
     platform::WalkRules rules;
     rules.countHiddenEntries = true;
     rules.countLinks = true;
+    rules.maxDepth = platform::kDefaultMaxDepth - 1;
+    return rules;
+}
+
+platform::WalkRules ThirdPartyAppCacheManager::walkRules(int maxDepth) {
+    platform::WalkRules rules = entryRules();
     rules.maxDepth = maxDepth;
     rules.onDepthLimit = [](const std::string& path) {
         log("⚠️ 达到最大递归深度，跳过路径: {}", path);
@@ -41,7 +47,9 @@ void ThirdPartyAppCacheManager::calculate(AppCacheInfo& info, HiddenRoots& hidde
     std::uint64_t cache = sizeBeneath(*info.dataPath, "Library/Caches");
     std::uint64_t tmp = sizeBeneath(*info.dataPath, "tmp");
     cache += sizeBeneath(*info.dataPath, "Library/WebKit");
-    const auto measure = [this](const std::string& path) { return sizeOfDirectoryAtPath(path); };
+    const auto measure = [this](const std::string& root, std::string_view relative) {
+        return sizeBeneath(root, relative);
+    };
     for (const auto* folder : hiddenRoots.matching(info.bundleIdentifier.value_or(""))) {
         if (const auto size = hiddenRoots.cacheSize(*folder, measure)) {
             cache += *size;
@@ -71,10 +79,10 @@ void ThirdPartyAppCacheManager::getCacheInfoForApp(const std::string& bundleIden
     }
     scanQueue_->async([this, bundleIdentifier, completion = std::move(completion)] {
         std::optional<AppCacheInfo> found;
-        if (auto path = getAppDataDirectory(bundleIdentifier)) {
+        if (auto path = getAppDataDirectory(bundleIdentifier); path && *path) {
             found.emplace();
             found->bundleIdentifier = bundleIdentifier;
-            found->dataPath = std::move(path);
+            found->dataPath = std::move(*path);
             calculateCacheSizeForAppInfo(*found);
             const std::lock_guard lock(mutex_);
             appInfoCache_[bundleIdentifier] = *found;
@@ -85,17 +93,18 @@ void ThirdPartyAppCacheManager::getCacheInfoForApp(const std::string& bundleIden
     });
 }
 
-std::optional<std::string> ThirdPartyAppCacheManager::getAppDataDirectory(
+platform::Result<std::optional<std::string>> ThirdPartyAppCacheManager::getAppDataDirectory(
     const std::string& bundleIdentifier) {
     using Availability = platform::ApplicationWorkspace::Availability;
     if (services_.workspace.availability() != Availability::Available)
         return containers_.find(bundleIdentifier);
     const auto proxies = services_.workspace.allInstalledApplications();
-    if (!proxies || !*proxies) return std::nullopt;
+    if (!proxies) return std::unexpected(proxies.error());
+    if (!*proxies) return std::nullopt;
     for (const auto& proxy : **proxies) {
         const auto identifier = proxy->applicationIdentifier();
-        if (!identifier || *identifier != bundleIdentifier) continue;
-        return proxy->dataContainerPath().value_or(std::nullopt);
+        if (!identifier) return std::unexpected(identifier.error());
+        if (*identifier == bundleIdentifier) return proxy->dataContainerPath();
     }
     return std::nullopt;
 }

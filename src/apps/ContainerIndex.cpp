@@ -7,8 +7,10 @@ namespace sweepwright {
 using platform::joinPath;
 using platform::PropertyList;
 
-std::optional<std::string> containerIdentifier(platform::FileManager& files,
-                                               const std::string& container) {
+namespace {
+
+std::optional<std::string> identifierByMetadata(platform::FileManager& files,
+                                                const std::string& container) {
     const auto bytes =
         files.readFile(joinPath(container, ".com.apple.mobile_container_manager.metadata.plist"),
                        PropertyList::Limits{}.bytes);
@@ -16,14 +18,23 @@ std::optional<std::string> containerIdentifier(platform::FileManager& files,
     const auto list = PropertyList::parse(*bytes);
     if (!list || list->dictionary() == nullptr) return std::nullopt;
     const PropertyList* identifier = list->dictionary()->find("MCMMetadataIdentifier");
-    if (identifier == nullptr || identifier->string() == nullptr) return std::nullopt;
+    if (identifier == nullptr || identifier->string() == nullptr || identifier->string()->empty())
+        return std::nullopt;
     return *identifier->string();
+}
+
+}  // namespace
+
+std::string containerIdentifier(platform::FileManager& files, const std::string& container) {
+    return identifierByMetadata(files, container)
+        .value_or(std::string(platform::lastPathComponent(container)));
 }
 
 std::optional<std::string> ContainerIndex::find(const std::string& identifier) {
     const std::lock_guard lock(mutex_);
     const auto known = paths_.find(identifier);
-    if (known != paths_.end() && containerIdentifier(files_, known->second) == identifier)
+    if (known != paths_.end() && files_.isDirectory(known->second) &&
+        containerIdentifier(files_, known->second) == identifier)
         return known->second;
     readAll();
     const auto found = paths_.find(identifier);
@@ -38,8 +49,7 @@ void ContainerIndex::readAll() {
     if (!names) return;
     for (const std::string& name : *names) {
         const std::string path = joinPath(containers, name);
-        if (const auto identifier = containerIdentifier(files_, path))
-            paths_.emplace(*identifier, path);
+        if (files_.isDirectory(path)) paths_.emplace(containerIdentifier(files_, path), path);
     }
 }
 

@@ -13,12 +13,11 @@ namespace sweepwright {
 /// One folder a data container, named by a UUID.
 inline constexpr std::string_view kDataContainers = "/var/mobile/Containers/Data/Application";
 
-/// The bundle identifier that a data container's metadata names; none when it can't be read.
-std::optional<std::string> containerIdentifier(platform::FileManager& files,
-                                               const std::string& container);
+/// The bundle identifier that a data container's metadata names, else the container's own name.
+std::string containerIdentifier(platform::FileManager& files, const std::string& container);
 
-/// Finds data containers by the identifier in their metadata. What was found is remembered and
-/// checked against the metadata before it is handed out again. Thread-safe.
+/// Finds data containers by their identifier. What was found is remembered and checked again before
+/// it is handed out. Thread-safe.
 class ContainerIndex {
   public:
     explicit ContainerIndex(platform::FileManager& files) : files_(files) {}

@@ -16,19 +16,25 @@ namespace sweepwright {
 inline constexpr std::string_view kAppGroups = "/var/mobile/Containers/Shared/AppGroup";
 inline constexpr std::string_view kHiddenRootPrefix = ".jbroot-";
 
-/// The folders directly inside the device's hidden roots, as they stood when this was made. Sizes
-/// are measured once each, however many apps share a folder. Thread-safe.
+/// The folders directly inside the device's hidden roots, as they stood when this was made. A root
+/// or a folder that is a link is none: it may lead anywhere. Sizes are measured once each, however
+/// many apps share a folder. Thread-safe.
 class HiddenRoots {
   public:
-    using Measure = std::function<std::uint64_t(const std::string& path)>;
+    /// Bytes of what lies at `relative` beneath `root`, where no link is followed.
+    using Measure =
+        std::function<std::uint64_t(const std::string& root, std::string_view relative)>;
 
     /// A folder of a hidden root.
     struct Folder {
-        std::string path;
+        std::string root;
         std::string name;
         std::optional<std::uint64_t> cacheSize;  ///< bytes, once measured
         std::optional<std::uint64_t> tmpSize;    ///< bytes, once measured
 
+        /// Beneath the root.
+        [[nodiscard]] std::string cacheRelative() const;
+        [[nodiscard]] std::string tmpRelative() const;
         [[nodiscard]] std::string cachePath() const;
         [[nodiscard]] std::string tmpPath() const;
     };
@@ -46,7 +52,7 @@ class HiddenRoots {
 
   private:
     std::optional<std::uint64_t> measured(std::optional<std::uint64_t> Folder::* size,
-                                          const Folder& folder, const std::string& path,
+                                          const Folder& folder, const std::string& relative,
                                           const Measure& measure);
     platform::FileManager& files_;
     std::mutex mutex_;

@@ -14,14 +14,17 @@ ThirdPartyAppCacheManager::ThirdPartyAppCacheManager(const AppServices& services
 
 ThirdPartyAppCacheManager::~ThirdPartyAppCacheManager() = default;
 
+AppServices AppServices::shared() {
+    return {platform::Device::current(),           platform::FileManager::defaultManager(),
+            DeviceEraser::sharedEraser(),          platform::ApplicationWorkspace::ofHost(),
+            platform::ResourceBundle::main(),      AppWhitelistManager::sharedManager(),
+            PathWhitelistManager::sharedManager(), CleanHistoryManager::sharedManager(),
+            CleanStatistics::sharedStatistics(),   platform::NotificationCenter::defaultCenter(),
+            platform::MainQueue::shared()};
+}
+
 ThirdPartyAppCacheManager& ThirdPartyAppCacheManager::sharedManager() {
-    static ThirdPartyAppCacheManager manager(
-        {platform::Device::current(), platform::FileManager::defaultManager(),
-         DeviceEraser::sharedEraser(), platform::ApplicationWorkspace::ofHost(),
-         platform::ResourceBundle::main(), AppWhitelistManager::sharedManager(),
-         PathWhitelistManager::sharedManager(), CleanHistoryManager::sharedManager(),
-         CleanStatistics::sharedStatistics(), platform::NotificationCenter::defaultCenter(),
-         platform::MainQueue::shared()});
+    static ThirdPartyAppCacheManager manager(AppServices::shared());
     return manager;
 }
 

@@ -46,6 +46,9 @@ struct AppServices {
     CleanStatistics& statistics;
     platform::NotificationCenter& notifications;
     platform::MainQueue& mainQueue;
+
+    /// The shared ones, on Device::current().
+    static AppServices shared();
 };
 
 /// Knows the installed apps, sizes their caches and cleans them. Of an app only caches, temporary
@@ -164,31 +167,47 @@ class ThirdPartyAppCacheManager {
                                           std::set<std::string> known);
     static void report(const Progress& progress, const AppCacheInfo& app, std::size_t done,
                        std::size_t count);
-    std::optional<std::string> getAppDataDirectory(const std::string& bundleIdentifier);
+    /// None when the app has no data container; an error is the service's exception.
+    platform::Result<std::optional<std::string>> getAppDataDirectory(
+        const std::string& bundleIdentifier);
+    std::optional<AppIcon> sharedOwnIcon();
 
     // Sizing.
     void calculate(AppCacheInfo& info, HiddenRoots& hiddenRoots);
     std::uint64_t sizeBeneath(const std::string& container, std::string_view relative);
     std::uint64_t sizeOfEntry(const platform::Directory& directory, const std::string& name);
     [[nodiscard]] static platform::WalkRules walkRules(int maxDepth);
+    /// What counts of an entry of an emptied folder: as walkRules() count it from the folder, which
+    /// has told of the depth limit already.
+    [[nodiscard]] static platform::WalkRules entryRules();
 
     // Cleaning.
     [[nodiscard]] bool isStopped() const { return stopRequested_; }
     void startClean(const std::string& bundleIdentifier, Progress progress, Completion completion);
     void startBatch(std::vector<std::string> bundleIdentifiers, Progress progress,
                     Completion completion);
-    /// Bytes that were there less those that had to stay; none when there was nothing to empty.
+    /// What became of a folder's entries.
+    struct Emptied {
+        std::uint64_t left = 0;   ///< bytes of protected entries
+        std::uint64_t freed = 0;  ///< bytes of what went
+        bool wasStopped = false;  ///< before the last entry
+    };
+
+    /// Bytes that were there less those that had to stay; of a clean that was stopped, those that
+    /// went. None when there was nothing to empty.
     std::optional<std::uint64_t> cleanFolder(const std::string& container,
                                              std::string_view relative, const Progress& progress,
                                              const std::string& name);
     void cleanHiddenRoots(const std::string& identifier, const Progress& progress,
                           std::uint64_t& cleaned);
-    /// Bytes of the entries that had to stay: protected ones, and all after a stop. What merely
-    /// could not be removed is not among them. None when the directory can't be read.
-    std::optional<std::uint64_t> removeEntries(platform::Directory& directory,
-                                               const Progress& progress,
-                                               const std::string& appName);
-    std::uint64_t removeEntry(const platform::Directory& directory, const std::string& name);
+    /// Tells why a folder is not entered: a link on its way, else `error`.
+    void noteRefused(const std::string& container, std::string_view relative, const Error& error);
+    /// None when the directory can't be read.
+    std::optional<Emptied> removeEntries(platform::Directory& directory, const Progress& progress,
+                                         const std::string& appName);
+    void keepEntry(const platform::Directory& directory, const std::string& name, Emptied& emptied);
+    void removeEntry(const platform::Directory& directory, const std::string& name,
+                     Emptied& emptied);
     void record(std::uint64_t cleaned, const std::string& historyName);
     void cleanBatch(const std::vector<std::string>& identifiers, const Progress& progress,
                     const Completion& completion);
@@ -202,6 +221,8 @@ class ThirdPartyAppCacheManager {
     mutable std::mutex mutex_;
     std::shared_ptr<const AppList> cachedAppList_;
     std::map<std::string, AppCacheInfo> appInfoCache_;
+    std::once_flag ownIconRead_;
+    std::optional<AppIcon> ownIcon_;
     std::unique_ptr<platform::DispatchQueue> scanQueue_;
 };
 

@@ -6,12 +6,13 @@
 
 #include <fmt/format.h>
 
+#include "engine/StorageAnalyzer.h"
 #include "platform/ControlText.h"
 
 namespace sweepwright::cli {
 
 std::string sizeText(std::uint64_t bytes) {
-    return fmt::format("{} B", bytes);
+    return StorageAnalyzer::formatBytes(bytes);
 }
 
 std::string Output::shown(std::string_view bytes) const {

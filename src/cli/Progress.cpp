@@ -50,13 +50,18 @@ struct Progress::State {
 
     void paint(const std::stop_token& stop) {
         std::unique_lock lock(mutex);
-        while (changed.wait(lock, stop, [this] { return dirty; })) {
-            dirty = false;
-            shown = true;
-            screen.write("\r" + lineFor(name, fraction, screen.columns(), screen.unicode) +
-                         "\x1b[K");
+        do {
             changed.wait_for(lock, stop, kFrame, [] { return false; });
-        }
+            changed.wait(lock, stop, [this] { return dirty; });
+            if (dirty && !stop.stop_requested()) draw();
+        } while (!stop.stop_requested());
+    }
+
+    /// With the mutex held.
+    void draw() {
+        dirty = false;
+        shown = true;
+        screen.write("\r" + lineFor(name, fraction, screen.columns(), screen.unicode) + "\x1b[K");
     }
 };
 
@@ -92,6 +97,7 @@ void Progress::update(std::string_view name, double fraction) {
     state_->fraction = fraction;
     state_->dirty = true;
     if (!state_->painter.joinable()) {
+        state_->draw();  // at once, so that a person sees that work has begun
         state_->painter = std::jthread(
             [state = state_.get()](const std::stop_token& stop) { state->paint(stop); });
     }

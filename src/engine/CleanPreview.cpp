@@ -1,37 +1,20 @@
 #include "engine/CleanPreview.h"
 
-#include <functional>
-
-#include "engine/HidingFileManager.h"
-#include "engine/NotingEraser.h"
+#include "engine/PreviewRun.h"
 
 namespace sweepwright {
 
 namespace {
 
-platform::Result<CleanPreview> preview(
-    const EngineServices& services,
-    const std::function<std::uint64_t(FileCleanerEngine&, FileCleanerEngine::ErrorSlot&)>& clean) {
-    HidingFileManager files(services.files);
-    NotingEraser eraser(files);
-    EngineServices watched{services.device,
-                           files,
-                           eraser,
-                           services.pathWhitelist,
-                           services.customPaths,
-                           services.history,
-                           services.statistics,
-                           services.storage,
-                           services.notifications,
-                           services.mainQueue,
-                           services.now};
-    FileCleanerEngine engine(watched);
-    engine.setObserver(&eraser);
-    if (const auto ready = engine.readiness(); !ready) return std::unexpected(ready.error());
-    FileCleanerEngine::ErrorSlot error;
-    const std::uint64_t wouldFree = clean(engine, error);
-    if (error) return std::unexpected(*error);
-    return eraser.take(wouldFree);
+template <class Clean>
+platform::Result<CleanPreview> preview(const EngineServices& services, const Clean& clean) {
+    const auto make = [&services](platform::FileManager& files, Eraser& eraser) {
+        return FileCleanerEngine({services.device, files, eraser, services.pathWhitelist,
+                                  services.customPaths, services.history, services.statistics,
+                                  services.storage, services.notifications, services.mainQueue,
+                                  services.now});
+    };
+    return runPreview(services.files, make, clean);
 }
 
 }  // namespace

@@ -59,13 +59,21 @@ FileCleanerEngine::FileCleanerEngine(const EngineServices& services)
 
 FileCleanerEngine::~FileCleanerEngine() = default;
 
+EngineServices EngineServices::shared() {
+    return {platform::Device::current(),
+            platform::FileManager::defaultManager(),
+            DeviceEraser::sharedEraser(),
+            PathWhitelistManager::sharedManager(),
+            CustomPathManager::sharedManager(),
+            CleanHistoryManager::sharedManager(),
+            CleanStatistics::sharedStatistics(),
+            StorageAnalyzer::sharedAnalyzer(),
+            platform::NotificationCenter::defaultCenter(),
+            platform::MainQueue::shared()};
+}
+
 FileCleanerEngine& FileCleanerEngine::sharedEngine() {
-    static FileCleanerEngine engine(
-        {platform::Device::current(), platform::FileManager::defaultManager(),
-         DeviceEraser::sharedEraser(), PathWhitelistManager::sharedManager(),
-         CustomPathManager::sharedManager(), CleanHistoryManager::sharedManager(),
-         CleanStatistics::sharedStatistics(), StorageAnalyzer::sharedAnalyzer(),
-         platform::NotificationCenter::defaultCenter(), platform::MainQueue::shared()});
+    static FileCleanerEngine engine(EngineServices::shared());
     return engine;
 }
 

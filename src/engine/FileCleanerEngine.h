@@ -98,6 +98,9 @@ struct EngineServices {
     platform::MainQueue& mainQueue;
     /// What time it is.
     std::function<std::chrono::system_clock::time_point()> now = std::chrono::system_clock::now;
+
+    /// The shared ones, on Device::current().
+    static EngineServices shared();
 };
 
 /// Measures, lists and cleans the nine categories.

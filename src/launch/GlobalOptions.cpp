@@ -26,7 +26,7 @@ std::optional<std::string> variable(const Environment& environment, const std::s
 /// base directory conventions want it.
 std::optional<std::string> baseFolder(const Environment& environment, const std::string& name,
                                       const std::string& fallback) {
-    const auto folder = variable(environment, name);
+    auto folder = variable(environment, name);
     if (folder && folder->front() == '/') return folder;
     const auto home = variable(environment, "HOME");
     if (!home) return std::nullopt;

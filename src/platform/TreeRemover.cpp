@@ -150,8 +150,11 @@ class Remover {
 
   private:
     void giveAway(SharedWork<Waiting>& shared) {
+        while (!stack_.empty() && stack_.back()->subdirectories.empty())
+            stack_.pop_back();
         for (const NodePointer& node : stack_) {
-            while (!node->subdirectories.empty()) {
+            const bool newest = node == stack_.back();
+            while (newest ? node->subdirectories.holdsSeveral() : !node->subdirectories.empty()) {
                 if (!shared.wantsMore()) return;
                 shared.give({node, node->subdirectories.take()});
             }

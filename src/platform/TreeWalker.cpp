@@ -62,8 +62,11 @@ class Walker {
     }
 
     void giveAway(SharedWork<Waiting>& shared) {
+        while (!frames_.empty() && frames_.back().subdirectories.empty())
+            frames_.pop_back();
         for (Frame& frame : frames_) {
-            while (!frame.subdirectories.empty()) {
+            const bool newest = &frame == &frames_.back();
+            while (newest ? frame.subdirectories.holdsSeveral() : !frame.subdirectories.empty()) {
                 if (!shared.wantsMore()) return;
                 shared.give(takeFrom(frame));
             }

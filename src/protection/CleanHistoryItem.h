@@ -18,10 +18,10 @@ struct CleanHistoryItem {
     /// What stands for a missing name and names an unknown type.
     static constexpr std::string_view kUnknownTypeName = "未知类型";
 
-    std::string identifier;  ///< a UUID, unique to the entry
-    Date cleanDate;          ///< when the clean ended; stored to the whole second
+    std::string identifier{};  ///< a UUID, unique to the entry
+    Date cleanDate{};          ///< when the clean ended; stored to the whole second
     CleanType cleanType = CleanType::Cache;
-    std::string cleanTypeName;  ///< the name shown at the time of the clean
+    std::string cleanTypeName{};  ///< the name shown at the time of the clean
     std::uint64_t cleanedBytes = 0;
 
     /// The item that `dictionary` stands for. What is missing or of a wrong type is repaired: a new

@@ -2,14 +2,16 @@
 #include <csignal>
 #include <functional>
 #include <random>
+#include <set>
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "platform/ForwardingFileManager.h"
 #include "platform/UniqueDescriptor.h"
 #include "platform/UserDefaults.h"
+#include "support/ChildProcess.h"
+#include "support/FaultyFileManager.h"
 #include "support/TemporaryDevice.h"
 
 namespace sweepwright::platform {
@@ -37,83 +39,46 @@ int statusOf(pid_t child) {
     return status;
 }
 
-/// Ends the process when as many calls as it is given have begun or returned.
-class EndingFileManager : public ForwardingFileManager {
-  public:
-    EndingFileManager(FileManager& target, int steps)
-        : ForwardingFileManager(target), steps_(steps) {}
+const std::set<test::Operation> kCalls = {test::Operation::ReadFile, test::Operation::WriteFile,
+                                          test::Operation::CreateDirectories,
+                                          test::Operation::Rename, test::Operation::Lock};
 
-  private:
-    void step() {
-        if (steps_-- == 0) _exit(kEnded);
-    }
-    template <class Call>
-    auto around(const Call& call) {
-        step();
-        auto result = call();
-        step();
-        return result;
-    }
-
-  public:
-    Result<std::string> readFile(const std::string& path, std::size_t maxBytes) override {
-        return around([&] { return ForwardingFileManager::readFile(path, maxBytes); });
-    }
-    Result<> writeFile(const std::string& path, std::string_view content) override {
-        return around([&] { return ForwardingFileManager::writeFile(path, content); });
-    }
-    Result<> createDirectories(const std::string& path) override {
-        return around([&] { return ForwardingFileManager::createDirectories(path); });
-    }
-    Result<> rename(const std::string& from, const std::string& to) override {
-        return around([&] { return ForwardingFileManager::rename(from, to); });
-    }
-    Result<FileLock> lock(const std::string& path) override {
-        return around([&] { return ForwardingFileManager::lock(path); });
-    }
-
-  private:
-    int steps_;
-};
-
-/// Changes the user defaults in a process that ends after each number of steps in turn, until it
+/// Changes the user defaults in a process that ends before each of its calls in turn, until one
 /// comes through; looks at what is left with `check` after each.
-void endAtEveryStep(const std::function<void(TemporaryDevice&)>& prepare,
+void endAtEveryCall(std::uint64_t calls, const std::function<void(TemporaryDevice&)>& prepare,
                     const std::function<void(TemporaryDevice&)>& check) {
-    for (int steps = 0;; ++steps) {
-        SCOPED_TRACE(steps);
-        ASSERT_LT(steps, 100);
+    for (std::uint64_t call = 1; call <= calls + 1; ++call) {
+        SCOPED_TRACE(call);
         TemporaryDevice device;
         prepare(device);
-        const int status = statusOf(start([&] {
-            EndingFileManager files(device.files(), steps);
-            return UserDefaults(files, kFile).set("a", "new") ? 0 : 1;
-        }));
-        ASSERT_TRUE(WIFEXITED(status));
+        const int status = test::exitStatusOfChild([&] {
+            test::FaultyFileManager files(device.files(), kCalls);
+            files.exitAt(call, kEnded);
+            EXPECT_TRUE(UserDefaults(files, kFile).set("a", "new"));
+        });
+        EXPECT_EQ(status, call <= calls ? kEnded : 0);
         check(device);
-        if (WEXITSTATUS(status) == 0) {
-            EXPECT_EQ(UserDefaults(device.files(), kFile).string("a"), "new");
-            EXPECT_GT(steps, 6);
-            return;
-        }
-        ASSERT_EQ(WEXITSTATUS(status), kEnded);
+        if (status != 0) continue;
+        EXPECT_EQ(UserDefaults(device.files(), kFile).string("a"), "new");
     }
 }
 
 TEST(UserDefaultsCrash, AProcessThatEndsAtAnyCallLeavesTheOldOrTheNewFile) {
     const std::string before = PropertyList(Dictionary{{"a", "old"}, {"b", 1}}).toBinary();
     const std::string after = PropertyList(Dictionary{{"a", "new"}, {"b", 1}}).toBinary();
-    endAtEveryStep([&](TemporaryDevice& device) { device.fileWith(kFile, before); },
-                   [&](TemporaryDevice& device) {
-                       const std::string left = device.content(kFile);
-                       EXPECT_TRUE(left == before || left == after);
-                       UserDefaults defaults(device.files(), kFile);
-                       EXPECT_EQ(defaults.damage(), std::nullopt);
-                   });
+    endAtEveryCall(
+        4,  // the folder, the lock, the reading and the writing
+        [&](TemporaryDevice& device) { device.fileWith(kFile, before); },
+        [&](TemporaryDevice& device) {
+            const std::string left = device.content(kFile);
+            EXPECT_TRUE(left == before || left == after);
+            EXPECT_EQ(UserDefaults(device.files(), kFile).damage(), std::nullopt);
+        });
 }
 
 TEST(UserDefaultsCrash, AProcessThatEndsAtAnyCallKeepsADamagedFileAndItsReport) {
-    endAtEveryStep(
+    endAtEveryCall(
+        5,  // the renaming as well
         [](TemporaryDevice& device) { device.fileWith(kFile, "junk"); },
         [](TemporaryDevice& device) {
             std::size_t kept = 0;

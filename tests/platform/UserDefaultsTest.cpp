@@ -1,18 +1,22 @@
+#include <atomic>
 #include <cerrno>
+#include <filesystem>
 #include <thread>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "platform/Device.h"
-#include "platform/ForwardingFileManager.h"
 #include "platform/Log.h"
 #include "platform/UserDefaults.h"
+#include "support/ChildProcess.h"
+#include "support/FaultyFileManager.h"
 #include "support/TemporaryDevice.h"
 
 namespace sweepwright::platform {
 namespace {
 
+using test::Operation;
 using test::TemporaryDevice;
 using Array = PropertyList::Array;
 using Data = PropertyList::Data;
@@ -21,40 +25,22 @@ using Dictionary = PropertyList::Dictionary;
 constexpr auto kDirectory = "/var/mobile/Library/Preferences";
 const std::string kFile = std::string(kDirectory) + "/com.example.plist";
 
-/// Fails the calls that it is told to, with one errno value.
-class FailingFileManager : public ForwardingFileManager {
-  public:
-    using ForwardingFileManager::ForwardingFileManager;
-    int reading = 0, writing = 0, locking = 0, renaming = 0, listing = 0;
-    int written = 0;  ///< calls of writeFile
-
-    Result<std::string> readFile(const std::string& path, std::size_t maxBytes) override {
-        if (reading != 0) return std::unexpected(errorFromErrno(reading, path));
-        return ForwardingFileManager::readFile(path, maxBytes);
-    }
-    Result<> writeFile(const std::string& path, std::string_view content) override {
-        ++written;
-        if (writing != 0) return std::unexpected(errorFromErrno(writing, path));
-        return ForwardingFileManager::writeFile(path, content);
-    }
-    Result<FileLock> lock(const std::string& path) override {
-        if (locking != 0) return std::unexpected(errorFromErrno(locking, path));
-        return ForwardingFileManager::lock(path);
-    }
-    Result<> rename(const std::string& from, const std::string& to) override {
-        if (renaming != 0) return std::unexpected(errorFromErrno(renaming, from));
-        return ForwardingFileManager::rename(from, to);
-    }
-    Result<Directory> openDirectory(const std::string& path, LastLink lastLink) override {
-        if (listing != 0) return std::unexpected(errorFromErrno(listing, path));
-        return ForwardingFileManager::openDirectory(path, lastLink);
-    }
-};
-
 class UserDefaultsTest : public testing::Test {
   protected:
+    UserDefaultsTest() {
+        files.failWhere([this](Operation call, const std::string&) { return call == failing; },
+                        EROFS);
+        files.before([this](Operation call, const std::string&) {
+            if (call == Operation::WriteFile) ++written;
+        });
+    }
+
     TemporaryDevice device;
-    FailingFileManager files{device.files()};
+    test::FaultyFileManager files{device.files(),
+                                  {Operation::ReadFile, Operation::WriteFile, Operation::Lock,
+                                   Operation::Rename, Operation::OpenDirectory}};
+    std::optional<Operation> failing;  ///< with EROFS
+    std::atomic<int> written = 0;      ///< calls of writeFile
     UserDefaults defaults{files, kFile};
 
     std::vector<std::string> names() { return files.contentsOfDirectory(kDirectory).value(); }
@@ -158,25 +144,25 @@ TEST_F(UserDefaultsTest, AChangeGetsWhatIsStoredAndStoresWhatItAnswers) {
 
 TEST_F(UserDefaultsTest, SeveralKeysChangeInOneReplacement) {
     ASSERT_TRUE(defaults.set("old", 1));
-    files.written = 0;
+    written = 0;
     ASSERT_TRUE(defaults.updateAll([](Dictionary& stored) {
         EXPECT_EQ(stored.size(), 1U);
         stored.set("a", 1);
         stored.set("b", 2);
         stored.remove("old");
     }));
-    EXPECT_EQ(files.written, 1);
+    EXPECT_EQ(written, 1);
     EXPECT_EQ(PropertyList::parse(device.content(kFile)),
               PropertyList(Dictionary{{"a", 1}, {"b", 2}}));
 }
 
 TEST_F(UserDefaultsTest, NothingIsWrittenWhenNothingChanges) {
     ASSERT_TRUE(defaults.set("a", "\xFF"));
-    files.written = 0;
+    written = 0;
     EXPECT_TRUE(defaults.set("a", "\xFF"));
     EXPECT_TRUE(defaults.remove("absent"));
     EXPECT_TRUE(defaults.updateAll([](Dictionary&) {}));
-    EXPECT_EQ(files.written, 0);
+    EXPECT_EQ(written, 0);
 }
 
 TEST_F(UserDefaultsTest, WhatCouldNotBeReadBackIsNotWritten) {
@@ -195,14 +181,30 @@ TEST_F(UserDefaultsTest, WhatCouldNotBeReadBackIsNotWritten) {
 TEST_F(UserDefaultsTest, OnAReadOnlyStoreAChangeFailsAndNothingIsLost) {
     ASSERT_TRUE(defaults.set("a", 1));
     const std::string before = device.content(kFile);
-    files.locking = EROFS;
+    failing = Operation::Lock;
     EXPECT_EQ(defaults.set("a", 2).error(), errorFromErrno(EROFS, kFile + ".lock"));
-    files.locking = 0;
-    files.writing = ENOSPC;
-    EXPECT_EQ(defaults.set("a", 2).error(), errorFromErrno(ENOSPC, kFile));
+    failing = Operation::WriteFile;
+    EXPECT_EQ(defaults.set("a", 2).error(), errorFromErrno(EROFS, kFile));
     EXPECT_EQ(device.content(kFile), before);
     EXPECT_EQ(defaults.integer("a"), 1);
     EXPECT_EQ(defaults.damage(), std::nullopt);
+}
+
+TEST_F(UserDefaultsTest, WithoutTheRightToWriteAReadingWorksAndAChangeFails) {
+    if (const auto why = test::whyNoOrdinaryUser(); !why.empty()) GTEST_SKIP() << why;
+    namespace fs = std::filesystem;
+    ASSERT_TRUE(defaults.set("a", 1));
+    const std::string before = device.content(kFile);
+    constexpr auto kReadable = fs::perms(0555);
+    fs::permissions(device.root(), fs::perms(0755));
+    fs::permissions(device.host(kDirectory), kReadable);
+    test::asOrdinaryUser([&] {
+        EXPECT_FALSE(defaults.set("a", 2));
+        EXPECT_EQ(defaults.integer("a"), 1);
+        EXPECT_EQ(defaults.damage(), std::nullopt);
+    });
+    fs::permissions(device.host(kDirectory), fs::perms(0755));
+    EXPECT_EQ(device.content(kFile), before);
 }
 
 TEST_F(UserDefaultsTest, AFolderThatCannotBeMadeIsToldAsIs) {
@@ -214,9 +216,9 @@ TEST_F(UserDefaultsTest, AFolderThatCannotBeMadeIsToldAsIs) {
 TEST_F(UserDefaultsTest, AFileThatCannotBeReadIsLeftAloneAndReported) {
     ASSERT_TRUE(defaults.set("a", 1));
     const std::string before = device.content(kFile);
-    files.written = 0;
-    const Error error = errorFromErrno(EIO, kFile);
-    files.reading = EIO;
+    written = 0;
+    const Error error = errorFromErrno(EROFS, kFile);
+    failing = Operation::ReadFile;
     bool called = false;
     const auto change = [&](const PropertyList*) {
         called = true;
@@ -228,8 +230,8 @@ TEST_F(UserDefaultsTest, AFileThatCannotBeReadIsLeftAloneAndReported) {
     EXPECT_EQ(defaults.integer("a"), 0);
     EXPECT_EQ(defaults.read("a").error(), error);
     EXPECT_EQ(defaults.damage(), error);
-    files.reading = 0;
-    EXPECT_EQ(files.written, 0);
+    failing.reset();
+    EXPECT_EQ(written, 0);
     EXPECT_EQ(device.content(kFile), before);
     EXPECT_TRUE(setAside().empty());
 }
@@ -310,16 +312,16 @@ TEST_F(UserDefaultsTest, AChangeThatChangesNothingLeavesADamagedFileWhereItIs) {
 
 TEST_F(UserDefaultsTest, ADamagedFileThatCannotBeSetAsideIsNotReplaced) {
     device.fileWith(kFile, "junk");
-    files.renaming = EACCES;
-    EXPECT_EQ(defaults.set("a", 1).error(), errorFromErrno(EACCES, kFile));
+    failing = Operation::Rename;
+    EXPECT_EQ(defaults.set("a", 1).error(), errorFromErrno(EROFS, kFile));
     EXPECT_EQ(device.content(kFile), "junk");
-    EXPECT_EQ(files.written, 0);
+    EXPECT_EQ(written, 0);
 }
 
 TEST_F(UserDefaultsTest, AFolderThatCannotBeListedCountsAsDamage) {
     ASSERT_TRUE(defaults.set("a", 1));
-    files.listing = EACCES;
-    EXPECT_EQ(defaults.damage(), errorFromErrno(EACCES, kDirectory));
+    failing = Operation::OpenDirectory;
+    EXPECT_EQ(defaults.damage(), errorFromErrno(EROFS, kDirectory));
 }
 
 TEST_F(UserDefaultsTest, ThreadsThatChangeAListAtOnceLoseNothing) {
@@ -343,17 +345,14 @@ TEST_F(UserDefaultsTest, ThreadsThatChangeAListAtOnceLoseNothing) {
 TEST(UserDefaults, TheStandardOnesAreThoseOfTheCurrentDevice) {
     const TemporaryDevice device;
     // In a process of its own: the current device is set once.
-    EXPECT_EXIT(
-        {
-            DeviceOptions options;
-            options.rootFolder = device.root();
-            options.home = "/var/mobile";
-            Device::setCurrent(Device::open(options).value());
-            const bool stored = UserDefaults::standard().set("a", 5).has_value();
-            const bool same = &UserDefaults::standard() == &UserDefaults::standard();
-            std::_Exit(stored && same ? 0 : 1);
-        },
-        testing::ExitedWithCode(0), "");
+    test::inChildProcess([&] {
+        DeviceOptions options;
+        options.rootFolder = device.root();
+        options.home = "/var/mobile";
+        Device::setCurrent(Device::open(options).value());
+        EXPECT_TRUE(UserDefaults::standard().set("a", 5));
+        EXPECT_EQ(&UserDefaults::standard(), &UserDefaults::standard());
+    });
     const auto file = PropertyList::parse(
         device.content("/var/mobile/Library/Preferences/com.sweepwright.app.plist"));
     EXPECT_EQ(file, PropertyList(Dictionary{{"a", 5}}));
