@@ -90,7 +90,8 @@ class Parser {
         }
         commandOf_[node] = &command;
         for (const Positional& positional : command.positionals) {
-            node->add_option(positional.name)->expected(positional.many ? -1 : 1);
+            CLI::Option* words = node->add_option(positional.name);
+            if (positional.many) words->expected(1, -1)->allow_extra_args();
         }
         for (const Option& option : command.options) {
             if (option.value.empty()) {

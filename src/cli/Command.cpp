@@ -16,6 +16,13 @@ const std::vector<std::string>& Call::words(const std::string& positional) const
 
 Commands allCommands() {
     Commands commands;
+    addScanCommands(commands);
+    addLookCommands(commands);
+    addCleanCommands(commands);
+    addAppCommands(commands);
+    addProtectionCommands(commands);
+    addHistoryCommands(commands);
+    addLanguageCommands(commands);
     addSampleCommands(commands);
     return commands;
 }

@@ -76,6 +76,11 @@ Commands allCommands();
 
 /// What each source of commands adds.
 void addScanCommands(Commands& commands);
+void addCleanCommands(Commands& commands);
+void addLookCommands(Commands& commands);
+void addAppCommands(Commands& commands);
+void addHistoryCommands(Commands& commands);
+void addLanguageCommands(Commands& commands);
 void addProtectionCommands(Commands& commands);
 void addSampleCommands(Commands& commands);
 

@@ -6,7 +6,7 @@
 
 #include <fmt/format.h>
 
-#include "cli/Text.h"
+#include "platform/ControlText.h"
 #include "platform/FileManager.h"
 #include "platform/Terminal.h"
 
@@ -19,7 +19,7 @@ Outcome confirm(const std::string& question, bool sure) {
         !platform::isTerminal(StandardStream::Error)) {
         return wrongWords("this removes data: add --yes to do it without a question");
     }
-    fmt::print(stderr, "{} [y/N] ", escapedForTerminal(question));
+    fmt::print(stderr, "{} [y/N] ", platform::escapedControls(question));
     std::fflush(stderr);
     std::string answer;
     std::getline(std::cin, answer);

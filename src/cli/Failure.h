@@ -21,6 +21,7 @@ enum Status : int {
 struct Failure {
     int status = kOperationFailed;
     platform::Error error;
+    bool documented = false;  ///< the document on standard output tells of it in its own form
 };
 
 /// What a command ends with.
@@ -29,12 +30,12 @@ using Outcome = std::expected<void, Failure>;
 /// The words of the call are wrong.
 inline std::unexpected<Failure> wrongWords(std::string description) {
     return std::unexpected(
-        Failure{kWrongWords, {"CommandLine", kWrongWords, std::move(description)}});
+        Failure{kWrongWords, {"CommandLine", kWrongWords, std::move(description)}, false});
 }
 
 /// The operation reported an error.
 inline std::unexpected<Failure> failed(platform::Error error) {
-    return std::unexpected(Failure{kOperationFailed, std::move(error)});
+    return std::unexpected(Failure{kOperationFailed, std::move(error), false});
 }
 
 }  // namespace sweepwright::cli

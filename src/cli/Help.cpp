@@ -13,13 +13,13 @@ namespace {
 
 constexpr std::string_view kGlobalOptions =
     R"(Options, before or after the command:
-  --device-root DIR   the folder that is the device's "/": where it is mounted or
-                      was copied to ($SWEEPWRIGHT_DEVICE_ROOT); on a device "/",
-                      elsewhere a sample device that is made on first use
+  --device-root DIR   the folder that is the device's "/": where it is mounted
+                      or was copied to ($SWEEPWRIGHT_DEVICE_ROOT); on a device
+                      "/", elsewhere a sample device, made on first use
   --home PATH         the app's home directory on the device ($SWEEPWRIGHT_HOME)
   --tmp PATH          the temporary directory on the device (HOME/tmp)
   --idiom KIND        iphone or ipad (iphone)
-  --json              one JSON document on standard output, and nothing else there
+  --json              one JSON document, and nothing else, on standard output
   --no-progress       no progress line
   -v, --verbose       the diagnostic log on standard error, too
   -h, --help          this help, or a command's: sweepctl COMMAND --help
@@ -40,13 +40,41 @@ is ever touched, and what the whitelists protect stays.
 
 using Entry = std::pair<std::string, std::string>;
 
+constexpr std::size_t kColumns = 80;
+constexpr std::size_t kWidestName = 36;  ///< a longer name has its help on the next line
+
+/// `help` from column `start` on, broken between words.
+std::string wrapped(std::string_view help, std::size_t start) {
+    std::string text;
+    std::size_t column = start;
+    while (!help.empty()) {
+        const std::string_view word = help.substr(0, help.find(' '));
+        help.remove_prefix(std::min(word.size() + 1, help.size()));
+        if (column > start && column + 1 + word.size() > kColumns) {
+            text += "\n" + std::string(start, ' ');
+            column = start;
+        } else if (column > start) {
+            text += ' ';
+            ++column;
+        }
+        text += word;
+        column += word.size();
+    }
+    return text + "\n";
+}
+
 std::string entries(const std::vector<Entry>& list) {
     std::size_t width = 0;
-    for (const auto& [name, help] : list)
-        width = std::max(width, name.size());
+    for (const auto& [name, help] : list) {
+        if (name.size() <= kWidestName) width = std::max(width, name.size());
+    }
+    const std::size_t start = width + 4;
     std::string text;
-    for (const auto& [name, help] : list)
-        text += fmt::format("  {:<{}}  {}\n", name, width, help);
+    for (const auto& [name, help] : list) {
+        text += fmt::format("  {:<{}}", name, width);
+        text += name.size() > width ? "\n" + std::string(start, ' ') : "  ";
+        text += wrapped(help, start);
+    }
     return text;
 }
 

@@ -1,11 +1,12 @@
 #include "cli/Json.h"
 
 #include "cli/Text.h"
+#include "platform/Utf8.h"
 
 namespace sweepwright::cli {
 
 Json pathValue(std::string_view bytes) {
-    if (isUtf8(bytes)) return bytes;
+    if (platform::isUtf8(bytes)) return bytes;
     Json object = Json::object();
     setPath(object, "path", bytes);
     return object;
@@ -20,7 +21,7 @@ Json pathArray(const std::vector<std::string>& paths) {
 
 void setPath(Json& object, const std::string& key, std::string_view bytes) {
     object[key] = replacingBadBytes(bytes);
-    if (!isUtf8(bytes)) object[key + "Bytes"] = base64(bytes);
+    if (!platform::isUtf8(bytes)) object[key + "Bytes"] = base64(bytes);
 }
 
 Json errorValue(const platform::Error& error) {

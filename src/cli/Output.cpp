@@ -6,16 +6,17 @@
 
 #include <fmt/format.h>
 
-#include "cli/Text.h"
+#include "engine/StorageAnalyzer.h"
+#include "platform/ControlText.h"
 
 namespace sweepwright::cli {
 
 std::string sizeText(std::uint64_t bytes) {
-    return fmt::format("{} B", bytes);
+    return StorageAnalyzer::formatBytes(bytes);
 }
 
 std::string Output::shown(std::string_view bytes) const {
-    return terminal_ ? escapedForTerminal(bytes) : std::string(bytes);
+    return terminal_ ? platform::escapedControls(bytes) : std::string(bytes);
 }
 
 void Output::line(std::string_view text) {
@@ -44,7 +45,7 @@ platform::Result<> Output::flush() {
 }
 
 void complain(std::string_view text) {
-    const std::string line = fmt::format("sweepctl: {}\n", escapedForTerminal(text));
+    const std::string line = fmt::format("sweepctl: {}\n", platform::escapedControls(text));
     std::fwrite(line.data(), 1, line.size(), stderr);
 }
 

@@ -22,7 +22,7 @@ constexpr const char* kVersion = SWEEPWRIGHT_VERSION;
 /// Tells of a failure on standard error and, with --json, on standard output.
 void report(Output& output, const Failure& failure) {
     complain(failure.error.description);
-    output.document(Json{{"error", errorValue(failure.error)}});
+    if (!failure.documented) output.document(Json{{"error", errorValue(failure.error)}});
 }
 
 /// Opens the device the call names; wrong words about it are told from an unusable root.
@@ -30,7 +30,8 @@ Outcome openDevice(const Invocation& invocation) {
     const auto choice = launch::openCurrentDevice(invocation.global, launch::processEnvironment());
     if (!choice) {
         const bool words = choice.error().domain == platform::kDeviceOptionsErrorDomain;
-        return std::unexpected(Failure{words ? kWrongWords : kDeviceUnusable, choice.error()});
+        return std::unexpected(
+            Failure{words ? kWrongWords : kDeviceUnusable, choice.error(), false});
     }
     if (choice->made) {
         complain(fmt::format("made a sample device of {} files ({}) in {}", choice->made->files,

@@ -12,6 +12,7 @@
 #include <fmt/format.h>
 
 #include "cli/Text.h"
+#include "platform/ControlText.h"
 #include "platform/Terminal.h"
 
 namespace sweepwright::cli {
@@ -49,13 +50,18 @@ struct Progress::State {
 
     void paint(const std::stop_token& stop) {
         std::unique_lock lock(mutex);
-        while (changed.wait(lock, stop, [this] { return dirty; })) {
-            dirty = false;
-            shown = true;
-            screen.write("\r" + lineFor(name, fraction, screen.columns(), screen.unicode) +
-                         "\x1b[K");
+        do {
             changed.wait_for(lock, stop, kFrame, [] { return false; });
-        }
+            changed.wait(lock, stop, [this] { return dirty; });
+            if (dirty && !stop.stop_requested()) draw();
+        } while (!stop.stop_requested());
+    }
+
+    /// With the mutex held.
+    void draw() {
+        dirty = false;
+        shown = true;
+        screen.write("\r" + lineFor(name, fraction, screen.columns(), screen.unicode) + "\x1b[K");
     }
 };
 
@@ -91,6 +97,7 @@ void Progress::update(std::string_view name, double fraction) {
     state_->fraction = fraction;
     state_->dirty = true;
     if (!state_->painter.joinable()) {
+        state_->draw();  // at once, so that a person sees that work has begun
         state_->painter = std::jthread(
             [state = state_.get()](const std::stop_token& stop) { state->paint(stop); });
     }
@@ -124,7 +131,7 @@ std::string Progress::lineFor(std::string_view name, double fraction, std::size_
     line += percent + "  ";
     const std::size_t used = displayWidth(line);
     if (used >= room) return truncatedToWidth(percent, room);
-    return line + truncatedToWidth(escapedForTerminal(name), room - used);
+    return line + truncatedToWidth(platform::escapedControls(name), room - used);
 }
 
 }  // namespace sweepwright::cli

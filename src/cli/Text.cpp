@@ -2,11 +2,12 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <iterator>
 #include <span>
 
-#include <fmt/format.h>
+#include "platform/Utf8.h"
 
 namespace sweepwright::cli {
 
@@ -15,46 +16,17 @@ namespace {
 /// One step through bytes: a character, or one bad byte.
 struct Character {
     char32_t code = 0;
-    std::size_t bytes = 1;
     bool valid = false;
 };
-
-struct Lead {
-    unsigned mask;
-    unsigned bits;
-    std::size_t bytes;
-    char32_t least;  // a smaller code in as many bytes is overlong
-};
-
-constexpr std::array<Lead, 3> kLeads{
-    {{0xE0, 0xC0, 2, 0x80}, {0xF0, 0xE0, 3, 0x800}, {0xF8, 0xF0, 4, 0x10000}}};
-
-Character firstCharacter(std::string_view bytes) {
-    const auto byteAt = [&](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
-    const unsigned first = byteAt(0);
-    if (first < 0x80) return {first, 1, true};
-    for (const Lead& lead : kLeads) {
-        if ((first & lead.mask) != lead.bits) continue;
-        if (bytes.size() < lead.bytes) return {first, 1, false};
-        char32_t code = first & ~lead.mask;
-        for (std::size_t i = 1; i < lead.bytes; ++i) {
-            if ((byteAt(i) & 0xC0U) != 0x80U) return {first, 1, false};
-            code = (code << 6U) | (byteAt(i) & 0x3FU);
-        }
-        const bool surrogate = code >= 0xD800 && code <= 0xDFFF;
-        if (code < lead.least || surrogate || code > 0x10FFFF) return {first, 1, false};
-        return {code, lead.bytes, true};
-    }
-    return {first, 1, false};
-}
 
 /// Calls `each(character, its bytes)` for all of `bytes`.
 template <class Each>
 void forEachCharacter(std::string_view bytes, Each each) {
     while (!bytes.empty()) {
-        const Character character = firstCharacter(bytes);
-        each(character, bytes.substr(0, character.bytes));
-        bytes.remove_prefix(character.bytes);
+        const platform::Utf8Character next = platform::firstUtf8Character(bytes);
+        const std::string_view its = bytes.substr(0, std::max<std::size_t>(next.bytes, 1));
+        each(Character{next.code, next.bytes > 0}, its);
+        bytes.remove_prefix(its.size());
     }
 }
 
@@ -101,65 +73,18 @@ constexpr auto kCombining = std::to_array<Range>({
     {0xFEFF, 0xFEFF}, {0xE0020, 0xE007F}, {0xE0100, 0xE01EF},
 });
 
-/// Characters that direct what comes after them, so that a name could pose as another.
-constexpr auto kDirecting = std::to_array<Range>({
-    {0x0000, 0x001F},
-    {0x007F, 0x009F},
-    {0x061C, 0x061C},
-    {0x200E, 0x200F},
-    {0x2028, 0x202E},
-    {0x2066, 0x2069},
-});
-
 std::size_t widthOf(const Character& character) {
     if (!character.valid) return 1;
     if (isIn(kCombining, character.code)) return 0;
     return isIn(kWide, character.code) ? 2 : 1;
 }
 
-std::string escapeOf(char32_t code) {
-    switch (code) {
-        case '\n':
-            return "\\n";
-        case '\r':
-            return "\\r";
-        case '\t':
-            return "\\t";
-        default:
-            break;
-    }
-    const auto number = static_cast<std::uint32_t>(code);
-    return number < 0x80 ? fmt::format("\\x{:02x}", number) : fmt::format("\\u{:04x}", number);
-}
-
 }  // namespace
-
-bool isUtf8(std::string_view bytes) {
-    bool valid = true;
-    forEachCharacter(bytes, [&](const Character& character, std::string_view) {
-        valid = valid && character.valid;
-    });
-    return valid;
-}
 
 std::string replacingBadBytes(std::string_view bytes) {
     std::string text;
     forEachCharacter(bytes, [&](const Character& character, std::string_view its) {
         text += character.valid ? its : std::string_view("\uFFFD");
-    });
-    return text;
-}
-
-std::string escapedForTerminal(std::string_view bytes) {
-    std::string text;
-    forEachCharacter(bytes, [&](const Character& character, std::string_view its) {
-        if (!character.valid) {
-            text += fmt::format("\\x{:02x}", static_cast<std::uint32_t>(character.code));
-        } else if (isIn(kDirecting, character.code)) {
-            text += escapeOf(character.code);
-        } else {
-            text += its;
-        }
     });
     return text;
 }

@@ -8,15 +8,8 @@ namespace sweepwright::cli {
 
 /// Bytes, as a name on the device may hold them, made fit for where they are shown.
 
-/// Whether `bytes` is well-formed UTF-8.
-bool isUtf8(std::string_view bytes);
-
 /// `bytes` with each byte that belongs to no well-formed character as U+FFFD.
 std::string replacingBadBytes(std::string_view bytes);
-
-/// `bytes` without anything a terminal would act on: control characters, bytes that are no UTF-8
-/// and marks that change the direction of text appear as escapes ("\n", "\x1b", "\u202e").
-std::string escapedForTerminal(std::string_view bytes);
 
 /// Columns that `text` takes on a terminal: 2 for wide characters (Chinese, Japanese, Korean,
 /// emoji), 0 for marks that combine, 1 for the rest and for each bad byte.

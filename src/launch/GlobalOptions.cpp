@@ -3,11 +3,8 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
-#include <random>
 #include <system_error>
 #include <utility>
-
-#include <fmt/format.h>
 
 #include "platform/Log.h"
 
@@ -29,35 +26,21 @@ std::optional<std::string> variable(const Environment& environment, const std::s
 /// base directory conventions want it.
 std::optional<std::string> baseFolder(const Environment& environment, const std::string& name,
                                       const std::string& fallback) {
-    const auto folder = variable(environment, name);
+    auto folder = variable(environment, name);
     if (folder && folder->front() == '/') return folder;
     const auto home = variable(environment, "HOME");
     if (!home) return std::nullopt;
     return *home + "/" + fallback;
 }
 
-Error hostError(const std::error_code& code, const std::string& path) {
-    return platform::errorFromErrno(code.value(), path);
-}
-
-/// Makes the sample device at `folder` unless it is there. It is made beside its place and renamed,
-/// so that a start that was cut off, or two at once, never leave half a device there.
+/// Makes the sample device at `folder` unless it is there.
 Result<std::optional<SampleDeviceSummary>> ensureSampleDevice(const std::string& folder) {
-    std::error_code failed;
-    if (fs::exists(fs::symlink_status(folder, failed))) return std::nullopt;
-    fs::create_directories(fs::path(folder).parent_path(), failed);
-    if (failed) return std::unexpected(hostError(failed, fs::path(folder).parent_path().string()));
-
-    const std::string making = fmt::format("{}.{:08x}", folder, std::random_device{}());
-    auto summary = makeSampleDevice(making, 1);
-    if (summary) fs::rename(making, folder, failed);
-    if (summary && !failed) return *summary;
-
     std::error_code ignored;
-    fs::remove_all(making, ignored);
-    if (!summary) return std::unexpected(std::move(summary.error()));
+    if (fs::exists(fs::symlink_status(folder, ignored))) return std::nullopt;
+    auto made = makeSampleDevice(folder, 1);
+    if (made) return *made;
     if (fs::is_directory(folder, ignored)) return std::nullopt;  // another process was first
-    return std::unexpected(hostError(failed, folder));
+    return std::unexpected(std::move(made.error()));
 }
 
 /// Language tags from the locale the environment asks for: "zh_CN.UTF-8" reads "zh-CN".

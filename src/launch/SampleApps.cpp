@@ -60,9 +60,11 @@ Result<IconSet> iconFor(const App& app) {
     const std::string bundleName(app.bundleName);
     switch (app.icon) {
         case IconStyle::Primary:
+        case IconStyle::BothScales:
             set.keys = primaryIcon();
             done = addIcon(set, app, "AppIcon60x60@2x.png", kSideAtTwo, true);
-            if (done) done = addIcon(set, app, "AppIcon60x60@3x.png", kSideAtThree, true);
+            if (done && app.icon == IconStyle::BothScales)
+                done = addIcon(set, app, "AppIcon60x60@3x.png", kSideAtThree, true);
             break;
         case IconStyle::TopLevel:
             set.keys.set("CFBundleIconFiles", PropertyList::Array{"Icon-29", "Icon-60"});
@@ -130,7 +132,7 @@ Result<> SampleDeviceBuilder::layBundle(const App& app) {
         if (done) done = layText(fmt::format("{}/{}", bundle, file.name), file.content);
     }
     if (!done) return done;
-    const catalog::Heap assets{bundle, "Asset-{n}.car", 3, 2400, 400};
+    const catalog::Heap assets{bundle, "Asset-{n}.car", 3, 1200, 400};
     return layHeap(assets, bundle);
 }
 

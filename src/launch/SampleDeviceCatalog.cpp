@@ -76,7 +76,7 @@ constexpr auto kHeaps = std::to_array<Heap>({
     {CACHES "MappedImageCache", "{hash}.mapped", 20, 140, 60},
     {CACHES "GeoServices/Resources", "{hash}.pack", 14, 210, 60},
     {"/var/MobileAsset/AssetsV2/com_apple_MobileAsset_Font7", "{hash}.asset", 18, 2300, 200},
-    {"/var/MobileAsset/AssetsV2/com_apple_MobileAsset_VoiceServices_VoiceResources", "{hash}.asset", 8, 5200, 200},
+    {"/var/MobileAsset/AssetsV2/com_apple_MobileAsset_VoiceServices_VoiceResources", "{hash}.asset", 8, 3100, 200},
     {"/var/MobileAsset/AssetsV2/com_apple_MobileAsset_LinguisticData", "{hash}.asset", 10, 1400, 200},
     {"/var/db/uuidtext/3F", "{hash}", 20, 90, 60},
     {"/var/db/uuidtext/A7", "{hash}", 20, 90, 60},
@@ -88,7 +88,7 @@ constexpr auto kHeaps = std::to_array<Heap>({
 
     // What people keep.
     {"/var/mobile/Media/DCIM/100APPLE", "IMG_{n}.HEIC", 70, 2400, 700},
-    {"/var/mobile/Media/DCIM/101APPLE", "IMG_{n}.MOV", 6, 24000, 300},
+    {"/var/mobile/Media/DCIM/101APPLE", "IMG_{n}.MOV", 6, 9000, 300},
     {"/var/mobile/Media/Downloads/Old exports", "export-{n}.zip", 12, 2600, 500},
     {"/var/mobile/Media/Recordings", "memo-{n}.m4a", 10, 700, 400},
     {"/var/mobile/Library/SMS/Attachments", "{uuid}.jpeg", 20, 380, 500},
@@ -130,8 +130,8 @@ constexpr auto kSingles = std::to_array<Single>({
     {"{home}/Library/Safari/History.db-wal", 410 * kKiB, kHour},
     {"{home}/Library/Safari/CacheSettings.plist", 3 * kKiB, 40 * kDay},
     {"{home}/Library/Application Support/Offline.bin", 5 * kMiB, 40 * kDay},
-    {"{home}/Documents/Downloads/Summer film.mp4", 96 * kMiB, 12 * kDay},
-    {"{home}/Documents/Downloads/Summer film (1).mp4", 96 * kMiB, 11 * kDay},
+    {"{home}/Documents/Downloads/Summer film.mp4", 54 * kMiB, 12 * kDay},
+    {"{home}/Documents/Downloads/Summer film (1).mp4", 54 * kMiB, 11 * kDay},
     {"{home}/Documents/Downloads/.partial", 4 * kMiB, kHour},
     // Names that trip what is careless with them.
     {"{home}/tmp/-rf", 18 * kKiB, kDay},

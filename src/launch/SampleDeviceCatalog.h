@@ -42,12 +42,13 @@ enum class InfoFormat : std::uint8_t { Binary, Xml };
 
 /// How a bundle names its icon, and how the picture is stored.
 enum class IconStyle : std::uint8_t {
-    Primary,    ///< CFBundleIcons, @2x and @3x files in the device's own PNG variant
-    TopLevel,   ///< CFBundleIconFiles, @2x and @3x files, plain PNG
-    Single,     ///< CFBundleIconFile, one file without a scale
-    UpperCase,  ///< CFBundleIconFile, extension "PNG"
-    Usual,      ///< no name; a file that is called as icons usually are
-    Damaged,    ///< CFBundleIcons, a file that holds no picture
+    Primary,     ///< CFBundleIcons, an @2x file in the device's own PNG variant
+    BothScales,  ///< the same with an @3x file beside it
+    TopLevel,    ///< CFBundleIconFiles, @2x and @3x files, plain PNG
+    Single,      ///< CFBundleIconFile, one file without a scale
+    UpperCase,   ///< CFBundleIconFile, extension "PNG"
+    Usual,       ///< no name; a file that is called as icons usually are
+    Damaged,     ///< CFBundleIcons, a file that holds no picture
     None,
 };
 

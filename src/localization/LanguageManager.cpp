@@ -1,5 +1,7 @@
 #include "localization/LanguageManager.h"
 
+#include <tuple>
+
 #include "platform/Device.h"
 #include "platform/Log.h"
 #include "platform/NotificationCenter.h"
@@ -36,7 +38,7 @@ LanguageManager::LanguageManager(platform::UserDefaults& defaults,
       currentBundle_(mainBundle_) {
     const auto stored = defaults_.string(kLanguageKey);
     // A language that can't be stored is logged and holds for this run.
-    (void)setLanguage(stored ? std::string_view(*stored) : languageFor(preferredLanguages));
+    std::ignore = setLanguage(stored ? std::string_view(*stored) : languageFor(preferredLanguages));
 }
 
 LanguageManager& LanguageManager::sharedManager() {

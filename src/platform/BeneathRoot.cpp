@@ -95,10 +95,25 @@ std::string_view withoutTrailingSlashes(std::string_view path) {
     return path;
 }
 
-bool differentDevice(int one, int other) {
+/// Whether `inner`, an entry of `outer`, is a mount point. A folder of the same volume that is
+/// mounted there is known by its attribute only, which Linux tells since 5.8.
+bool isMountPoint(int outer, int inner) {
     struct stat a{};
     struct stat b{};
-    return fstat(one, &a) != 0 || fstat(other, &b) != 0 || a.st_dev != b.st_dev;
+    if (fstat(outer, &a) != 0 || fstat(inner, &b) != 0 || a.st_dev != b.st_dev) return true;
+#if defined(__linux__) && defined(STATX_ATTR_MOUNT_ROOT)
+    struct statx status{};
+    if (statx(inner, "", AT_EMPTY_PATH | AT_NO_AUTOMOUNT, 0, &status) == 0)
+        return (status.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0;
+#endif
+    return false;
+}
+
+/// Whether `path` can't be handed to the kernel as it is: it would end at a zero byte and name
+/// something else. An empty one names nothing.
+int unusable(std::string_view path) {
+    if (path.empty()) return ENOENT;
+    return path.find('\0') == std::string_view::npos ? 0 : EINVAL;
 }
 
 }  // namespace
@@ -123,6 +138,7 @@ Opened BeneathRoot::descend(const std::vector<std::string>& components) const {
 
 BeneathRoot::Outcome<BeneathRoot::Entry> BeneathRoot::resolve(std::string_view path,
                                                               LastLink lastLink) const {
+    if (const int number = unusable(path); number != 0) return std::unexpected(number);
     std::deque<std::string> pending;
     splitInto(pending, path);
     std::vector<std::string> done;
@@ -166,6 +182,7 @@ BeneathRoot::Outcome<BeneathRoot::Entry> BeneathRoot::resolve(std::string_view p
 
 BeneathRoot::Outcome<BeneathRoot::Entry> BeneathRoot::locate(std::string_view path,
                                                              LastLink lastLink) const {
+    if (const int number = unusable(path); number != 0) return std::unexpected(number);
     path = withoutTrailingSlashes(path);
 #ifdef __linux__
     const std::size_t slash = path.rfind('/');
@@ -187,6 +204,7 @@ BeneathRoot::Outcome<BeneathRoot::Entry> BeneathRoot::locate(std::string_view pa
 }
 
 Opened BeneathRoot::openDirectory(std::string_view path, LastLink lastLink) const {
+    if (const int number = unusable(path); number != 0) return std::unexpected(number);
     path = withoutTrailingSlashes(path);
 #ifdef __linux__
     if (calls_ == Calls::Native && !openat2Missing) {
@@ -202,6 +220,7 @@ Opened BeneathRoot::openDirectory(std::string_view path, LastLink lastLink) cons
 
 Opened BeneathRoot::openBeneath(int base, std::string_view relative, Mounts mounts) const {
     if (relative.empty()) return openAt(base, ".", kList);
+    if (const int number = unusable(relative); number != 0) return std::unexpected(number);
 #ifdef __linux__
     if (calls_ == Calls::Native && !openat2Missing && relative.size() < PATH_MAX) {
         const unsigned noMounts = mounts == Mounts::Refuse ? RESOLVE_NO_XDEV : 0U;
@@ -210,13 +229,15 @@ Opened BeneathRoot::openBeneath(int base, std::string_view relative, Mounts moun
         if (!mustWalk(opened)) return opened;
     }
 #endif
+    if (relative.starts_with('/')) return std::unexpected(EXDEV);  // as the kernel's own road says
     std::deque<std::string> components;
     splitInto(components, relative);
     Opened current = openAt(base, ".", kSearch);
     while (current && !components.empty()) {
+        if (components.front() == "..") return std::unexpected(EXDEV);
         const int flags = components.size() == 1 ? kList : kSearch;
         Opened next = openAt(current->get(), components.front(), flags | O_NOFOLLOW);
-        if (next && mounts == Mounts::Refuse && differentDevice(current->get(), next->get()))
+        if (next && mounts == Mounts::Refuse && isMountPoint(current->get(), next->get()))
             return std::unexpected(EXDEV);
         current = std::move(next);
         components.pop_front();

@@ -97,10 +97,10 @@ std::span<const Grid> gridsOf(const Header& header) {
 /// Inflates a raw deflate stream that is handed over in pieces into a buffer of fixed size.
 class RawInflater {
   public:
-    explicit RawInflater(std::span<std::uint8_t> out) {
+    explicit RawInflater(std::span<std::uint8_t> out)
+        : ready_(inflateInit2(&stream_, -MAX_WBITS) == Z_OK) {
         stream_.next_out = out.data();
         stream_.avail_out = static_cast<uInt>(out.size());
-        ready_ = inflateInit2(&stream_, -MAX_WBITS) == Z_OK;
     }
     ~RawInflater() { inflateEnd(&stream_); }
     RawInflater(const RawInflater&) = delete;
@@ -121,31 +121,56 @@ class RawInflater {
 
   private:
     z_stream stream_{};
-    bool ready_ = false;
+    bool ready_;
     bool ended_ = false;
 };
 
-/// Undoes one row's filter in place. `above` is the row above, already undone; empty for the first.
-bool unfilter(std::uint8_t filter, std::span<std::uint8_t> row, std::span<const std::uint8_t> above,
-              std::size_t channels) {
-    if (filter > 4) return false;
-    for (std::size_t i = 0; i < row.size(); ++i) {
-        const std::uint8_t left = i < channels ? std::uint8_t{0} : row[i - channels];
-        const std::uint8_t up = above.empty() ? std::uint8_t{0} : above[i];
-        const std::uint8_t corner =
-            above.empty() || i < channels ? std::uint8_t{0} : above[i - channels];
-        unsigned predicted = 0;
-        if (filter == 1) predicted = left;
-        if (filter == 2) predicted = up;
-        if (filter == 3) predicted = (unsigned{left} + up) / 2;
-        if (filter == 4) predicted = paeth(left, up, corner);
-        row[i] = static_cast<std::uint8_t>(row[i] + predicted);
+using Row = std::span<std::uint8_t>;
+using RowAbove = std::span<const std::uint8_t>;
+
+/// Adds to each byte of a row what `predict` foretells from its left, upper and upper left
+/// neighbours, which are 0 beyond the edge.
+template <class Predict>
+void addPredicted(Row row, RowAbove above, std::size_t channels, Predict predict) {
+    constexpr std::uint8_t kNone = 0;
+    for (std::size_t i = 0; i < channels; ++i) {
+        row[i] = static_cast<std::uint8_t>(row[i] + predict(kNone, above[i], kNone));
     }
-    return true;
+    for (std::size_t i = channels; i < row.size(); ++i) {
+        row[i] = static_cast<std::uint8_t>(
+            row[i] + predict(row[i - channels], above[i], above[i - channels]));
+    }
+}
+
+/// Undoes one row's filter in place; false when there is no such filter. `above` is the row above,
+/// already undone, or as many zeros.
+bool unfilter(std::uint8_t filter, Row row, RowAbove above, std::size_t channels) {
+    using Byte = std::uint8_t;
+    switch (filter) {
+        case 0:
+            return true;
+        case 1:
+            addPredicted(row, above, channels, [](Byte left, Byte, Byte) { return left; });
+            return true;
+        case 2:
+            addPredicted(row, above, channels, [](Byte, Byte up, Byte) { return up; });
+            return true;
+        case 3:
+            addPredicted(row, above, channels, [](Byte left, Byte up, Byte) {
+                return static_cast<Byte>((left + up) / 2);
+            });
+            return true;
+        case 4:
+            addPredicted(row, above, channels, paeth);
+            return true;
+        default:
+            return false;
+    }
 }
 
 /// The colour that, multiplied by `alpha`, was stored as `value`.
 std::uint8_t unmultiplied(std::uint8_t value, std::uint8_t alpha) {
+    if (alpha == 255) return value;
     if (alpha == 0) return 0;
     return static_cast<std::uint8_t>(
         std::min<unsigned>(255U, (unsigned{value} * 255U + alpha / 2U) / alpha));
@@ -163,7 +188,8 @@ void putPixel(std::span<const std::uint8_t> stored, std::span<std::uint8_t, kPix
 /// Undoes the filters of one grid, whose filtered rows are `data`, and puts its pixels in place.
 bool placeGrid(const Grid& grid, const Header& header, std::span<std::uint8_t> data, Image& image) {
     const std::size_t rowBytes = grid.rowBytes(header);
-    std::span<const std::uint8_t> above;
+    const std::vector<std::uint8_t> nothingAbove(rowBytes);
+    RowAbove above = nothingAbove;
     for (std::size_t row = 0; row < grid.rows(header); ++row) {
         const std::uint8_t filter = data[row * (rowBytes + 1)];
         const auto current = data.subspan(row * (rowBytes + 1) + 1, rowBytes);

@@ -4,9 +4,6 @@
 
 #include <unistd.h>
 
-#include "platform/Device.h"
-#include "platform/HostFileManager.h"
-
 namespace sweepwright::platform {
 
 UniqueDescriptor::~UniqueDescriptor() {
@@ -15,11 +12,6 @@ UniqueDescriptor::~UniqueDescriptor() {
 
 std::string Directory::pathOf(std::string_view name) const {
     return joinPath(path_, name);
-}
-
-FileManager& FileManager::defaultManager() {
-    static HostFileManager manager(Device::current().root());
-    return manager;
 }
 
 Result<std::vector<std::string>> FileManager::contentsOfDirectory(const std::string& path) {
@@ -56,6 +48,11 @@ std::string joinPath(std::string_view directory, std::string_view name) {
     joined.reserve(directory.size() + 1 + name.size());
     joined.append(directory).append("/").append(name);
     return joined;
+}
+
+bool isEntryName(std::string_view name) {
+    return !name.empty() && name != "." && name != ".." &&
+           name.find('/') == std::string_view::npos && name.find('\0') == std::string_view::npos;
 }
 
 std::string_view lastPathComponent(std::string_view path) {

@@ -84,7 +84,8 @@ class FileLock {
 };
 
 /// Every file-system call of the product. Paths are device paths: absolute, bytes, resolved beneath
-/// the device root, which neither ".." nor an absolute link leaves.
+/// the device root, which neither ".." nor an absolute link leaves. An empty path names nothing
+/// (ENOENT), one with a zero byte is refused (EINVAL).
 ///
 /// All operations are thread-safe. They are virtual so that a test can wrap them, count calls and
 /// let the n-th fail; errors carry errno values in kPosixErrorDomain.
@@ -115,7 +116,8 @@ class FileManager {
     virtual Result<FileAttributes> attributesAt(const Directory& directory,
                                                 std::string_view name) = 0;
 
-    /// Removes an entry that is no directory. Links are removed, not followed.
+    /// Removes an entry that is no directory. Links are removed, not followed. EINVAL here and
+    /// below for what is no entry's name.
     virtual Result<> removeFileAt(const Directory& directory, std::string_view name) = 0;
 
     /// Removes an empty directory that is an entry of `directory`.
@@ -131,7 +133,8 @@ class FileManager {
         const std::string& path) = 0;
     /// The device path of an existing `path` with every link on it resolved.
     virtual Result<std::string> resolvedPath(const std::string& path) = 0;
-    /// The host path of an open directory, for a command that runs on the host.
+    /// The host path of an open directory, for a command that runs on the host; ENOENT when it has
+    /// none any more.
     virtual Result<std::string> hostPath(const Directory& directory) = 0;
 
     // --- Whole files. ---
@@ -150,6 +153,7 @@ class FileManager {
     /// Creates a regular file of `size` bytes that holds no blocks.
     virtual Result<> createSparseFile(const std::string& path, std::uint64_t size) = 0;
     /// Creates `path` and the directories above it that are missing; not an error if all are there.
+    /// They get the owner of the directory they are made in, where the process may.
     virtual Result<> createDirectories(const std::string& path) = 0;
     virtual Result<> createSymbolicLink(const std::string& path, const std::string& target) = 0;
     /// Links are not followed.
@@ -157,7 +161,8 @@ class FileManager {
                                          std::chrono::system_clock::time_point date) = 0;
     /// Renames within the device; an existing `to` is not replaced (EEXIST).
     virtual Result<> rename(const std::string& from, const std::string& to) = 0;
-    /// Waits for the exclusive lock on `path`, a file that is made if absent and stays.
+    /// Waits for the exclusive lock on `path`, a file that is made if absent, with the owner of its
+    /// directory where the process may, and stays.
     virtual Result<FileLock> lock(const std::string& path) = 0;
 
     // --- Conveniences over the operations above. ---
@@ -174,6 +179,8 @@ class FileManager {
 
 /// Joins a directory's path and an entry's name with exactly one "/".
 std::string joinPath(std::string_view directory, std::string_view name);
+/// Whether `name` can be that of an entry: not empty, "." or "..", without "/" and zero bytes.
+bool isEntryName(std::string_view name);
 /// The last component of a path, trailing "/" aside.
 std::string_view lastPathComponent(std::string_view path);
 /// What follows the last "." of the last component; empty when there is none, when the "." is the

@@ -6,9 +6,9 @@ namespace sweepwright::platform {
 
 /// Lets the kernel (Linux with Landlock) refuse changes outside one folder.
 ///
-/// Confined are creating, removing, renaming, linking, truncating and opening for writing. Reading
-/// and executing stay free everywhere, and so do what Landlock does not know: modes, owners, dates
-/// and attributes of files, signals and sockets.
+/// Confined are creating, removing, renaming, linking, opening for writing and, from Linux 6.2,
+/// truncating. Reading and executing stay free everywhere, and so do what Landlock does not know:
+/// modes, owners, dates and attributes of files, signals and sockets.
 class FolderConfinement {
   public:
     /// Whether this host offers it to this process.

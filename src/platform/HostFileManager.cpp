@@ -8,7 +8,6 @@
 
 #include <dirent.h>
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <unistd.h>
@@ -20,6 +19,13 @@
 namespace sweepwright::platform {
 
 namespace {
+
+// An open that asks about a file and neither reads it nor needs the right to.
+#ifdef O_PATH
+constexpr int kAsk = O_PATH | O_CLOEXEC | O_NOFOLLOW;
+#else
+constexpr int kAsk = O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW;
+#endif
 
 std::unexpected<Error> failed(int number, std::string_view path) {
     return std::unexpected(errorFromErrno(number, path));
@@ -47,10 +53,15 @@ FileType typeFromEntry(unsigned char type) {
     }
 }
 
+/// A date that the clock can't tell, which any file may bear, becomes the last or first it can.
 std::chrono::system_clock::time_point timePoint(std::int64_t seconds, std::int64_t nanoseconds) {
-    return std::chrono::system_clock::time_point(
-        std::chrono::duration_cast<std::chrono::system_clock::duration>(
-            std::chrono::seconds(seconds) + std::chrono::nanoseconds(nanoseconds)));
+    using Date = std::chrono::system_clock::time_point;
+    constexpr std::int64_t kLast =
+        std::chrono::floor<std::chrono::seconds>(std::chrono::nanoseconds::max()).count();
+    if (seconds >= kLast) return Date::max();
+    if (seconds <= -kLast) return Date::min();
+    return Date(std::chrono::duration_cast<std::chrono::system_clock::duration>(
+        std::chrono::seconds(seconds) + std::chrono::nanoseconds(nanoseconds)));
 }
 
 /// Attributes by one system call; 0 or an errno value.
@@ -104,10 +115,19 @@ bool isDotOrDotDot(std::string_view name) {
     return name == "." || name == "..";
 }
 
+Result<> removeAt(const Directory& directory, std::string_view name, int flags) {
+    if (!isEntryName(name)) return failed(EINVAL, directory.pathOf(name));
+    if (unlinkat(directory.descriptor(), CName(name).get(), flags) != 0)
+        return failed(errno, directory.pathOf(name));
+    return {};
+}
+
 int readPortable(DIR* stream, EntryBuffer& buffer) {
     buffer.bytes.clear();
     buffer.bytes.reserve(EntryBuffer::kBytes);
-    while (buffer.bytes.size() + NAME_MAX + 1 <= EntryBuffer::kBytes) {
+    // Names point into the bytes, which must not move. Some file systems have names longer than
+    // NAME_MAX; none has one longer than a path.
+    while (buffer.bytes.size() + PATH_MAX <= EntryBuffer::kBytes) {
         errno = 0;
         const dirent* entry = readdir(stream);
         if (entry == nullptr) return errno;
@@ -223,15 +243,11 @@ Result<FileAttributes> HostFileManager::attributesAt(const Directory& directory,
 }
 
 Result<> HostFileManager::removeFileAt(const Directory& directory, std::string_view name) {
-    if (unlinkat(directory.descriptor(), CName(name).get(), 0) != 0)
-        return failed(errno, directory.pathOf(name));
-    return {};
+    return removeAt(directory, name, 0);
 }
 
 Result<> HostFileManager::removeDirectoryAt(const Directory& directory, std::string_view name) {
-    if (unlinkat(directory.descriptor(), CName(name).get(), AT_REMOVEDIR) != 0)
-        return failed(errno, directory.pathOf(name));
-    return {};
+    return removeAt(directory, name, AT_REMOVEDIR);
 }
 
 Result<FileAttributes> HostFileManager::attributes(const std::string& path, LastLink lastLink) {
@@ -252,11 +268,11 @@ Result<std::optional<FileSystemAttributes>> HostFileManager::fileSystemAttribute
     const std::string& path) {
     const auto entry = beneath_.locate(path, LastLink::Follow);
     if (!entry) return failed(entry.error(), path);
-    UniqueDescriptor opened(openat(entry->parent.get(), entry->name.c_str(),
-                                   O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW));
+    UniqueDescriptor opened(openat(entry->parent.get(), entry->name.c_str(), kAsk));
     if (!opened.valid()) return failed(errno, path);
     struct statvfs totals{};
     if (fstatvfs(opened.get(), &totals) != 0) return failed(errno, path);
+    if (totals.f_blocks == 0) return std::nullopt;
     return FileSystemAttributes{std::uint64_t{totals.f_blocks} * totals.f_frsize,
                                 std::uint64_t{totals.f_bavail} * totals.f_frsize};
 }
@@ -275,24 +291,21 @@ Result<std::string> HostFileManager::hostPath(const Directory& directory) {
 #ifdef __APPLE__
     if (fcntl(directory.descriptor(), F_GETPATH, buffer.data()) != 0)
         return failed(errno, directory.path());
-    return std::string(buffer.data());
+    std::string path(buffer.data());
 #else
     const std::string self = "/proc/self/fd/" + std::to_string(directory.descriptor());
     const ssize_t length = readlink(self.c_str(), buffer.data(), buffer.size());
     if (length < 0) return failed(errno, directory.path());
-    return std::string(buffer.data(), static_cast<std::size_t>(length));
+    std::string path(buffer.data(), static_cast<std::size_t>(length));
 #endif
-}
-
-Result<FileLock> HostFileManager::lock(const std::string& path) {
-    const auto entry = beneath_.locate(path, LastLink::Refuse);
-    if (!entry) return failed(entry.error(), path);
-    UniqueDescriptor opened(openat(entry->parent.get(), entry->name.c_str(),
-                                   O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0644));
-    if (!opened.valid()) return failed(errno, path);
-    while (flock(opened.get(), LOCK_EX) != 0)
-        if (errno != EINTR) return failed(errno, path);
-    return FileLock(std::move(opened));
+    // The text of a directory that is gone, or too long to be told whole, names something else.
+    struct stat opened{};
+    struct stat named{};
+    if (fstat(directory.descriptor(), &opened) != 0 || lstat(path.c_str(), &named) != 0)
+        return failed(errno, directory.path());
+    if (opened.st_dev != named.st_dev || opened.st_ino != named.st_ino)
+        return failed(ENOENT, directory.path());
+    return path;
 }
 
 }  // namespace sweepwright::platform

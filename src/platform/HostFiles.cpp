@@ -1,8 +1,11 @@
 // HostFileManager's work on whole files: reading, replacing, making.
 #include <cerrno>
+#include <climits>
 #include <cstdio>
+#include <functional>
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -29,17 +32,32 @@ int writeAll(int descriptor, std::string_view content) {
     return 0;
 }
 
-/// Gives a new file the owner and permissions of the one it will replace, else the directory's
-/// owner: a file written by an administrator must stay the app's own. Best effort.
-void inheritOwner(int file, int directory, const std::string& name) {
+/// Gives a new entry of `directory` the directory's owner: what an administrator makes there must
+/// stay the app's own. Best effort.
+void inheritOwner(int directory, const std::string& name) {
     struct stat model{};
-    if (fstatat(directory, name.c_str(), &model, AT_SYMLINK_NOFOLLOW) == 0 &&
-        S_ISREG(model.st_mode)) {
-        if (fchmod(file, model.st_mode & 0777U) != 0) return;
-    } else if (fstat(directory, &model) != 0) {
+    if (fstat(directory, &model) != 0) return;
+    if (fchownat(directory, name.c_str(), model.st_uid, model.st_gid, AT_SYMLINK_NOFOLLOW) != 0)
         return;
-    }
+}
+
+/// Gives the new file `fresh` the owner and permissions of the one it will replace, if there is
+/// one. Best effort.
+void inheritFrom(int directory, const std::string& replaced, const std::string& fresh, int file) {
+    struct stat model{};
+    if (fstatat(directory, replaced.c_str(), &model, AT_SYMLINK_NOFOLLOW) != 0 ||
+        !S_ISREG(model.st_mode))
+        return inheritOwner(directory, fresh);
+    if (fchmod(file, model.st_mode & 0777U) != 0) return;
     if (fchown(file, model.st_uid, model.st_gid) != 0) return;
+}
+
+/// The name under which the new content of `name` is written. It is the same each time, so that
+/// what a crash leaves behind is found by the next writer and nothing piles up.
+std::string freshNameFor(const std::string& name) {
+    constexpr std::string_view kSuffix = ".new";
+    if (name.size() + 1 + kSuffix.size() <= NAME_MAX) return "." + name + std::string(kSuffix);
+    return "." + std::to_string(std::hash<std::string>{}(name)) + std::string(kSuffix);
 }
 
 /// Writes and syncs `content` as a new file `name` of `directory`; 0 or an errno value.
@@ -49,7 +67,7 @@ int writeNew(int directory, const std::string& name, const std::string& replaces
     const UniqueDescriptor file(openat(
         directory, name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, kFileMode));
     if (!file.valid()) return errno;
-    inheritOwner(file.get(), directory, replaces);
+    inheritFrom(directory, replaces, name, file.get());
     const int number = writeAll(file.get(), content);
     if (number != 0) return number;
     return fsync(file.get()) == 0 ? 0 : errno;
@@ -85,7 +103,7 @@ Result<> HostFileManager::writeFile(const std::string& path, std::string_view co
     const auto entry = beneath_.locate(path, LastLink::Refuse);
     if (!entry) return failed(entry.error(), path);
     const int directory = entry->parent.get();
-    const std::string fresh = "." + entry->name + ".new";
+    const std::string fresh = freshNameFor(entry->name);
     int number = writeNew(directory, fresh, entry->name, content);
     if (number == 0 && renameat(directory, fresh.c_str(), directory, entry->name.c_str()) != 0)
         number = errno;
@@ -118,9 +136,13 @@ Result<> HostFileManager::createSparseFile(const std::string& path, std::uint64_
     const auto entry = beneath_.locate(path, LastLink::Refuse);
     if (!entry) return failed(entry.error(), path);
     const UniqueDescriptor file(openat(entry->parent.get(), entry->name.c_str(),
-                                       O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW,
+                                       O_WRONLY | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK,
                                        kFileMode));
     if (!file.valid()) return failed(errno, path);
+    struct stat status{};
+    if (fstat(file.get(), &status) != 0) return failed(errno, path);
+    if (!S_ISREG(status.st_mode)) return failed(EINVAL, path);
+    if (ftruncate(file.get(), 0) != 0) return failed(errno, path);
     if (ftruncate(file.get(), static_cast<off_t>(size)) != 0) return failed(errno, path);
     return {};
 }
@@ -137,9 +159,14 @@ Result<> HostFileManager::createDirectories(const std::string& path) {
     }
     const auto entry = beneath_.locate(path, LastLink::Refuse);
     if (!entry) return failed(entry.error(), path);
-    if (mkdirat(entry->parent.get(), entry->name.c_str(), kDirectoryMode) != 0 && errno != EEXIST)
-        return failed(errno, path);
-    return {};
+    if (mkdirat(entry->parent.get(), entry->name.c_str(), kDirectoryMode) == 0) {
+        inheritOwner(entry->parent.get(), entry->name);
+        return {};
+    }
+    const int number = errno;
+    // Another may have made it meanwhile; a link to nothing is in the way.
+    if (number == EEXIST && isDirectory(path)) return {};
+    return failed(number, path);
 }
 
 Result<> HostFileManager::createSymbolicLink(const std::string& path, const std::string& target) {
@@ -172,12 +199,12 @@ Result<> HostFileManager::rename(const std::string& from, const std::string& to)
     const auto target = beneath_.locate(to, LastLink::Refuse);
     if (!target) return failed(target.error(), to);
 #ifdef __linux__
-    const int number = renameat2(source->parent.get(), source->name.c_str(), target->parent.get(),
-                                 target->name.c_str(), RENAME_NOREPLACE) == 0
-                           ? 0
-                           : errno;
-    if (number == 0) return {};
-    if (number != EINVAL && number != ENOSYS) return failed(number, to);
+    if (calls_ == Calls::Native) {
+        if (renameat2(source->parent.get(), source->name.c_str(), target->parent.get(),
+                      target->name.c_str(), RENAME_NOREPLACE) == 0)
+            return {};
+        if (errno != EINVAL && errno != ENOSYS) return failed(errno, errno == EEXIST ? to : from);
+    }
 #endif
     struct stat there{};
     if (fstatat(target->parent.get(), target->name.c_str(), &there, AT_SYMLINK_NOFOLLOW) == 0)
@@ -186,6 +213,26 @@ Result<> HostFileManager::rename(const std::string& from, const std::string& to)
                  target->name.c_str()) != 0)
         return failed(errno, from);
     return {};
+}
+
+Result<FileLock> HostFileManager::lock(const std::string& path) {
+    const auto entry = beneath_.locate(path, LastLink::Refuse);
+    if (!entry) return failed(entry.error(), path);
+    const int directory = entry->parent.get();
+    const char* name = entry->name.c_str();
+    constexpr int kFlags = O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
+    UniqueDescriptor opened(openat(directory, name, O_RDWR | O_CREAT | O_EXCL | kFlags, kFileMode));
+    if (opened.valid())
+        inheritOwner(directory, entry->name);
+    else if (errno == EEXIST)
+        opened = UniqueDescriptor(openat(directory, name, O_RDWR | kFlags));
+    // Reading suffices for a lock where the file is another's.
+    if (!opened.valid() && errno == EACCES)
+        opened = UniqueDescriptor(openat(directory, name, O_RDONLY | kFlags));
+    if (!opened.valid()) return failed(errno, path);
+    while (flock(opened.get(), LOCK_EX) != 0)
+        if (errno != EINTR) return failed(errno, path);
+    return FileLock(std::move(opened));
 }
 
 }  // namespace sweepwright::platform

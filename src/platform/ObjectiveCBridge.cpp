@@ -64,6 +64,7 @@ std::optional<ObjectiveCBridge::Functions> ObjectiveCBridge::findFunctions() {
         !find(found.registerName, "sel_registerName"))
         return std::nullopt;
     find(found.classOf, "object_getClass");
+    find(found.messageLookup, "objc_msg_lookup");
     find(found.throwObject, "objc_exception_throw");
     return found;
 }
@@ -103,6 +104,8 @@ bool ObjectiveCBridge::responds(Object receiver, const char* selector) const {
 ObjectiveCBridge::AnyFunction ObjectiveCBridge::methodOf(Object receiver, const char* selector,
                                                          void*& name) const {
     name = selectorNamed(selector);
+    // GNU's way to forward needs to know the receiver, which its other function does not pass on.
+    if (functions_.messageLookup != nullptr) return functions_.messageLookup(receiver, name);
     return functions_.methodImplementation(classOf(receiver), name);
 }
 
@@ -169,7 +172,8 @@ ObjectiveCReference::ObjectiveCReference(const ObjectiveCBridge& bridge,
 ObjectiveCReference::~ObjectiveCReference() {
     if (object_ == nullptr) return;
     // What the object's end raises has no one left to hear of it.
-    static_cast<void>(bridge_->guarded([this] { bridge_->send<void>(object_, "release"); }));
+    [[maybe_unused]] const auto raised =
+        bridge_->guarded([this] { bridge_->send<void>(object_, "release"); });
 }
 
 }  // namespace sweepwright::platform

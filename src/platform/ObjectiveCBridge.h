@@ -45,7 +45,8 @@ class ObjectiveCBridge {
             std::optional<Value> value;
             if (auto raised = guard([&] { value.emplace(body()); }))
                 return std::unexpected(std::move(*raised));
-            return std::move(*value);
+            // Filled by body(), for nothing was raised.
+            return std::move(*value);  // NOLINT(bugprone-unchecked-optional-access)
         }
     }
 
@@ -85,7 +86,8 @@ class ObjectiveCBridge {
         unsigned char (*respondsToSelector)(void*, void*) = nullptr;
         AnyFunction (*methodImplementation)(void*, void*) = nullptr;
         void* (*registerName)(const char*) = nullptr;
-        void* (*classOf)(void*) = nullptr;  ///< absent in GNU's run time
+        void* (*classOf)(void*) = nullptr;                     ///< Apple's run time only
+        AnyFunction (*messageLookup)(void*, void*) = nullptr;  ///< GNU's run time only
         void (*throwObject)(void*) = nullptr;
     };
     class AutoreleaseScope;

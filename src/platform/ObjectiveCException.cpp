@@ -3,12 +3,13 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <typeinfo>
 
 #include <cxxabi.h>
 #include <unwind.h>
 
 #ifdef __APPLE__
+
+#include <typeinfo>
 
 extern "C" {
 void* __cxa_current_primary_exception() noexcept;
@@ -19,7 +20,7 @@ namespace sweepwright::platform {
 
 ObjectiveCException::ObjectiveCException(LookUpClass lookUpClass, Throw /*throwObject*/,
                                          void* /*sample*/)
-    : lookUpClass_(lookUpClass), known_(true) {}
+    : lookUpClass_(lookUpClass) {}
 
 // Here an Objective-C exception is a C++ exception whose type is named after the object's class and
 // whose value starts with the object.
@@ -44,8 +45,6 @@ namespace {
 /// The GNU run time's exceptions, and the class that marks them for the unwinder.
 struct GnuException {
     _Unwind_Exception base;
-    _Unwind_Ptr landingPad;
-    int handlerSwitchValue;
     void* object;
 };
 
@@ -83,7 +82,7 @@ bool findDistance(long& distance) {
 
 void* objectAt(long distance) {
     char* record = handledRecord();
-    if (record == nullptr || abi::__cxa_current_exception_type() != nullptr) return nullptr;
+    if (record == nullptr) return nullptr;
     const auto* thrown = reinterpret_cast<const GnuException*>(record + distance);
     return thrown->base.exception_class == kGnuClass ? thrown->object : nullptr;
 }

@@ -19,9 +19,11 @@ class ObjectiveCException {
     [[nodiscard]] void* caught() const;
 
   private:
+    // Apple's run time needs the first, GNU's the others.
     [[maybe_unused]] LookUpClass lookUpClass_;
-    bool known_ = false;
-    long distance_ = 0;  ///< bytes from the C++ run time's record to the unwinder's
+    [[maybe_unused]] bool known_ = false;
+    [[maybe_unused]] long distance_ =
+        0;  ///< bytes from the C++ run time's record to the unwinder's
 };
 
 }  // namespace sweepwright::platform

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <tuple>
 
 #include "platform/PropertyListBinary.h"
 #include "platform/PropertyListXmlReader.h"
@@ -21,8 +22,9 @@ std::vector<const Entry*> sortedByKey(const std::vector<Entry>& entries) {
     sorted.reserve(entries.size());
     for (const Entry& entry : entries)
         sorted.push_back(&entry);
-    std::ranges::stable_sort(sorted, {},
-                             [](const Entry* entry) -> const std::string& { return entry->first; });
+    std::ranges::sort(sorted, [](const Entry* one, const Entry* two) {
+        return std::tie(one->first, one) < std::tie(two->first, two);
+    });
     return sorted;
 }
 
@@ -33,6 +35,14 @@ std::optional<double> exactReal(Number value) {
     constexpr double kBeyond = std::is_signed_v<Number> ? kTwoTo63 : kTwoTo64;
     if (real >= kBeyond || static_cast<Number>(real) != value) return {};
     return real;
+}
+
+/// `value` as an integer, if it is one of at least `lowest` and below `beyond`.
+template <class Integer>
+std::optional<Integer> exactInteger(double value, double lowest, double beyond) {
+    const bool within = value >= lowest && value < beyond;  // not so of what is no number
+    if (!within || std::trunc(value) != value) return {};
+    return static_cast<Integer>(value);
 }
 
 }  // namespace
@@ -109,16 +119,14 @@ std::optional<std::int64_t> PropertyList::integer() const {
         return {};
     }
     const auto* value = std::get_if<double>(&value_);
-    if (value == nullptr || !(*value >= -kTwoTo63 && *value < kTwoTo63)) return {};
-    if (std::trunc(*value) != *value) return {};
-    return static_cast<std::int64_t>(*value);
+    if (value == nullptr) return {};
+    return exactInteger<std::int64_t>(*value, -kTwoTo63, kTwoTo63);
 }
 
 std::optional<std::uint64_t> PropertyList::unsignedInteger() const {
     if (const auto* value = std::get_if<std::uint64_t>(&value_)) return *value;
     if (const auto* value = std::get_if<double>(&value_)) {
-        if (!(*value >= 0 && *value < kTwoTo64) || std::trunc(*value) != *value) return {};
-        return static_cast<std::uint64_t>(*value);
+        return exactInteger<std::uint64_t>(*value, 0, kTwoTo64);
     }
     const auto* value = std::get_if<std::int64_t>(&value_);
     if (value == nullptr || *value < 0) return {};

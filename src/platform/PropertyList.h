@@ -18,9 +18,9 @@ namespace sweepwright::platform {
 /// A property list as a plain value: what the device's own files (preferences, container
 /// metadata, Info.plist) and compiled string tables are made of.
 ///
-/// Reading takes binary and XML lists, with or without a UTF-8 byte-order mark. Hostile input is
-/// refused before anything is built from it, so that a file of an app that means harm costs
-/// milliseconds and a few MiB at most.
+/// Reading takes binary and XML lists, with or without a UTF-8 byte-order mark. What would nest,
+/// expand or claim more than the limits allow is refused before it is built, so that a file of an
+/// app that means harm costs time and memory in proportion to its size, whatever it holds.
 ///
 /// The format's strings are text, but a device's paths are bytes. A string that a list can't hold
 /// as a string (it is not UTF-8, holds a NUL or, in XML, another control character) is therefore

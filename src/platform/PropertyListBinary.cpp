@@ -3,7 +3,6 @@
 // - It makes every integer a signed one, though it reads and writes unsigned ones right.
 // - It hands out dates in 32 bits and cuts them to whole seconds towards zero in XML.
 // - It takes strings up to the first NUL and does not ask whether they are text.
-// - Its XML depends on the locale.
 //
 // It is not used to read XML: its dictionaries take quadratic time for keys chosen to harm.
 
@@ -11,12 +10,10 @@
 
 #include <algorithm>
 #include <bit>
-#include <clocale>
 #include <cmath>
 #include <cstdlib>
 #include <memory>
 
-#include <locale.h>
 #include <plist/plist.h>
 
 #include "platform/Log.h"
@@ -42,22 +39,6 @@ using Bytes = std::unique_ptr<char, FreeBytes>;
 constexpr std::string_view kHeader = "bplist00";
 constexpr std::uint8_t kDateMarker = 0x33;
 constexpr std::uint8_t kWideIntegerMarker = 0x14;
-
-/// Makes this thread write numbers with a point, whatever language the program runs in.
-class PlainNumbers {
-  public:
-    PlainNumbers() : plain_(newlocale(LC_ALL_MASK, "C", nullptr)), before_(uselocale(plain_)) {}
-    ~PlainNumbers() {
-        uselocale(before_);
-        freelocale(plain_);
-    }
-    PlainNumbers(const PlainNumbers&) = delete;
-    PlainNumbers& operator=(const PlainNumbers&) = delete;
-
-  private:
-    locale_t plain_;
-    locale_t before_;
-};
 
 void appendBigEndian(std::string& text, std::uint64_t value) {
     for (unsigned shift = 64; shift > 0;) {
@@ -234,13 +215,13 @@ class NodeMaker {
     Node operator()(const PropertyList::Data& data) const { return dataNode(data.bytes); }
     Node operator()(PropertyList::Uid uid) const { return Node(plist_new_uid(uid.value)); }
     Node operator()(PropertyList::Date date) const {
-        using Seconds = std::chrono::duration<double>;
-        const double seconds =
-            format_ == Format::Xml
-                ? Seconds(std::chrono::floor<std::chrono::seconds>(date).time_since_epoch()).count()
-                : Seconds(date.time_since_epoch()).count();
+        // In two parts: nanoseconds since 1970 are too many for a double to hold each.
+        const auto whole = std::chrono::floor<std::chrono::seconds>(date);
+        auto seconds = static_cast<double>(whole.time_since_epoch().count()) - kStartOf2001;
+        if (format_ == Format::Binary)
+            seconds += std::chrono::duration<double>(date - whole).count();
         std::string object(1, static_cast<char>(kDateMarker));
-        appendBigEndian(object, std::bit_cast<std::uint64_t>(seconds - kStartOf2001));
+        appendBigEndian(object, std::bit_cast<std::uint64_t>(seconds));
         return nodeOfBinary(object);
     }
     Node operator()(const PropertyList::Array& array) const {
@@ -294,7 +275,6 @@ std::string PropertyList::toBinary() const {
 }
 
 std::string PropertyList::toXml() const {
-    const PlainNumbers plainNumbers;
     const Node node = NodeMaker(Format::Xml).make(*this);
     char* bytes = nullptr;
     std::uint32_t length = 0;

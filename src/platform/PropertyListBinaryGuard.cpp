@@ -70,9 +70,7 @@ Result<> PropertyListBinaryGuard::check() {
     if (auto entered = enter(root_); !entered) return entered;
     while (!open_.empty()) {
         if (open_.back().next == open_.back().count) {
-            const Cost cost = open_.back().cost;
             close();
-            if (auto added = add(cost); !added) return added;
         } else if (auto followed = followNext(); !followed) {
             return followed;
         }
@@ -141,33 +139,29 @@ Result<> PropertyListBinaryGuard::enter(std::uint64_t index) {
     const auto bytes = contentBytes(*object);
     if (!bytes) return std::unexpected(bytes.error());
     if (auto checked = checkContent(*object, *bytes); !checked) return checked;
-    // Objects may overlap: what is scanned counts, not only what the file holds.
-    scanned_ += *bytes;
-    if (scanned_ > limits_.bytes) return refuse("a property list of too many bytes");
-    Cost& cost = costs_[index];
-    cost = {.bytes = *bytes, .nodes = 1, .height = 0, .state = State::Done};
-    return add(cost);
+    const Cost cost{.bytes = *bytes, .nodes = 1, .height = 0, .state = State::Done};
+    costs_[index] = cost;
+    join(cost);
+    return count(cost);
 }
 
 Result<> PropertyListBinaryGuard::enterContainer(std::uint64_t index, const Object& object) {
     if (open_.size() >= limits_.depth) return refuse("a property list nested too deep");
     const bool dictionary = object.type == kDictionary;
     if (object.length > limits_.nodes) return refuse("a property list of too many values");
-    const std::uint64_t count = dictionary ? 2 * object.length : object.length;
-    // Containers may overlap as well: all references of all of them are bounded together.
-    references_ += count;
-    if (references_ > limits_.nodes) return refuse("a property list of too many values");
-    if (!fits(object.content, count * referenceWidth_)) {
+    const std::uint64_t references = dictionary ? 2 * object.length : object.length;
+    if (!fits(object.content, references * referenceWidth_)) {
         return refuse("a truncated binary property list");
     }
     costs_[index].state = State::Open;
+    const Cost own{.bytes = 0, .nodes = 1, .height = 1, .state = State::Open};
     open_.push_back({.index = index,
                      .references = object.content,
-                     .count = count,
+                     .count = references,
                      .keys = dictionary ? object.length : 0,
                      .next = 0,
-                     .cost = {.bytes = 0, .nodes = 1, .height = 1, .state = State::Open}});
-    return {};
+                     .cost = own});
+    return count(own);
 }
 
 Result<> PropertyListBinaryGuard::followNext() {
@@ -192,14 +186,40 @@ Result<> PropertyListBinaryGuard::followNext() {
         case State::Done:
             break;
     }
-    return add(costs_[index]);
+    const Cost& cost = costs_[index];
+    if (open_.size() + cost.height > limits_.depth) {
+        return refuse("a property list nested too deep");
+    }
+    join(cost);
+    return count(cost);
 }
 
+/// Adds to the total, which no container gives back: what overlaps in the file is bounded, too.
+Result<> PropertyListBinaryGuard::count(const Cost& cost) {
+    total_.nodes += cost.nodes;
+    total_.bytes += cost.bytes;
+    if (total_.nodes > limits_.nodes) return refuse("a property list of too many values");
+    if (total_.bytes > limits_.bytes) return refuse("a property list of too many bytes");
+    return {};
+}
+
+/// Adds to the container in hand, so that it is known what further references to it cost.
+void PropertyListBinaryGuard::join(const Cost& cost) {
+    if (open_.empty()) return;
+    Cost& sum = open_.back().cost;
+    sum.nodes += cost.nodes;
+    sum.bytes += cost.bytes;
+    sum.height = std::max<std::uint16_t>(sum.height, static_cast<std::uint16_t>(cost.height + 1));
+}
+
+/// Ends the container in hand.
 void PropertyListBinaryGuard::close() {
-    Cost& cost = costs_[open_.back().index];
-    cost = open_.back().cost;
-    cost.state = State::Done;
+    const Frame done = open_.back();
     open_.pop_back();
+    Cost& cost = costs_[done.index];
+    cost = done.cost;
+    cost.state = State::Done;
+    join(cost);
 }
 
 /// How many bytes follow the marker and length of an object that is no container.
@@ -244,21 +264,6 @@ Result<> PropertyListBinaryGuard::checkContent(const Object& object, std::uint64
         number(object.content, 8) != 0) {
         return refuse("a property list with an integer of more than 64 bits");
     }
-    return {};
-}
-
-/// Adds what a reference costs to the container in hand.
-Result<> PropertyListBinaryGuard::add(const Cost& cost) {
-    if (open_.size() + cost.height > limits_.depth) {
-        return refuse("a property list nested too deep");
-    }
-    if (open_.empty()) return {};
-    Cost& sum = open_.back().cost;
-    sum.nodes += cost.nodes;
-    sum.bytes += cost.bytes;
-    sum.height = std::max<std::uint16_t>(sum.height, static_cast<std::uint16_t>(cost.height + 1));
-    if (sum.nodes > limits_.nodes) return refuse("a property list of too many values");
-    if (sum.bytes > limits_.bytes) return refuse("a property list of too many bytes");
     return {};
 }
 

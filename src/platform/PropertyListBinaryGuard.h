@@ -54,10 +54,11 @@ class PropertyListBinaryGuard {
     Result<> enter(std::uint64_t index);
     Result<> enterContainer(std::uint64_t index, const Object& object);
     Result<> followNext();
+    Result<> count(const Cost& cost);
+    void join(const Cost& cost);
     void close();
     Result<std::uint64_t> contentBytes(const Object& object) const;
     Result<> checkContent(const Object& object, std::uint64_t bytes) const;
-    Result<> add(const Cost& cost);
     [[nodiscard]] std::uint64_t number(std::uint64_t offset, std::uint64_t width) const;
     [[nodiscard]] bool fits(std::uint64_t offset, std::uint64_t bytes) const {
         return offset <= end_ && bytes <= end_ - offset;
@@ -69,10 +70,9 @@ class PropertyListBinaryGuard {
     std::uint64_t offsetWidth_ = 0;
     std::uint64_t referenceWidth_ = 0;
     std::uint64_t root_ = 0;
-    std::uint64_t scanned_ = 0;     // bytes of strings and data looked at
-    std::uint64_t references_ = 0;  // that all containers entered claim
-    std::vector<Cost> costs_;       // of each object
-    std::vector<Frame> open_;       // the way from the root
+    Cost total_;               // of all that was followed so far
+    std::vector<Cost> costs_;  // of each object
+    std::vector<Frame> open_;  // the way from the root
 };
 
 }  // namespace sweepwright::platform

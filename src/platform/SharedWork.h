@@ -18,8 +18,8 @@ namespace sweepwright::platform {
 
 /// Work on a tree, shared among threads: each works depth-first through what it took and, while
 /// the shared queue is shorter than twice the number of threads, gives away its oldest directories,
-/// which hold the most. The caller's thread is one of them; others start only when a tree proves
-/// large, so that a small one costs no thread.
+/// which hold the most, but keeps one for itself: what it has open leads there. The caller's thread
+/// is one of them; others start only when a tree proves large, so that a small one costs no thread.
 template <class Item>
 class SharedWork {
   public:
@@ -109,6 +109,9 @@ class PackedNames {
   public:
     void add(std::string_view name) { bytes_.append(name).push_back('\0'); }
     [[nodiscard]] bool empty() const { return next_ >= bytes_.size(); }
+    [[nodiscard]] bool holdsSeveral() const {
+        return !empty() && bytes_.find('\0', next_) + 1 < bytes_.size();
+    }
     /// Takes the next name out; not when empty.
     std::string take() {
         std::string name = bytes_.data() + next_;

@@ -25,6 +25,11 @@ constexpr std::size_t kStage = 64;
 
 /// A directory whose removal has begun. It goes when the last of its subdirectories has gone.
 struct Node {
+    Node() = default;
+    Node(const Node&) = delete;
+    Node& operator=(const Node&) = delete;
+    ~Node();
+
     std::shared_ptr<Node> parent;  ///< none: it is an entry of the directory we start from
     std::string name;
     int depth = 0;       ///< of its entries, as a walk counts it
@@ -37,6 +42,21 @@ struct Node {
 };
 
 using NodePointer = std::shared_ptr<Node>;
+
+/// Releases the nodes above one after the other: a chain of thousands that let go of each other
+/// would need more stack than a thread may have.
+Node::~Node() {
+    static thread_local NodePointer* next = nullptr;
+    if (next != nullptr) {
+        *next = std::move(parent);
+        return;
+    }
+    NodePointer above = std::move(parent);
+    next = &above;
+    while (above)
+        NodePointer(std::move(above)).reset();
+    next = nullptr;
+}
 
 struct Waiting {
     NodePointer parent;
@@ -125,12 +145,16 @@ class Remover {
             }
         }
         opened_.closeAll();
+        run_->bytes.fetch_add(std::exchange(bytes_, 0), std::memory_order_relaxed);
     }
 
   private:
     void giveAway(SharedWork<Waiting>& shared) {
+        while (!stack_.empty() && stack_.back()->subdirectories.empty())
+            stack_.pop_back();
         for (const NodePointer& node : stack_) {
-            while (!node->subdirectories.empty()) {
+            const bool newest = node == stack_.back();
+            while (newest ? node->subdirectories.holdsSeveral() : !node->subdirectories.empty()) {
                 if (!shared.wantsMore()) return;
                 shared.give({node, node->subdirectories.take()});
             }
@@ -154,7 +178,7 @@ class Remover {
     Result<> empty(const NodePointer& node) {
         const auto above = opened_.of(node->parent);
         if (!above) return std::unexpected(above.error());
-        if (node->counts && node->depth == 0 && run_->rules.onDepthLimit)
+        if (node->counts && isLimit(*node) && run_->rules.onDepthLimit)
             run_->rules.onDepthLimit((*above)->pathOf(node->name));
         auto opened = run_->files.openBeneath(**above, node->name, Mounts::Refuse);
         if (!opened) return std::unexpected(opened.error());
@@ -187,12 +211,26 @@ class Remover {
         const auto removed = run_->files.removeFileAt(directory, entry.name);
         if (removed) {
             bytes_ += size;
-        } else if (removed.error().code == EISDIR) {
+        } else if (isDirectory(removed.error(), directory, entry.name)) {
             noteSubdirectory(node, entry.name);
         } else if (removed.error().code != ENOENT) {
             node.keepsSomething = true;
             run_->fail(removed.error());
         }
+    }
+
+    /// Whether an entry could not be removed because it has become a directory, for which some
+    /// systems say EPERM.
+    bool isDirectory(const Error& error, const Directory& directory, std::string_view name) const {
+        if (error.code != EPERM) return error.code == EISDIR;
+        const auto attributes = run_->files.attributesAt(directory, name);
+        return attributes && attributes->type == FileType::Directory;
+    }
+
+    /// Whether the count ends at `node`; told once, as a walk tells it.
+    [[nodiscard]] bool isLimit(const Node& node) const {
+        const bool isStart = !node.parent;
+        return node.attempt == 0 && (node.depth == 0 || (isStart && node.depth < 0));
     }
 
     static void noteSubdirectory(Node& node, std::string_view name) {
@@ -204,7 +242,6 @@ class Remover {
     /// last.
     void finishOne(NodePointer node) {
         while (node && node->unfinished.fetch_sub(1, std::memory_order_acq_rel) == 1) {
-            run_->bytes.fetch_add(std::exchange(bytes_, 0), std::memory_order_relaxed);
             if (!node->keepsSomething) {
                 const auto removed = removeEmptied(*node);
                 if (!removed && isFilledAgain(*node, removed.error())) {
@@ -223,6 +260,8 @@ class Remover {
 
     Result<> removeEmptied(const Node& node) {
         const auto above = opened_.of(node.parent);
+        // What another has removed or taken away together with the folder it was in is gone too.
+        if (!above && above.error().code == ENOENT) return {};
         if (!above) return std::unexpected(above.error());
         auto removed = run_->files.removeDirectoryAt(**above, node.name);
         // Swapped for a file or a link meanwhile: that goes as such.
@@ -251,11 +290,14 @@ TreeRemover::TreeRemover(FileManager& files, unsigned threads) : files_(files), 
 
 Removal TreeRemover::remove(const Directory& parent, const std::string& name,
                             const WalkRules& rules) const {
+    if (!isEntryName(name)) return {0, errorFromErrno(EINVAL, parent.pathOf(name))};
     const auto attributes = files_.attributesAt(parent, name);
     if (!attributes || attributes->type != FileType::Directory) {
         const auto removed = files_.removeFileAt(parent, name);
         if (!removed) return {0, removed.error()};
-        return {attributes ? attributes->size : 0, std::nullopt};
+        const bool counts =
+            attributes && (attributes->type != FileType::SymbolicLink || rules.countLinks);
+        return {counts ? attributes->size : 0, std::nullopt};
     }
     Run run{files_, rules, parent};
     SharedWork<Waiting>(threads_).run({nullptr, name}, [&run] { return Remover(run); });

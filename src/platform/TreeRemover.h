@@ -28,8 +28,9 @@ class TreeRemover {
     static constexpr unsigned kDefaultThreads = 2;
 
     /// Removes entry `name` of `parent`: a file, a link, or a directory with all that is in it,
-    /// however deep. `rules` say which bytes count (protection is not asked here). Goes on past
-    /// what can't be removed.
+    /// however deep. `rules` say which bytes count beneath it, as in a walk that starts from it
+    /// (protection is not asked here); a file counts whatever its name. Goes on past what can't be
+    /// removed.
     [[nodiscard]] Removal remove(const Directory& parent, const std::string& name,
                                  const WalkRules& rules) const;
 

@@ -62,8 +62,11 @@ class Walker {
     }
 
     void giveAway(SharedWork<Waiting>& shared) {
+        while (!frames_.empty() && frames_.back().subdirectories.empty())
+            frames_.pop_back();
         for (Frame& frame : frames_) {
-            while (!frame.subdirectories.empty()) {
+            const bool newest = &frame == &frames_.back();
+            while (newest ? frame.subdirectories.holdsSeveral() : !frame.subdirectories.empty()) {
                 if (!shared.wantsMore()) return;
                 shared.give(takeFrom(frame));
             }
@@ -137,7 +140,7 @@ std::uint64_t TreeWalker::sizeOfDirectory(const std::string& path, const WalkRul
         if (rules.onDepthLimit) rules.onDepthLimit(path);
         return 0;
     }
-    const auto root = files_.openDirectory(path, LastLink::Follow);
+    const auto root = files_.openDirectory(path, LastLink::Refuse);
     if (!root) return 0;
     Walk walk{files_, rules, *root};
     const bool guarded = rules.protection != nullptr && !rules.protection->isFree(path);

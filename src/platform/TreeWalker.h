@@ -45,8 +45,8 @@ class TreeWalker {
     /// filled and 16 gain nothing.
     static constexpr unsigned kDefaultThreads = 8;
 
-    /// Bytes of what counts beneath `path` (a directory; a link to one is followed, for the root
-    /// only). What can't be read counts 0.
+    /// Bytes of what counts beneath directory `path`. What can't be read counts 0, and so does a
+    /// `path` that is itself a link: it could not be emptied either.
     [[nodiscard]] std::uint64_t sizeOfDirectory(const std::string& path,
                                                 const WalkRules& rules) const;
 

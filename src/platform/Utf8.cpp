@@ -1,7 +1,5 @@
 #include "platform/Utf8.h"
 
-#include <cstddef>
-
 namespace sweepwright::platform {
 namespace {
 
@@ -29,17 +27,26 @@ Form formOf(unsigned first) {
 
 }  // namespace
 
+Utf8Character firstUtf8Character(std::string_view text) {
+    if (text.empty()) return {};
+    const auto at = [&](std::size_t i) { return unsigned{static_cast<unsigned char>(text[i])}; };
+    const Form form = formOf(at(0));
+    if (form.following == kNoForm || text.size() <= form.following) return {};
+    if (form.following == 0) return {at(0), 1};
+    if (at(1) < form.low || at(1) > form.high) return {};
+    char32_t code = at(0) & (0x3FU >> form.following);
+    for (std::size_t i = 1; i <= form.following; ++i) {
+        if ((at(i) & 0xC0U) != 0x80U) return {};
+        code = (code << 6U) | (at(i) & 0x3FU);
+    }
+    return {code, form.following + 1};
+}
+
 bool isUtf8(std::string_view bytes) {
-    const auto at = [&](std::size_t i) { return unsigned{static_cast<unsigned char>(bytes[i])}; };
-    for (std::size_t i = 0; i < bytes.size(); ++i) {
-        const Form form = formOf(at(i));
-        if (form.following == kNoForm || bytes.size() - i <= form.following) return false;
-        if (form.following == 0) continue;
-        if (at(i + 1) < form.low || at(i + 1) > form.high) return false;
-        for (std::size_t k = 2; k <= form.following; ++k) {
-            if ((at(i + k) & 0xC0U) != 0x80U) return false;
-        }
-        i += form.following;
+    while (!bytes.empty()) {
+        const std::size_t length = firstUtf8Character(bytes).bytes;
+        if (length == 0) return false;
+        bytes.remove_prefix(length);
     }
     return true;
 }

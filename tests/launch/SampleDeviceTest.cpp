@@ -27,6 +27,8 @@ const std::chrono::system_clock::time_point kNow{std::chrono::seconds(1'800'000'
 const std::string kHome =
     "/var/mobile/Containers/Data/Application/" + sampleUuid("data com.sweepwright.app");
 
+using Names = std::vector<std::string>;
+
 struct FoundFile {
     std::uint64_t bytes = 0;
     std::int64_t modified = 0;  ///< seconds since 1970
@@ -38,11 +40,11 @@ struct FoundFile {
 std::map<std::string, FoundFile> filesIn(const std::string& root) {
     std::map<std::string, FoundFile> found;
     for (const auto& entry : fs::recursive_directory_iterator(root)) {
-        if (entry.is_directory() && !entry.is_symlink()) continue;
         struct stat status{};
         EXPECT_EQ(lstat(entry.path().c_str(), &status), 0);
+        if (S_ISDIR(status.st_mode)) continue;
         FoundFile& file = found[entry.path().string().substr(root.size())];
-        if (entry.is_symlink())
+        if (S_ISLNK(status.st_mode))
             file.target = fs::read_symlink(entry.path()).string();
         else
             file = {static_cast<std::uint64_t>(status.st_size), status.st_mtime, ""};
@@ -73,7 +75,7 @@ class SampleDeviceTest : public testing::Test {
     /// Names of the files of any kind beneath `path`, to any depth; links not followed.
     static std::size_t countBeneath(const std::string& path) {
         std::size_t count = 0;
-        for (const std::string& name : files().contentsOfDirectory(path).value_or({})) {
+        for (const std::string& name : files().contentsOfDirectory(path).value_or(Names{})) {
             const std::string child = platform::joinPath(path, name);
             const auto found = files().attributes(child, LastLink::Refuse);
             count += found && found->type == FileType::Directory ? countBeneath(child) : 1;
@@ -99,9 +101,10 @@ class SampleDeviceTest : public testing::Test {
     static std::map<std::string, std::pair<PropertyList::Dictionary, std::string>> bundles() {
         std::map<std::string, std::pair<PropertyList::Dictionary, std::string>> found;
         const std::string all = "/var/containers/Bundle/Application";
-        for (const std::string& uuid : files().contentsOfDirectory(all).value_or({})) {
+        for (const std::string& uuid : files().contentsOfDirectory(all).value_or(Names{})) {
             const std::string container = platform::joinPath(all, uuid);
-            for (const std::string& name : files().contentsOfDirectory(container).value_or({})) {
+            for (const std::string& name :
+                 files().contentsOfDirectory(container).value_or(Names{})) {
                 const std::string bundle = platform::joinPath(container, name);
                 auto info = readList(bundle + "/Info.plist");
                 std::string identifier = text(info, "CFBundleIdentifier");
@@ -261,7 +264,7 @@ TEST_F(SampleDeviceTest, AppsAreNamedInManyWays) {
     EXPECT_GE(all.size(), 40U);
     std::size_t ofTheDevice = 0;
     for (const auto& [identifier, bundle] : all)
-        ofTheDevice += identifier.starts_with("com.apple.") ? 1 : 0;
+        if (identifier.starts_with("com.apple.")) ++ofTheDevice;
     EXPECT_GE(ofTheDevice, 8U);
     EXPECT_EQ(text(all.at("cn.qingyun.video").first, "CFBundleDisplayName"), "青云视频");
     EXPECT_EQ(text(all.at("jp.hondana.manga").first, "CFBundleDisplayName"), "マンガ棚");
@@ -389,7 +392,7 @@ TEST(SampleDevice, BuildingStopsAtTheFirstErrorAndNamesIt) {
     EXPECT_EQ(made.error().code, ENOSPC);
     std::size_t regular = 0;
     for (const auto& [path, file] : filesIn(device.root()))
-        regular += file.target.empty() ? 1 : 0;
+        if (file.target.empty()) ++regular;
     EXPECT_EQ(regular, 100U);
 }
 

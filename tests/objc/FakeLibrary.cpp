@@ -53,3 +53,23 @@ const FakeLibrary& FakeLibrary::loaded() {
 }
 
 }  // namespace sweepwright::test
+
+// NOLINTBEGIN(bugprone-reserved-identifier)
+extern "C" const char* __lsan_default_suppressions();
+extern "C" const char* __tsan_default_suppressions();
+
+// What the run time and GNUstep keep for good and hold in ways the leak checker can't follow:
+// registered names, dispatch tables, forwarding frames, folders' names. Memory of our own code is
+// still checked, and that no object outlives its owner is counted by the tests themselves.
+extern "C" const char* __lsan_default_suppressions() {
+    return "leak:objc_malloc\n"
+           "leak:class_copyMethodList\n"
+           "leak:libgnustep-base.so\n";
+}
+
+// GNUstep takes the run time's lock and its own in either order while classes initialise.
+extern "C" const char* __tsan_default_suppressions() {
+    return "deadlock:libgnustep-base.so\n"
+           "deadlock:libobjc.so\n";
+}
+// NOLINTEND(bugprone-reserved-identifier)

@@ -1,13 +1,12 @@
 // A workspace service, its proxies and its misbehaviours, for the real bridge to run against.
 #import <Foundation/Foundation.h>
 
-#include <stdatomic.h>
-
-static atomic_long liveObjects;
+// This compiler has no _Atomic in Objective-C.
+static long liveObjects;
 
 /// How many objects of the classes below are alive.
 long fakeLiveObjects(void) {
-    return atomic_load(&liveObjects);
+    return __atomic_load_n(&liveObjects, __ATOMIC_SEQ_CST);
 }
 
 /// Counts itself while it lives.
@@ -16,11 +15,11 @@ long fakeLiveObjects(void) {
 
 @implementation Counted
 - (id)init {
-    atomic_fetch_add(&liveObjects, 1);
+    __atomic_fetch_add(&liveObjects, 1, __ATOMIC_SEQ_CST);
     return [super init];
 }
 - (void)dealloc {
-    atomic_fetch_sub(&liveObjects, 1);
+    __atomic_fetch_sub(&liveObjects, 1, __ATOMIC_SEQ_CST);
     [super dealloc];
 }
 @end
@@ -44,6 +43,15 @@ long fakeLiveObjects(void) {
 }
 - (NSString *)description {
     @throw self;
+}
+@end
+
+@interface DescribedException : NSException
+@end
+
+@implementation DescribedException
+- (NSString *)description {
+    return @"described only";
 }
 @end
 
@@ -143,7 +151,10 @@ long fakeLiveObjects(void) {
     return nil;
 }
 - (NSData *)iconDataForVariant:(int)variant {
-    @throw [NSException exceptionWithName:@"NoReason" reason:nil userInfo:nil];
+    @throw [NSException exceptionWithName:@"NoIcon" reason:@"no icon" userInfo:nil];
+}
+- (id)emptyReason {
+    @throw [DescribedException exceptionWithName:@"Empty" reason:@"" userInfo:nil];
 }
 - (NSDictionary *)iconsOfAllSizes {
     return [NSDictionary dictionaryWithObjectsAndKeys:[NSData data], [[[Counted alloc] init] autorelease],

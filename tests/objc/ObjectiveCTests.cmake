@@ -1,7 +1,7 @@
 # The bridge to the Objective-C run time, run against GNUstep. Only GCC's compiler goes with GNUstep
 # as distributions build it, whichever compiler builds the rest.
 find_program(GNUSTEP_CONFIG gnustep-config)
-find_program(SWEEPWRIGHT_OBJC_COMPILER NAMES gcc-12 gcc-13 gcc-14 gcc)
+find_program(SWEEPWRIGHT_OBJC_COMPILER NAMES gcc)
 set(objc_missing "")
 if(NOT GNUSTEP_CONFIG)
   string(APPEND objc_missing " gnustep-config (Debian: gnustep-make, libgnustep-base-dev)")

@@ -7,7 +7,9 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include "platform/CommandRunner.h"
 #include "platform/Log.h"
@@ -252,6 +254,20 @@ TEST_F(RealCommandTest, NothingOutsideTheFolderCanBeChangedInAnyWay) {
     EXPECT_EQ(fs::hard_link_count(kept), 1U);
     EXPECT_EQ(std::distance(fs::directory_iterator(sibling()), {}), 1);
     EXPECT_TRUE(fs::exists(folder() + "/a/b/c"));
+}
+
+TEST_F(RealCommandTest, NothingOutsideTheFolderCanBeTruncatedByItsPath) {
+    REQUIRE_CONFINEMENT();
+    constexpr long kAskLandlockVersion = 444;
+    if (syscall(kAskLandlockVersion, nullptr, 0UL, 1U) < 3)
+        GTEST_SKIP() << "this kernel's Landlock can't refuse truncation (Linux 6.2 can)";
+    const auto truncating = [](const std::string& file) {
+        return "perl -e 'exit(truncate(\"" + file + "\", 0) ? 0 : 1)'";
+    };
+    EXPECT_EQ(runner_.run(truncating(folder() + "/x y"), folder()), 0);
+    EXPECT_EQ(fs::file_size(folder() + "/x y"), 0U);
+    EXPECT_EQ(runner_.run(truncating(sibling() + "/kept"), folder()), 1);
+    EXPECT_EQ(fs::file_size(sibling() + "/kept"), 7U);
 }
 
 TEST_F(RealCommandTest, InsideTheFolderEverythingCanBeChanged) {

@@ -33,5 +33,13 @@ TEST(Utf8, ASequenceCutShortIsNot) {
         EXPECT_FALSE(isUtf8(wrong)) << testing::PrintToString(std::string(wrong));
 }
 
+TEST(Utf8, AppendedCharactersAreWellFormedAtTheEdgesOfEachLength) {
+    std::string text;
+    for (const char32_t character :
+         {U'\x7F', U'\x80', U'\x7FF', U'\x800', U'\xFFFF', U'\x10000', U'\x10FFFF'})
+        appendUtf8(text, character);
+    EXPECT_EQ(text, "\x7F\xC2\x80\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBF\xF0\x90\x80\x80\xF4\x8F\xBF\xBF");
+}
+
 }  // namespace
 }  // namespace sweepwright::platform

@@ -1,5 +1,6 @@
 #include "support/TemporaryDevice.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
@@ -7,13 +8,31 @@
 #include <sstream>
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+#include <unistd.h>
 
 namespace sweepwright::test {
 
 namespace fs = std::filesystem;
 
+namespace {
+
+/// Memory where there is enough of it, which spares the disk tens of thousands of small files; a
+/// TMPDIR of the environment goes before.
+fs::path placeForFolders() {
+    constexpr unsigned kEnoughFiles = 200'000;
+    const char* memory = "/dev/shm";
+    struct statvfs totals{};
+    const bool usable = std::getenv("TMPDIR") == nullptr && access(memory, W_OK | X_OK) == 0 &&
+                        statvfs(memory, &totals) == 0 && totals.f_favail >= kEnoughFiles;
+    return usable ? fs::path(memory) : fs::temp_directory_path();
+}
+
+}  // namespace
+
 TemporaryFolder::TemporaryFolder() {
-    std::string pattern = (fs::temp_directory_path() / "sweepwright-test-XXXXXX").string();
+    std::string pattern = (placeForFolders() / "sweepwright-test-XXXXXX").string();
     if (mkdtemp(pattern.data()) == nullptr) std::abort();
     path_ = fs::canonical(pattern).string();
 }
@@ -50,6 +69,18 @@ void TemporaryDevice::link(const std::string& path, const std::string& target) {
     fs::create_symlink(target, at);
 }
 
+void TemporaryDevice::hardLink(const std::string& path, const std::string& existing) {
+    const fs::path at = host(path);
+    fs::create_directories(at.parent_path());
+    fs::create_hard_link(host(existing), at);
+}
+
+void TemporaryDevice::fifo(const std::string& path) {
+    const fs::path at = host(path);
+    fs::create_directories(at.parent_path());
+    EXPECT_EQ(mkfifo(at.c_str(), 0600), 0) << at;
+}
+
 void TemporaryDevice::age(const std::string& path, double seconds) {
     const auto past = std::chrono::duration_cast<std::chrono::system_clock::duration>(
         std::chrono::duration<double>(seconds));
@@ -59,6 +90,14 @@ void TemporaryDevice::age(const std::string& path, double seconds) {
 
 bool TemporaryDevice::exists(const std::string& path) const {
     return fs::exists(fs::symlink_status(host(path)));
+}
+
+std::vector<std::string> TemporaryDevice::entriesBeneath(const std::string& path) const {
+    std::vector<std::string> paths;
+    for (const auto& entry : fs::recursive_directory_iterator(host(path)))
+        paths.push_back(entry.path().string().substr(root().size()));
+    std::ranges::sort(paths);
+    return paths;
 }
 
 std::string TemporaryDevice::content(const std::string& path) const {

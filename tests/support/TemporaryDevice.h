@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/HostFileManager.h"
 
@@ -34,12 +35,16 @@ class TemporaryDevice {
     void fileWith(const std::string& path, std::string_view content);
     void folder(const std::string& path);
     void link(const std::string& path, const std::string& target);
+    void hardLink(const std::string& path, const std::string& existing);
+    void fifo(const std::string& path);
     /// Sets the modification date to `seconds` before now.
     void age(const std::string& path, double seconds);
 
     /// Whether something is there, a link counted as itself.
     [[nodiscard]] bool exists(const std::string& path) const;
     [[nodiscard]] std::string content(const std::string& path) const;
+    /// The device paths of all that is beneath `path`, sorted; links are not followed.
+    [[nodiscard]] std::vector<std::string> entriesBeneath(const std::string& path) const;
 
     /// The host folder that is the device's "/", and a device path beneath it.
     [[nodiscard]] const std::string& root() const { return folder_.path(); }

@@ -1,0 +1,304 @@
+// Emptying apps' caches: one, several, all.
+#include <algorithm>
+#include <array>
+#include <exception>
+#include <semaphore>
+
+#include "apps/ThirdPartyAppCacheManager.h"
+#include "engine/LinkProtection.h"
+#include "platform/Log.h"
+
+namespace sweepwright {
+
+using platform::joinPath;
+using platform::LastLink;
+using platform::log;
+using platform::Mounts;
+
+namespace {
+
+constexpr std::array<std::string_view, 3> kCleanedFolders = {"Library/Caches", "tmp",
+                                                             "Library/WebKit"};
+
+}  // namespace
+
+void ThirdPartyAppCacheManager::cleanCacheForApp(const std::string& bundleIdentifier,
+                                                 Progress progress, Completion completion) {
+    stopRequested_ = false;
+    startClean(bundleIdentifier, std::move(progress), std::move(completion));
+}
+
+void ThirdPartyAppCacheManager::startClean(const std::string& bundleIdentifier, Progress progress,
+                                           Completion completion) {
+    scanQueue_->async([this, bundleIdentifier, progress = std::move(progress),
+                       completion = std::move(completion)]() mutable {
+        std::optional<Error> error;
+        std::uint64_t cleaned = 0;
+        if (const auto ready = readiness(); !ready) {
+            error = ready.error();
+        } else {
+            cleaned = cleanNow(bundleIdentifier, progress, error);
+        }
+        if (!error && cleaned > 0) {
+            record(cleaned, "第三方应用: " + (bundleIdentifier.contains('.')
+                                                  ? bundleIdentifier
+                                                  : std::string("第三方应用缓存")));
+            invalidateCacheForApp(bundleIdentifier);
+        }
+        postCompletion(std::move(completion), cleaned, std::move(error));
+    });
+}
+
+std::uint64_t ThirdPartyAppCacheManager::cleanNow(const std::string& bundleIdentifier,
+                                                  const Progress& progress,
+                                                  std::optional<Error>& error) {
+    std::uint64_t cleaned = 0;
+    const auto interrupt = [&error](const std::string& reason) {
+        log("❌ 清理异常: {}", reason);
+        error =
+            Error{std::string(kErrorDomain), kInterrupted, reason.empty() ? "清理失败" : reason};
+    };
+    try {
+        const auto known = getAppDataDirectory(bundleIdentifier);
+        if (!known) {
+            interrupt(known.error().description);
+            return 0;
+        }
+        std::optional<std::string> container = *known;
+        // Some containers are named after their app; for others this is simply absent.
+        if (!container && platform::isEntryName(bundleIdentifier))
+            container = joinPath(kDataContainers, bundleIdentifier);
+        if (!container) {
+            error = Error{std::string(kErrorDomain), kNoDataDirectory, "无法获取应用数据目录"};
+            return 0;
+        }
+        log("🧹 清理应用: {} 数据路径: {}", bundleIdentifier, *container);
+        for (const std::string_view folder : kCleanedFolders)
+            cleaned += cleanFolder(*container, folder, progress, bundleIdentifier).value_or(0);
+        cleanHiddenRoots(bundleIdentifier, progress, cleaned);
+        log("✅ 清理完成: {} 清理了 {} 字节", bundleIdentifier, cleaned);
+    } catch (const std::exception& exception) {
+        interrupt(exception.what());
+    } catch (...) {
+        interrupt({});
+    }
+    return cleaned;
+}
+
+std::optional<std::uint64_t> ThirdPartyAppCacheManager::cleanFolder(const std::string& container,
+                                                                    std::string_view relative,
+                                                                    const Progress& progress,
+                                                                    const std::string& name) {
+    const std::string path = joinPath(container, relative);
+    if (isStopped() || !services_.files.fileExists(path)) return std::nullopt;
+    const std::uint64_t size = sizeBeneath(container, relative);
+    // Opened without following a link, not even one planted since: from here on we are in it.
+    const auto base = services_.files.openDirectory(container, LastLink::Refuse);
+    auto folder = base ? services_.files.openBeneath(*base, relative, Mounts::Refuse)
+                       : platform::Result<platform::Directory>(std::unexpected(base.error()));
+    if (!folder) {
+        log("⚠️ 无法读取目录: {} 错误: {}", path, folder.error().description);
+        noteRefused(container, relative, folder.error());
+        return std::nullopt;
+    }
+    const auto emptied = removeEntries(*folder, progress, name);
+    if (!emptied) return std::nullopt;
+    // What merely failed to go counts all the same: the figure is what was there.
+    return emptied->wasStopped ? emptied->freed : size - std::min(size, emptied->left);
+}
+
+void ThirdPartyAppCacheManager::noteRefused(const std::string& container, std::string_view relative,
+                                            const Error& error) {
+    if (observer_ == nullptr) return;
+    const std::string path = joinPath(container, relative);
+    for (std::size_t end = container.size(); end != std::string::npos;
+         end = end == path.size() ? std::string::npos
+                                  : std::min(path.find('/', end + 1), path.size())) {
+        const auto step = services_.files.attributes(path.substr(0, end), LastLink::Refuse);
+        if (step && step->type == platform::FileType::SymbolicLink)
+            return observer_->kept(path, KeptReason::Link, {});
+    }
+    observer_->kept(path, KeptReason::Failed, error.description);
+}
+
+void ThirdPartyAppCacheManager::cleanHiddenRoots(const std::string& identifier,
+                                                 const Progress& progress, std::uint64_t& cleaned) {
+    const HiddenRoots hiddenRoots(services_.files);
+    for (const auto* folder : hiddenRoots.matching(identifier)) {
+        if (const auto freed =
+                cleanFolder(folder->root, folder->cacheRelative(), progress, identifier)) {
+            cleaned += *freed;
+            log("✅ 清理隐根设备缓存: {}, 大小: {} 字节", folder->cachePath(), *freed);
+        }
+        if (const auto freed =
+                cleanFolder(folder->root, folder->tmpRelative(), progress, identifier)) {
+            cleaned += *freed;
+            log("✅ 清理隐根设备临时文件: {}, 大小: {} 字节", folder->tmpPath(), *freed);
+        }
+    }
+}
+
+bool ThirdPartyAppCacheManager::removeContentsOfDirectory(const std::string& path,
+                                                          const Progress& progress,
+                                                          const std::string& appName) {
+    auto directory = services_.files.openDirectory(path, LastLink::Refuse);
+    if (!directory) {
+        log("⚠️ 无法读取目录: {} 错误: {}", path, directory.error().description);
+        return false;
+    }
+    return removeEntries(*directory, progress, appName).has_value();
+}
+
+std::optional<ThirdPartyAppCacheManager::Emptied> ThirdPartyAppCacheManager::removeEntries(
+    platform::Directory& directory, const Progress& progress, const std::string& appName) {
+    const auto names = services_.files.contentsOfDirectory(directory);
+    if (!names) {
+        log("⚠️ 无法读取目录: {} 错误: {}", directory.path(), names.error().description);
+        return std::nullopt;
+    }
+    const LinkProtection links(services_.files, services_.pathWhitelist, directory);
+    const bool isFree =
+        services_.pathWhitelist.isFree(directory.path()) && !links.coversDirectory();
+    Emptied emptied;
+    std::size_t done = 0;
+    platform::ProgressThrottle throttle(services_.mainQueue, progress);
+    for (const std::string& name : *names) {
+        if (isStopped()) {
+            emptied.wasStopped = true;
+            break;
+        }
+        if (!isFree && (services_.pathWhitelist.isPathInWhitelist(directory.pathOf(name)) ||
+                        links.covers(name))) {
+            keepEntry(directory, name, emptied);
+        } else {
+            removeEntry(directory, name, emptied);
+        }
+        throttle.report(appName, static_cast<double>(++done) / static_cast<double>(names->size()));
+    }
+    throttle.flush();
+    return emptied;
+}
+
+void ThirdPartyAppCacheManager::keepEntry(const platform::Directory& directory,
+                                          const std::string& name, Emptied& emptied) {
+    const std::string path = directory.pathOf(name);
+    log("🔒 跳过白名单路径: {}", path);
+    emptied.left += sizeOfEntry(directory, name);
+    if (observer_ != nullptr)
+        observer_->kept(path, KeptReason::Protected,
+                        protectingPath(services_.files, services_.pathWhitelist, path));
+}
+
+void ThirdPartyAppCacheManager::removeEntry(const platform::Directory& directory,
+                                            const std::string& name, Emptied& emptied) {
+    const std::string path = directory.pathOf(name);
+    const auto removal = services_.eraser.removeEntry(directory, name, entryRules());
+    emptied.freed += removal.bytes;
+    if (removal.error) {
+        log("⚠️ 删除失败: {} 错误: {}", path, removal.error->description);
+        if (observer_ != nullptr)
+            observer_->kept(path, KeptReason::Failed, removal.error->description);
+    } else if (observer_ != nullptr) {
+        observer_->removed(path, removal.bytes);
+    }
+}
+
+std::uint64_t ThirdPartyAppCacheManager::sizeOfEntry(const platform::Directory& directory,
+                                                     const std::string& name) {
+    const auto attributes = services_.files.attributesAt(directory, name);
+    if (!attributes) return 0;
+    if (attributes->type != platform::FileType::Directory) return attributes->size;
+    return walker_.sizeOfDirectory(directory.pathOf(name), entryRules());
+}
+
+void ThirdPartyAppCacheManager::cleanCacheForApps(std::vector<std::string> bundleIdentifiers,
+                                                  Progress progress, Completion completion) {
+    stopRequested_ = false;
+    startBatch(std::move(bundleIdentifiers), std::move(progress), std::move(completion));
+}
+
+void ThirdPartyAppCacheManager::startBatch(std::vector<std::string> bundleIdentifiers,
+                                           Progress progress, Completion completion) {
+    scanQueue_->async([this, identifiers = std::move(bundleIdentifiers),
+                       progress = std::move(progress), completion = std::move(completion)] {
+        if (const auto ready = readiness(); !ready)
+            return postCompletion(completion, 0, ready.error());
+        cleanBatch(identifiers, progress, completion);
+    });
+}
+
+void ThirdPartyAppCacheManager::cleanBatch(const std::vector<std::string>& identifiers,
+                                           const Progress& progress, const Completion& completion) {
+    std::uint64_t total = 0;
+    const auto count = static_cast<double>(identifiers.size());
+    for (std::size_t index = 0; index < identifiers.size() && !isStopped(); ++index) {
+        Progress inner;
+        if (progress) {
+            inner = [&mainQueue = services_.mainQueue, progress, index, count](
+                        const std::string& name, double fraction) {
+                mainQueue.async([progress, name, index, fraction, count] {
+                    progress(name, (static_cast<double>(index) + fraction) / count);
+                });
+            };
+        }
+        std::binary_semaphore finished(0);
+        startClean(identifiers[index], std::move(inner),
+                   [&](bool, std::uint64_t cleaned, const std::optional<Error>&) {
+                       total += cleaned;
+                       finished.release();
+                   });
+        finished.acquire();
+    }
+    if (total > 0) record(total, "第三方应用缓存（全部）");
+    for (const std::string& identifier : identifiers)
+        invalidateCacheForApp(identifier);
+    postCompletion(completion, total, std::nullopt);
+}
+
+void ThirdPartyAppCacheManager::cleanAllThirdPartyAppCaches(Progress progress,
+                                                            Completion completion) {
+    stopRequested_ = false;
+    scanThirdPartyAppsWithCompletion(
+        [this, progress = std::move(progress),
+         completion = std::move(completion)](const AppList& thirdPartyApps) {
+            // Another process may have protected an app since the lists were last read.
+            if (const auto ready = readiness(); !ready)
+                return postCompletion(completion, 0, ready.error());
+            startBatch(withoutWhitelisted(thirdPartyApps), progress, completion);
+        });
+}
+
+std::vector<std::string> ThirdPartyAppCacheManager::withoutWhitelisted(
+    const AppList& thirdPartyApps) {
+    std::vector<std::string> identifiers;
+    for (const AppCacheInfo& app : thirdPartyApps) {
+        const std::string identifier = app.bundleIdentifier.value_or("");
+        if (services_.appWhitelist.isAppInWhitelist(identifier)) {
+            log("✅ 跳过白名单应用: {} ({})", app.appName.value_or(identifier), identifier);
+        } else {
+            identifiers.push_back(identifier);
+        }
+    }
+    log("📊 白名单过滤后，待清理应用数: {} / {}", identifiers.size(), thirdPartyApps.size());
+    return identifiers;
+}
+
+void ThirdPartyAppCacheManager::saveCleanStatistics(std::uint64_t bytes) {
+    services_.statistics.recordClean(bytes);
+}
+
+void ThirdPartyAppCacheManager::record(std::uint64_t cleaned, const std::string& historyName) {
+    saveCleanStatistics(cleaned);
+    services_.history.saveCleanHistoryWithType(CleanType::ThirdPartyApps, cleaned, historyName);
+    services_.notifications.post("CleanHistoryUpdated");
+}
+
+void ThirdPartyAppCacheManager::postCompletion(Completion completion, std::uint64_t cleaned,
+                                               std::optional<Error> error) {
+    services_.mainQueue.async(
+        [completion = std::move(completion), cleaned, error = std::move(error)] {
+            if (completion) completion(!error.has_value(), cleaned, error);
+        });
+}
+
+}  // namespace sweepwright

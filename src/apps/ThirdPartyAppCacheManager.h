@@ -1,0 +1,229 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "apps/AppCacheInfo.h"
+#include "apps/ContainerIndex.h"
+#include "apps/HiddenRoots.h"
+#include "engine/CleanObserver.h"
+#include "engine/Eraser.h"
+#include "platform/ApplicationWorkspace.h"
+#include "platform/Device.h"
+#include "platform/DispatchQueue.h"
+#include "platform/FileManager.h"
+#include "platform/NotificationCenter.h"
+#include "platform/ProgressThrottle.h"
+#include "platform/ResourceBundle.h"
+#include "platform/TreeWalker.h"
+#include "protection/AppWhitelistManager.h"
+#include "protection/CleanHistoryManager.h"
+#include "protection/CleanStatistics.h"
+#include "protection/PathWhitelistManager.h"
+
+namespace sweepwright {
+
+class BundleIndex;
+
+/// What the app manager works with. All must outlive it.
+struct AppServices {
+    const platform::Device& device;
+    platform::FileManager& files;
+    Eraser& eraser;
+    platform::ApplicationWorkspace& workspace;
+    const platform::ResourceBundle& resources;
+    AppWhitelistManager& appWhitelist;
+    PathWhitelistManager& pathWhitelist;
+    CleanHistoryManager& history;
+    CleanStatistics& statistics;
+    platform::NotificationCenter& notifications;
+    platform::MainQueue& mainQueue;
+
+    /// The shared ones, on Device::current().
+    static AppServices shared();
+};
+
+/// Knows the installed apps, sizes their caches and cleans them. Of an app only caches, temporary
+/// files and WebKit data are ever touched.
+///
+/// Entry points with a completion return at once; their work runs on a concurrent queue, progress
+/// and completion arrive on the main queue. Everything else is synchronous on the caller's thread.
+class ThirdPartyAppCacheManager {
+  public:
+    using Error = platform::Error;
+    using AppList = std::vector<AppCacheInfo>;
+    using ListCompletion = std::function<void(const AppList&)>;
+    using InfoCompletion = std::function<void(const std::optional<AppCacheInfo>&)>;
+    /// Name of the item, and how much is done (0 to 1).
+    using Progress = std::function<void(const std::string& name, double fraction)>;
+    using Completion = std::function<void(bool success, std::uint64_t cleanedBytes,
+                                          const std::optional<Error>& error)>;
+
+    static constexpr std::string_view kErrorDomain = "ThirdPartyAppCacheManager";
+    static constexpr std::int64_t kNoDataDirectory = -1;
+    static constexpr std::int64_t kInterrupted = -2;
+    /// With this many apps from the workspace service, a phone's containers are not walked.
+    static constexpr std::size_t kEnoughApps = 5;
+
+    explicit ThirdPartyAppCacheManager(const AppServices& services);
+    ~ThirdPartyAppCacheManager();
+    ThirdPartyAppCacheManager(const ThirdPartyAppCacheManager&) = delete;
+    ThirdPartyAppCacheManager& operator=(const ThirdPartyAppCacheManager&) = delete;
+
+    /// The process's one manager, made on first use for Device::current().
+    static ThirdPartyAppCacheManager& sharedManager();
+
+    // --- Discovery ---
+
+    /// Every app, sized, largest first; also kept as the list that the counts below read.
+    void scanAllAppsWithCompletion(ListCompletion completion, Progress progress = {});
+    /// The same without the system apps.
+    void scanThirdPartyAppsWithCompletion(ListCompletion completion, Progress progress = {});
+    /// The scan itself, on the caller's thread. `progress` hears of each app sized, on any thread.
+    AppList scanNow(const Progress& progress = {});
+
+    /// The record of an app by the service's proxy, sized; an error is the service's exception.
+    platform::Result<AppCacheInfo> extractAppInfoFromProxy(platform::ApplicationProxy& proxy);
+    [[nodiscard]] static bool isSystemApp(const std::optional<std::string>& bundleIdentifier,
+                                          const std::optional<std::string>& bundlePath);
+    /// Appends the apps that the containers hold and `apps` does not yet.
+    void scanAppDirectoriesIntoArray(AppList& apps, const Progress& progress = {});
+    /// The picture of an app: by the service's proxy (or nullptr), by its bundle, or our own.
+    std::optional<AppIcon> extractAppIconFromProxy(platform::ApplicationProxy* proxy,
+                                                   const std::optional<std::string>& bundlePath);
+
+    /// Of the last full scan; 0 before it. No scan is started.
+    [[nodiscard]] std::size_t getInstalledAppCount() const;
+    [[nodiscard]] std::size_t getThirdPartyAppCount() const;
+    [[nodiscard]] std::uint64_t getTotalThirdPartyAppCacheSize() const;
+    /// Whether the device's data containers are in sight.
+    bool hasPrivateAPIAccess();
+
+    void refreshAppListCache();
+    void invalidateAllCache();
+    void invalidateCacheForApp(const std::string& bundleIdentifier);
+
+    // --- Sizing ---
+
+    /// Fills the three sizes; a record without a data path is left as it is.
+    void calculateCacheSizeForAppInfo(AppCacheInfo& info);
+    /// The record of one app; at once when it is known, else on the main queue. None when the app
+    /// has no data container.
+    void getCacheInfoForApp(const std::string& bundleIdentifier, InfoCompletion completion);
+    /// Bytes of everything beneath `path`, hidden entries and links included.
+    std::uint64_t sizeOfDirectoryAtPath(const std::string& path,
+                                        int maxDepth = platform::kDefaultMaxDepth);
+
+    // --- Cleaning ---
+
+    void cleanCacheForApp(const std::string& bundleIdentifier, Progress progress,
+                          Completion completion);
+    /// One after the other; each is recorded, and then their sum.
+    void cleanCacheForApps(std::vector<std::string> bundleIdentifiers, Progress progress,
+                           Completion completion);
+    /// Every third-party app that is not whitelisted.
+    void cleanAllThirdPartyAppCaches(Progress progress, Completion completion);
+    /// The body of a single clean on the caller's thread, without bookkeeping.
+    std::uint64_t cleanNow(const std::string& bundleIdentifier, const Progress& progress,
+                           std::optional<Error>& error);
+    /// Identifiers of the apps that may be cleaned, in their order; what is left out is logged.
+    std::vector<std::string> withoutWhitelisted(const AppList& thirdPartyApps);
+
+    /// Empties a folder of an app, which stays; false when it can't be read or is a link.
+    bool removeContentsOfDirectory(const std::string& path, const Progress& progress,
+                                   const std::string& appName);
+    void saveCleanStatistics(std::uint64_t bytes);
+
+    /// Reads the protection lists afresh; the error when one can't be read and cleans must refuse.
+    [[nodiscard]] platform::Result<> readiness() const;
+
+    /// Ends the running cleans after the entry in hand; what was freed counts. Thread-safe.
+    void stop() { stopRequested_ = true; }
+
+    /// Who hears of every decision of the cleans to come. Not while one runs.
+    void setObserver(CleanObserver* observer) { observer_ = observer; }
+
+  private:
+    struct Candidate;
+
+    // Discovery.
+    void scanWorkspace(AppList& apps, const Progress& progress);
+    platform::ApplicationWorkspace::Applications workspaceApplications();
+    platform::Result<AppCacheInfo> readProxy(platform::ApplicationProxy& proxy);
+    std::optional<AppIcon> iconOfBundle(const std::optional<std::string>& bundlePath,
+                                        const std::optional<std::string>& iconName);
+    void reportHiddenRoots();
+    void describeFromBundle(Candidate& candidate, const std::string& containerName,
+                            const BundleIndex& bundles);
+    std::vector<Candidate> findCandidates(const std::vector<std::string>& containers,
+                                          std::set<std::string> known);
+    static void report(const Progress& progress, const AppCacheInfo& app, std::size_t done,
+                       std::size_t count);
+    /// None when the app has no data container; an error is the service's exception.
+    platform::Result<std::optional<std::string>> getAppDataDirectory(
+        const std::string& bundleIdentifier);
+    std::optional<AppIcon> sharedOwnIcon();
+
+    // Sizing.
+    void calculate(AppCacheInfo& info, HiddenRoots& hiddenRoots);
+    std::uint64_t sizeBeneath(const std::string& container, std::string_view relative);
+    std::uint64_t sizeOfEntry(const platform::Directory& directory, const std::string& name);
+    [[nodiscard]] static platform::WalkRules walkRules(int maxDepth);
+    /// What counts of an entry of an emptied folder: as walkRules() count it from the folder, which
+    /// has told of the depth limit already.
+    [[nodiscard]] static platform::WalkRules entryRules();
+
+    // Cleaning.
+    [[nodiscard]] bool isStopped() const { return stopRequested_; }
+    void startClean(const std::string& bundleIdentifier, Progress progress, Completion completion);
+    void startBatch(std::vector<std::string> bundleIdentifiers, Progress progress,
+                    Completion completion);
+    /// What became of a folder's entries.
+    struct Emptied {
+        std::uint64_t left = 0;   ///< bytes of protected entries
+        std::uint64_t freed = 0;  ///< bytes of what went
+        bool wasStopped = false;  ///< before the last entry
+    };
+
+    /// Bytes that were there less those that had to stay; of a clean that was stopped, those that
+    /// went. None when there was nothing to empty.
+    std::optional<std::uint64_t> cleanFolder(const std::string& container,
+                                             std::string_view relative, const Progress& progress,
+                                             const std::string& name);
+    void cleanHiddenRoots(const std::string& identifier, const Progress& progress,
+                          std::uint64_t& cleaned);
+    /// Tells why a folder is not entered: a link on its way, else `error`.
+    void noteRefused(const std::string& container, std::string_view relative, const Error& error);
+    /// None when the directory can't be read.
+    std::optional<Emptied> removeEntries(platform::Directory& directory, const Progress& progress,
+                                         const std::string& appName);
+    void keepEntry(const platform::Directory& directory, const std::string& name, Emptied& emptied);
+    void removeEntry(const platform::Directory& directory, const std::string& name,
+                     Emptied& emptied);
+    void record(std::uint64_t cleaned, const std::string& historyName);
+    void cleanBatch(const std::vector<std::string>& identifiers, const Progress& progress,
+                    const Completion& completion);
+    void postCompletion(Completion completion, std::uint64_t cleaned, std::optional<Error> error);
+
+    AppServices services_;
+    platform::TreeWalker walker_;
+    ContainerIndex containers_;
+    CleanObserver* observer_ = nullptr;
+    std::atomic<bool> stopRequested_{false};
+    mutable std::mutex mutex_;
+    std::shared_ptr<const AppList> cachedAppList_;
+    std::map<std::string, AppCacheInfo> appInfoCache_;
+    std::once_flag ownIconRead_;
+    std::optional<AppIcon> ownIcon_;
+    std::unique_ptr<platform::DispatchQueue> scanQueue_;
+};
+
+}  // namespace sweepwright

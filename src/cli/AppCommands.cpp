@@ -1,0 +1,159 @@
+#include <algorithm>
+#include <string>
+
+#include <fmt/format.h>
+
+#include "apps/AppCleanPreview.h"
+#include "apps/ThirdPartyAppCacheManager.h"
+#include "cli/CleanRun.h"
+#include "cli/Command.h"
+#include "cli/Context.h"
+#include "platform/DispatchQueue.h"
+
+namespace sweepwright::cli {
+
+namespace {
+
+constexpr const char* kGroup = "Apps";
+
+using AppList = ThirdPartyAppCacheManager::AppList;
+
+void setText(Json& object, const std::string& key, const std::optional<std::string>& text) {
+    if (text) {
+        setPath(object, key, *text);
+    } else {
+        object[key] = nullptr;
+    }
+}
+
+Json appValue(const AppCacheInfo& app) {
+    Json object = Json::object();
+    setText(object, "bundleIdentifier", app.bundleIdentifier);
+    setText(object, "appName", app.appName);
+    setText(object, "appIconPath", app.appIconPath);
+    object["hasIcon"] = app.appIcon.has_value();
+    object["cacheSize"] = app.cacheSize;
+    object["tmpSize"] = app.tmpSize;
+    object["totalSize"] = app.totalSize;
+    setText(object, "dataPath", app.dataPath);
+    setText(object, "bundlePath", app.bundlePath);
+    object["isSystemApp"] = app.isSystemApp;
+    return object;
+}
+
+/// Scans on the manager's queue while the main queue shows how far it is.
+AppList scanApps(Context& context, bool thirdPartyOnly) {
+    ThirdPartyAppCacheManager& manager = ThirdPartyAppCacheManager::sharedManager();
+    std::optional<AppList> found;
+    const auto completion = [&found](const AppList& apps) { found = apps; };
+    const auto progress = [&context](const std::string& name, double fraction) {
+        context.progress().update(name, fraction);
+    };
+    if (thirdPartyOnly) {
+        manager.scanThirdPartyAppsWithCompletion(completion, progress);
+    } else {
+        manager.scanAllAppsWithCompletion(completion, progress);
+    }
+    platform::MainQueue::shared().runUntil([&found] { return found.has_value(); });
+    context.progress().clear();
+    return *std::move(found);
+}
+
+Outcome apps(Context& context, const Call& call) {
+    const AppList list = scanApps(context, call.has("--third-party"));
+    Json document = Json::array();
+    Table table({Align::Right, Align::Right, Align::Right, Align::Left, Align::Left, Align::Left});
+    for (const AppCacheInfo& app : list) {
+        document.push_back(appValue(app));
+        table.row({sizeText(app.totalSize), sizeText(app.cacheSize), sizeText(app.tmpSize),
+                   app.isSystemApp ? "system" : "third-party", app.bundleIdentifier.value_or("-"),
+                   app.appName.value_or("-")});
+    }
+    context.output().document(document);
+    context.output().table(table);
+    return {};
+}
+
+/// The identifiers that a call is about; those that may not be cleaned are an error.
+std::expected<std::vector<std::string>, Failure> chosenApps(Context& context, const Call& call) {
+    ThirdPartyAppCacheManager& manager = ThirdPartyAppCacheManager::sharedManager();
+    const auto& named = call.words("ID");
+    if (call.has("--all") != named.empty()) return wrongWords("name apps to clean, or say --all");
+    if (auto ready = manager.readiness(); !ready) return failed(ready.error());
+    if (call.has("--all")) return manager.withoutWhitelisted(scanApps(context, true));
+    AppWhitelistManager& whitelist = AppWhitelistManager::sharedManager();
+    for (const std::string& identifier : named) {
+        if (whitelist.isAppInWhitelist(identifier))
+            return failed({std::string(ThirdPartyAppCacheManager::kErrorDomain), 1,
+                           identifier +
+                               ": is whitelisted, so nothing was cleaned; first: sweepctl "
+                               "whitelist apps remove " +
+                               identifier});
+    }
+    return named;
+}
+
+Outcome cleanApps(Context& context, const Call& call) {
+    const bool dryRun = call.has("--dry-run");
+    if (call.has("--all") != call.words("ID").empty())
+        return wrongWords("name apps to clean, or say --all");
+    if (!dryRun) {
+        const std::string what =
+            call.has("--all") ? "the caches of every third-party app"
+                              : fmt::format("the caches of {} apps", call.words("ID").size());
+        if (auto sure = confirm(fmt::format("Remove {}?", what), call.has("--yes")); !sure)
+            return sure;
+    }
+    const auto identifiers = chosenApps(context, call);
+    if (!identifiers) return std::unexpected(identifiers.error());
+    if (dryRun) {
+        const auto preview = previewAppsClean(AppServices::shared(), *identifiers);
+        if (!preview) return failed(preview.error());
+        showPreview(context.output(), *preview);
+        return {};
+    }
+    ThirdPartyAppCacheManager& manager = ThirdPartyAppCacheManager::sharedManager();
+    const bool single = !call.has("--all") && identifiers->size() == 1;
+    return runClean(context,
+                    {.start =
+                         [&](CleanProgress progress, CleanCompletion completion) {
+                             if (single) {
+                                 manager.cleanCacheForApp(identifiers->front(), std::move(progress),
+                                                          std::move(completion));
+                             } else {
+                                 manager.cleanCacheForApps(*identifiers, std::move(progress),
+                                                           std::move(completion));
+                             }
+                         },
+                     .stop = [&manager] { manager.stop(); }});
+}
+
+}  // namespace
+
+void addAppCommands(Commands& commands) {
+    commands.push_back(
+        {.words = "apps",
+         .group = kGroup,
+         .summary = "list the installed apps with the sizes of their caches",
+         .options = {{.name = "--third-party", .value = "", .help = "leave the system's apps out"}},
+         .examples = {"sweepctl apps --third-party"},
+         .run = apps});
+    commands.push_back(
+        {.words = "apps clean",
+         .group = kGroup,
+         .summary = "remove apps' caches, temporary files and web data",
+         .positionals =
+             {{.name = "ID", .help = "bundle identifiers", .many = true, .optional = true}},
+         .options = {{.name = "--all",
+                      .value = "",
+                      .help = "every third-party app that is not whitelisted"},
+                     {.name = "--yes", .value = "", .help = "do it without a question"},
+                     {.name = "--dry-run",
+                      .value = "",
+                      .help = "tell what would go and what stays; remove nothing"}},
+         .examples = {"sweepctl apps clean com.example.chat",
+                      "sweepctl apps clean --all --dry-run"},
+         .run = cleanApps});
+}
+
+}  // namespace sweepwright::cli

@@ -1,0 +1,115 @@
+#include <algorithm>
+#include <limits>
+#include <string>
+
+#include "cli/Command.h"
+#include "cli/Confirmation.h"
+#include "cli/Context.h"
+#include "cli/Text.h"
+#include "platform/DateText.h"
+#include "protection/CleanHistoryManager.h"
+#include "protection/CleanStatistics.h"
+
+namespace sweepwright::cli {
+
+namespace {
+
+constexpr const char* kGroup = "Records";
+
+Json dateValue(const std::optional<CleanHistoryItem::Date>& date) {
+    return date ? Json(platform::dateText(*date)) : Json(nullptr);
+}
+
+Outcome history(Context& context, const Call& call) {
+    const std::uint64_t limit =
+        call.number("--limit").value_or(std::numeric_limits<std::uint64_t>::max());
+    Json document = Json::array();
+    Table table({Align::Left, Align::Right, Align::Left, Align::Left});
+    for (const CleanHistoryItem& item :
+         CleanHistoryManager::sharedManager().getRecentCleanHistory(limit)) {
+        document.push_back(Json{{"identifier", item.identifier},
+                                {"cleanType", static_cast<std::int64_t>(item.cleanType)},
+                                {"cleanTypeName", replacingBadBytes(item.cleanTypeName)},
+                                {"cleanedBytes", item.cleanedBytes},
+                                {"cleanDate", platform::dateText(item.cleanDate)}});
+        table.row({platform::dateText(item.cleanDate), sizeText(item.cleanedBytes), item.identifier,
+                   item.cleanTypeName});
+    }
+    context.output().document(document);
+    context.output().table(table);
+    return {};
+}
+
+Outcome deleteHistory(Context& context, const Call& call) {
+    CleanHistoryManager& manager = CleanHistoryManager::sharedManager();
+    const auto& identifiers = call.words("ID");
+    const auto stored = manager.getAllCleanHistory();
+    for (const std::string& identifier : identifiers) {
+        if (std::ranges::find(stored, identifier, &CleanHistoryItem::identifier) == stored.end())
+            return failed({"CleanHistoryManager", -1,
+                           identifier + ": no recorded clean has this identifier; none was "
+                                        "deleted"});
+    }
+    for (const std::string& identifier : identifiers) {
+        CleanHistoryItem item;
+        item.identifier = identifier;
+        if (auto deleted = manager.deleteHistoryItem(item); !deleted)
+            return failed(deleted.error());
+    }
+    return history(context, Call());
+}
+
+Outcome clearHistory(Context& context, const Call& /*call*/) {
+    if (auto cleared = CleanHistoryManager::sharedManager().clearAllHistory(); !cleared)
+        return failed(cleared.error());
+    return history(context, Call());
+}
+
+Outcome stats(Context& context, const Call& /*call*/) {
+    const CleanHistoryStatistics kept = CleanHistoryManager::sharedManager().getStatistics();
+    const CleanStatistics::Totals running = CleanStatistics::sharedStatistics().totals();
+    context.output().document(
+        Json{{"history",
+              {{"totalCleanedBytes", kept.totalCleanedBytes},
+               {"totalCleanCount", kept.totalCleanCount},
+               {"firstCleanDate", dateValue(kept.firstCleanDate)},
+               {"lastCleanDate", dateValue(kept.lastCleanDate)}}},
+             {"running",
+              {{"totalCleanedBytes", running.totalCleanedBytes},
+               {"cleanCount", running.cleanCount},
+               {"lastCleanDate",
+                running.lastCleanDate ? Json(*running.lastCleanDate) : Json(nullptr)}}}});
+    Table table({Align::Left, Align::Right, Align::Right, Align::Left});
+    table.row({"history", sizeText(kept.totalCleanedBytes), std::to_string(kept.totalCleanCount),
+               kept.lastCleanDate ? platform::dateText(*kept.lastCleanDate) : "-"});
+    table.row({"running", sizeText(running.totalCleanedBytes), std::to_string(running.cleanCount),
+               running.lastCleanDate.value_or("-")});
+    context.output().table(table);
+    return {};
+}
+
+}  // namespace
+
+void addHistoryCommands(Commands& commands) {
+    commands.push_back({.words = "history",
+                        .group = kGroup,
+                        .summary = "list the recorded cleans, newest first",
+                        .options = {{.name = "--limit", .value = "N", .help = "at most so many"}},
+                        .examples = {"sweepctl history --limit 5"},
+                        .run = history});
+    commands.push_back({.words = "history delete",
+                        .group = kGroup,
+                        .summary = "delete records",
+                        .positionals = {{.name = "ID", .help = "identifiers", .many = true}},
+                        .run = deleteHistory});
+    commands.push_back({.words = "history clear",
+                        .group = kGroup,
+                        .summary = "delete all records",
+                        .run = clearHistory});
+    commands.push_back({.words = "stats",
+                        .group = kGroup,
+                        .summary = "what was cleaned in all: bytes, cleans, the last one",
+                        .run = stats});
+}
+
+}  // namespace sweepwright::cli

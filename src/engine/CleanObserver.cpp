@@ -1,0 +1,27 @@
+#include "engine/CleanObserver.h"
+
+namespace sweepwright {
+
+std::string_view keptReasonName(KeptReason reason) {
+    switch (reason) {
+        case KeptReason::Protected:
+            return "protected";
+        case KeptReason::Hidden:
+            return "hidden";
+        case KeptReason::Link:
+            return "link";
+        case KeptReason::Database:
+            return "database";
+        case KeptReason::RecentSideFile:
+            return "recent side file";
+        case KeptReason::Maps:
+            return "Maps";
+        case KeptReason::OwnFolder:
+            return "own folder";
+        case KeptReason::Failed:
+            return "failed";
+    }
+    return "";
+}
+
+}  // namespace sweepwright

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace sweepwright {
+
+/// Why a clean left something alone.
+enum class KeptReason {
+    Protected,       ///< whitelisted; `by` is the protecting path
+    Hidden,          ///< its name begins with "."
+    Link,            ///< a symbolic link
+    Database,        ///< a database or a side file of one
+    RecentSideFile,  ///< a database's side file changed less than 300 seconds ago
+    Maps,            ///< a cache of the Maps app
+    OwnFolder,       ///< the app's own cache folder
+    Failed,          ///< it could not be removed; `by` is the error
+};
+
+/// The reason as scripts read it: "protected", "hidden", "link", …
+std::string_view keptReasonName(KeptReason reason);
+
+/// Hears of every decision of a clean, on the clean's thread.
+class CleanObserver {
+  public:
+    virtual ~CleanObserver() = default;
+    /// `path` went, which freed `bytes`.
+    virtual void removed(const std::string& path, std::uint64_t bytes) = 0;
+    /// `path` stays.
+    virtual void kept(const std::string& path, KeptReason reason, const std::string& by) = 0;
+};
+
+/// What a clean would do.
+struct CleanPreview {
+    struct Entry {
+        std::string path;
+        std::uint64_t size = 0;  ///< bytes, as the clean would count them
+        auto operator<=>(const Entry&) const = default;
+    };
+    struct Kept {
+        std::string path;
+        KeptReason reason = KeptReason::Hidden;
+        std::string by;  ///< the protecting path, where there is one
+    };
+
+    std::uint64_t wouldFree = 0;  ///< bytes the clean would report
+    std::vector<Entry> entries;   ///< in the order in which they would go
+    std::vector<Kept> kept;       ///< each once
+};
+
+}  // namespace sweepwright

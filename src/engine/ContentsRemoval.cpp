@@ -1,0 +1,147 @@
+// Removing the contents of a directory: the one routine behind every category cleaner.
+#include "engine/CategoryRules.h"
+#include "engine/FileCleanerEngine.h"
+#include "engine/LinkProtection.h"
+#include "platform/Log.h"
+#include "platform/ProgressThrottle.h"
+
+namespace sweepwright {
+
+using platform::FileType;
+using platform::LastLink;
+using platform::log;
+
+void FileCleanerEngine::noteRemoved(const std::string& path, std::uint64_t bytes) {
+    if (observer_ != nullptr) observer_->removed(path, bytes);
+}
+
+void FileCleanerEngine::noteKept(const std::string& path, KeptReason reason,
+                                 const std::string& by) {
+    if (observer_ != nullptr) observer_->kept(path, reason, by);
+}
+
+void FileCleanerEngine::noteProtected(const std::string& path) {
+    if (observer_ != nullptr)
+        noteKept(path, KeptReason::Protected,
+                 protectingPath(services_.files, services_.pathWhitelist, path));
+}
+
+void FileCleanerEngine::keepMaps(const std::string& path) {
+    log("🗺️ 跳过地图应用缓存: {} (保护地图图片缓存)", path);
+    noteKept(path, KeptReason::Maps);
+}
+
+std::uint64_t FileCleanerEngine::removeContentsOfDirectory(const std::string& directory,
+                                                           const Progress& progress) {
+    if (isStopped()) return 0;
+    if (isPathInWhitelist(directory)) {
+        log("🔒 白名单目录跳过删除: {}", directory);
+        noteProtected(directory);
+        return 0;
+    }
+    if (isMapsAppPath(directory)) {
+        keepMaps(directory);
+        return 0;
+    }
+    if (isSystemPath(directory)) {
+        log("🔧 检测到系统路径，使用posix_spawn删除: {}", directory);
+        return removeSystemPathWithSystemCommand(directory);
+    }
+    auto opened = openToEmpty(directory);
+    return opened ? removeEntriesOf(*opened, progress) : 0;
+}
+
+/// Opens a directory once for all that follows: whatever is renamed or swapped for a link
+/// meanwhile, we stay in this one. None when it must stay as it is.
+std::optional<platform::Directory> FileCleanerEngine::openToEmpty(const std::string& directory) {
+    auto opened = services_.files.openDirectory(directory, LastLink::Refuse);
+    if (!opened) {
+        const auto itself = services_.files.attributes(directory, LastLink::Refuse);
+        if (itself && itself->type == FileType::SymbolicLink) noteKept(directory, KeptReason::Link);
+        return std::nullopt;
+    }
+    if (LinkProtection(services_.files, services_.pathWhitelist, *opened).coversDirectory()) {
+        log("🔒 白名单目录跳过删除: {}", directory);
+        noteProtected(directory);
+        return std::nullopt;
+    }
+    return std::move(*opened);
+}
+
+std::vector<std::string> FileCleanerEngine::cleanableEntriesOf(const std::string& directory) {
+    auto opened = services_.files.openDirectory(directory, LastLink::Refuse);
+    if (!opened) return {};
+    return services_.files.contentsOfDirectory(*opened).value_or(std::vector<std::string>{});
+}
+
+std::uint64_t FileCleanerEngine::removeEntriesOf(platform::Directory& directory,
+                                                 const Progress& progress) {
+    const auto names = services_.files.contentsOfDirectory(directory);
+    if (!names) return 0;
+    const LinkProtection protection(services_.files, services_.pathWhitelist, directory);
+    // A cleaner that is called on its own has no throttle yet.
+    platform::ProgressThrottle own(services_.mainQueue, progress);
+    platform::ProgressThrottle& throttle = throttle_ ? *throttle_ : own;
+    std::uint64_t total = 0;
+    std::size_t handled = 0;
+    for (const std::string& name : *names) {
+        if (isStopped()) break;
+        ++handled;
+        if (keepsEntry(directory, protection, name)) continue;
+        total += removeEntry(directory, name);
+        if (progress)
+            throttle.report(name,
+                            static_cast<double>(handled) / static_cast<double>(names->size()));
+    }
+    own.flush();
+    return total;
+}
+
+bool FileCleanerEngine::keepsEntry(const platform::Directory& directory,
+                                   const LinkProtection& protection, const std::string& name) {
+    const std::string path = directory.pathOf(name);
+    if (name.starts_with('.')) {
+        noteKept(path, KeptReason::Hidden);
+        return true;
+    }
+    if (isPathInWhitelist(path) || protection.covers(name)) {
+        log("🔒 跳过白名单路径: {}", path);
+        noteProtected(path);
+        return true;
+    }
+    const auto attributes = services_.files.attributesAt(directory, name);
+    if (attributes && attributes->type == FileType::SymbolicLink) {
+        noteKept(path, KeptReason::Link);
+        return true;
+    }
+    if (isSQLiteDatabaseFile(path)) {
+        log("⚠️ 跳过 SQLite 数据库文件: {}", path);
+        noteKept(path, KeptReason::Database);
+        return true;
+    }
+    // A home of its own has a caches directory of its own, whose Maps caches no list protects.
+    if (isMapsAppPath(path)) {
+        keepMaps(path);
+        return true;
+    }
+    return false;
+}
+
+std::uint64_t FileCleanerEngine::removeEntry(const platform::Directory& directory,
+                                             const std::string& name) {
+    const std::string path = directory.pathOf(name);
+    // The size is taken file by file right before each goes, by the rules of the size walker.
+    const platform::Removal removal = services_.eraser.removeEntry(directory, name, walkRules());
+    if (!removal.error) {
+        noteRemoved(path, removal.bytes);
+        return removal.bytes;
+    }
+    log("⚠️ 无法删除文件: {}, 错误: {}", path, removal.error->description);
+    noteKept(path, KeptReason::Failed, removal.error->description);
+    // What went before the failure is gone and counts; then whatever else can go.
+    if (isSystemPath(path)) return removal.bytes + removeContentsOfDirectory(path, {});
+    auto rest = services_.files.openBeneath(directory, name, platform::Mounts::Refuse);
+    return removal.bytes + (rest ? removeEntriesOf(*rest, {}) : 0);
+}
+
+}  // namespace sweepwright

@@ -1,0 +1,239 @@
+#include "engine/FileCleanerEngine.h"
+
+#include <array>
+#include <utility>
+
+#include "engine/CategoryRules.h"
+#include "platform/Log.h"
+
+namespace sweepwright {
+
+namespace {
+
+using Cleaner = std::uint64_t (FileCleanerEngine::*)(const FileCleanerEngine::Progress&,
+                                                     FileCleanerEngine::ErrorSlot&);
+
+struct Category {
+    std::string_view name;
+    Cleaner clean;
+};
+
+/// By value, 0 to 8.
+constexpr std::array<Category, 9> kCategories = {{
+    {"缓存文件", &FileCleanerEngine::cleanCacheWithProgress},
+    {"临时文件", &FileCleanerEngine::cleanTempFilesWithProgress},
+    {"Cookie & 网页数据", &FileCleanerEngine::cleanCookiesWithProgress},
+    {"系统日志", &FileCleanerEngine::cleanSystemLogsWithProgress},
+    {"下载文件", &FileCleanerEngine::cleanDownloadsWithProgress},
+    {"图片缓存", &FileCleanerEngine::cleanImageCacheWithProgress},
+    {"数据库文件", &FileCleanerEngine::cleanDatabaseFilesWithProgress},
+    {"崩溃报告", &FileCleanerEngine::cleanCrashReportsWithProgress},
+    {"离线数据", &FileCleanerEngine::cleanOfflineDataWithProgress},
+}};
+
+const Category* categoryOf(CleanType type) {
+    const auto value = static_cast<std::int64_t>(type);
+    if (value < 0 || std::cmp_greater_equal(value, kCategories.size())) return nullptr;
+    return &kCategories[static_cast<std::size_t>(value)];
+}
+
+}  // namespace
+
+std::vector<std::pair<std::string, std::uint64_t>> ScanResult::entries() const {
+    return {{"cacheSize", cacheSize},
+            {"tempSize", tempSize},
+            {"cookieSize", cookieSize},
+            {"logSize", logSize},
+            {"downloadsSize", downloadsSize},
+            {"imageCacheSize", imageCacheSize},
+            {"databaseSize", databaseSize},
+            {"crashReportsSize", crashReportsSize},
+            {"offlineDataSize", offlineDataSize},
+            {"totalSize", totalSize}};
+}
+
+FileCleanerEngine::FileCleanerEngine(const EngineServices& services)
+    : services_(services),
+      walker_(services.files),
+      cleanQueue_(platform::DispatchQueue::serial("com.sweepwright.cleanqueue")) {}
+
+FileCleanerEngine::~FileCleanerEngine() = default;
+
+EngineServices EngineServices::shared() {
+    return {platform::Device::current(),
+            platform::FileManager::defaultManager(),
+            DeviceEraser::sharedEraser(),
+            PathWhitelistManager::sharedManager(),
+            CustomPathManager::sharedManager(),
+            CleanHistoryManager::sharedManager(),
+            CleanStatistics::sharedStatistics(),
+            StorageAnalyzer::sharedAnalyzer(),
+            platform::NotificationCenter::defaultCenter(),
+            platform::MainQueue::shared()};
+}
+
+FileCleanerEngine& FileCleanerEngine::sharedEngine() {
+    static FileCleanerEngine engine(EngineServices::shared());
+    return engine;
+}
+
+void FileCleanerEngine::scanWithCompletion(ScanCompletion completion) {
+    cleanQueue_->async([this, completion = std::move(completion)] {
+        const ScanResult result = scan();
+        services_.mainQueue.async([completion, result] {
+            if (completion) completion(result);
+        });
+    });
+}
+
+ScanResult FileCleanerEngine::scan(
+    const std::function<void(std::string_view key, int done)>& onStep) {
+    services_.pathWhitelist.reload();
+    services_.customPaths.reload();
+    int done = 0;
+    const auto measure = [&](std::string_view key, std::uint64_t (FileCleanerEngine::*getter)()) {
+        if (onStep) onStep(key, done++);
+        return (this->*getter)();
+    };
+    ScanResult result;
+    result.cacheSize = measure("cacheSize", &FileCleanerEngine::getCacheSize);
+    result.tempSize = measure("tempSize", &FileCleanerEngine::getTempFilesSize);
+    result.cookieSize = measure("cookieSize", &FileCleanerEngine::getCookiesSize);
+    result.logSize = measure("logSize", &FileCleanerEngine::getSystemLogsSize);
+    result.downloadsSize = measure("downloadsSize", &FileCleanerEngine::getDownloadsSize);
+    result.imageCacheSize = measure("imageCacheSize", &FileCleanerEngine::getImageCacheSize);
+    result.databaseSize = measure("databaseSize", &FileCleanerEngine::getDatabaseFilesSize);
+    result.crashReportsSize = measure("crashReportsSize", &FileCleanerEngine::getCrashReportsSize);
+    result.offlineDataSize = measure("offlineDataSize", &FileCleanerEngine::getOfflineDataSize);
+    // The cache size holds the custom paths already; they count a second time here.
+    result.cacheSize += measure("cacheSize", &FileCleanerEngine::getCustomPathsSize);
+    result.totalSize = result.cacheSize + result.tempSize + result.cookieSize + result.logSize +
+                       result.downloadsSize + result.imageCacheSize + result.databaseSize +
+                       result.crashReportsSize + result.offlineDataSize;
+    return result;
+}
+
+void FileCleanerEngine::cleanWithType(CleanType type, Progress progress, Completion completion) {
+    cleanQueue_->async([this, type, number = ++lastAsked_, progress = std::move(progress),
+                        completion = std::move(completion)]() mutable {
+        if (const auto ready = readiness(); !ready)
+            return postCompletion(std::move(completion), 0, ready.error());
+        ErrorSlot error;
+        const std::uint64_t cleaned =
+            runClean(number, progress, [&] { return cleanCategories(type, progress, error); });
+        if (!error && cleaned > 0) recordClean(type, cleaned);
+        postCompletion(std::move(completion), cleaned, std::move(error));
+    });
+}
+
+std::uint64_t FileCleanerEngine::cleanNow(CleanType type, const Progress& progress,
+                                          ErrorSlot& error) {
+    return runClean(++lastAsked_, progress, [&] { return cleanCategories(type, progress, error); });
+}
+
+std::uint64_t FileCleanerEngine::runClean(CleanNumber number, const Progress& progress,
+                                          const std::function<std::uint64_t()>& body) {
+    // One throttle for the whole clean: it may visit thousands of directories a second.
+    throttle_ = std::make_unique<platform::ProgressThrottle>(services_.mainQueue, progress);
+    running_ = number;
+    const std::uint64_t cleaned = isStopped() ? 0 : body();
+    running_ = kNoClean;
+    throttle_->flush();
+    throttle_.reset();
+    return cleaned;
+}
+
+std::uint64_t FileCleanerEngine::cleanCategories(CleanType type, const Progress& progress,
+                                                 ErrorSlot& error) {
+    std::uint64_t cleaned = 0;
+    if (const Category* category = categoryOf(type)) {
+        cleaned = (this->*category->clean)(progress, error);
+    } else if (type == CleanType::All) {
+        for (const Category& each : kCategories)
+            if (!isStopped()) cleaned += (this->*each.clean)(progress, error);
+    }
+    return cleaned;
+}
+
+platform::Result<> FileCleanerEngine::readiness() const {
+    services_.pathWhitelist.reload();
+    services_.customPaths.reload();
+    if (auto ready = services_.pathWhitelist.readiness(); !ready) return ready;
+    return services_.customPaths.readiness();
+}
+
+void FileCleanerEngine::recordClean(CleanType type, std::uint64_t cleaned) {
+    saveCleanStatistics(cleaned);
+    services_.history.saveCleanHistoryWithType(type, cleaned,
+                                               cleanTypeNameForType(type).value_or(""));
+    services_.notifications.post("CleanHistoryUpdated");
+}
+
+void FileCleanerEngine::postCompletion(Completion completion, std::uint64_t cleaned,
+                                       ErrorSlot error) {
+    services_.mainQueue.async(
+        [completion = std::move(completion), cleaned, error = std::move(error)] {
+            if (completion) completion(!error.has_value(), cleaned, error);
+        });
+}
+
+std::optional<std::string> FileCleanerEngine::cleanTypeNameForType(CleanType type) {
+    if (const Category* category = categoryOf(type)) return std::string(category->name);
+    if (type == CleanType::All) return "一键清理全部";
+    return std::nullopt;
+}
+
+void FileCleanerEngine::saveCleanStatistics(std::uint64_t bytes) {
+    services_.statistics.recordClean(bytes);
+}
+
+std::uint64_t FileCleanerEngine::getTotalCleanableSize() {
+    return getCacheSize() + getTempFilesSize() + getCookiesSize() + getSystemLogsSize() +
+           getDownloadsSize() + getImageCacheSize() + getDatabaseFilesSize() +
+           getCrashReportsSize() + getOfflineDataSize();
+}
+
+std::optional<DeviceStorageInfo> FileCleanerEngine::getStorageInfo() {
+    return services_.storage.getDeviceStorageInfo();
+}
+
+bool FileCleanerEngine::isPathAccessible(const std::string& path) {
+    return services_.files.contentsOfDirectory(path).has_value();
+}
+
+bool FileCleanerEngine::isPathWritable(const std::string& path) {
+    return exists(path) && services_.files.isWritable(path);
+}
+
+std::uint64_t FileCleanerEngine::getFileSizeAtPath(const std::string& path) {
+    if (!exists(path)) return 0;
+    if (services_.files.isDirectory(path)) return sizeOfDirectoryAtPath(path);
+    const auto attributes = services_.files.attributes(path, platform::LastLink::Refuse);
+    return attributes ? attributes->size : 0;
+}
+
+bool FileCleanerEngine::isPathInWhitelist(const std::string& path) const {
+    return services_.pathWhitelist.isPathInWhitelist(path);
+}
+
+std::string FileCleanerEngine::home(std::string_view relative) const {
+    return platform::joinPath(services_.device.homeDirectory(), relative);
+}
+
+std::vector<std::string> FileCleanerEngine::entriesOf(const std::string& directory) {
+    return services_.files.contentsOfDirectory(directory).value_or(std::vector<std::string>{});
+}
+
+bool FileCleanerEngine::isMapsAppPath(std::string_view path) {
+    return rules::isMapsAppPath(path);
+}
+
+bool FileCleanerEngine::isSQLiteDatabaseFile(std::string_view path) {
+    return rules::isSQLiteDatabaseFile(path);
+}
+
+bool FileCleanerEngine::isSystemPath(std::string_view path) {
+    return rules::isSystemPath(path);
+}
+
+}  // namespace sweepwright

@@ -1,0 +1,145 @@
+// The engine's size getters: what each category would free, measured without deleting anything.
+#include "engine/CategoryRules.h"
+#include "engine/FileCleanerEngine.h"
+#include "platform/Log.h"
+
+namespace sweepwright {
+
+using platform::joinPath;
+using platform::log;
+
+platform::WalkRules FileCleanerEngine::walkRules(int maxDepth) const {
+    platform::WalkRules rules;
+    rules.maxDepth = maxDepth;
+    rules.protection = &services_.pathWhitelist;
+    rules.onProtectedRoot = [](const std::string& path) {
+        log("🔒 白名单路径跳过大小计算: {}", path);
+    };
+    rules.onProtectedEntry = [](const std::string& path) {
+        log("🔒 白名单子路径跳过大小计算: {}", path);
+    };
+    rules.onDepthLimit = [](const std::string& path) {
+        log("⚠️ 达到最大递归深度，跳过路径: {}", path);
+    };
+    return rules;
+}
+
+std::uint64_t FileCleanerEngine::sizeOfDirectoryAtPath(const std::string& path, int maxDepth) {
+    return walker_.sizeOfDirectory(path, walkRules(maxDepth));
+}
+
+std::uint64_t FileCleanerEngine::sizeIfPresent(const std::string& path) {
+    return exists(path) ? sizeOfDirectoryAtPath(path) : 0;
+}
+
+std::uint64_t FileCleanerEngine::sizeOfEntries(const std::string& directory, NameRule rule) {
+    std::uint64_t total = 0;
+    for (const std::string& name : entriesOf(directory))
+        if (rule(name)) total += sizeOfDirectoryAtPath(joinPath(directory, name));
+    return total;
+}
+
+std::uint64_t FileCleanerEngine::getSystemCacheSize() {
+    std::uint64_t total = 0;
+    const auto measure = [&](std::string_view at) -> std::uint64_t {
+        const std::string path(at);
+        if (isPathInWhitelist(path) || !exists(path)) return 0;
+        const std::uint64_t size = sizeOfDirectoryAtPath(path);
+        total += size;
+        return size;
+    };
+    for (const std::string_view path : rules::kSafariCaches)
+        if (const auto size = measure(path))
+            log("✅ 扫描到Safari缓存: {}, 大小: {} 字节", path, size);
+    for (const auto& [path, name] : rules::kSystemCaches)
+        if (const auto size = measure(path)) log("✅ 扫描到{}缓存, 大小: {} 字节", name, size);
+
+    // Three of the folders above lie here too and count again: a clean visits them twice as well.
+    const std::string shared(rules::kSharedCaches);
+    if (!exists(shared)) return total;
+    for (const std::string& name : entriesOf(shared)) {
+        const std::string child = joinPath(shared, name);
+        if (isPathInWhitelist(child) || isMapsAppPath(child)) continue;
+        if (rules::isSharedCache(name)) total += sizeIfPresent(child);
+    }
+    return total;
+}
+
+std::uint64_t FileCleanerEngine::getCacheSize() {
+    std::uint64_t total = 0;
+    const std::string caches = services_.device.cachesDirectory();
+    if (!isPathInWhitelist(caches)) total += sizeOfDirectoryAtPath(caches);
+
+    const std::string support = services_.device.applicationSupportDirectory();
+    for (const std::string& name : entriesOf(support)) {
+        if (!rules::isTemporaryData(name)) continue;
+        const std::string child = joinPath(support, name);
+        if (!isPathInWhitelist(child)) total += sizeOfDirectoryAtPath(child);
+    }
+    return total + getSystemCacheSize() + getCustomPathsSize();
+}
+
+std::uint64_t FileCleanerEngine::getTempFilesSize() {
+    return sizeOfDirectoryAtPath(services_.device.temporaryDirectory());
+}
+
+std::uint64_t FileCleanerEngine::getCookiesSize() {
+    std::uint64_t total = sizeIfPresent(home("Library/Cookies"));
+    total += sizeIfPresent(home("Library/WebKit"));
+    total += sizeOfEntries(services_.device.cachesDirectory(), rules::isWebCache);
+    total += sizeOfEntries(services_.device.applicationSupportDirectory(), rules::isWebData);
+    const std::string safari = home("Library/Safari");
+    if (exists(safari)) total += sizeOfEntries(safari, rules::isSafariData);
+    return total;
+}
+
+std::uint64_t FileCleanerEngine::getSystemLogsSize() {
+    std::uint64_t total = sizeOfDirectoryAtPath(home("Library/Logs"));
+    for (const std::string_view at : rules::kDiagnostics) {
+        const std::string path(at);
+        const std::uint64_t size = sizeIfPresent(path);
+        if (size > 0) log("✅ 扫描到诊断数据: {}, 大小: {} 字节", path, size);
+        total += size;
+    }
+    return total;
+}
+
+std::uint64_t FileCleanerEngine::getDownloadsSize() {
+    return sizeIfPresent(joinPath(services_.device.documentsDirectory(), "Downloads"));
+}
+
+std::uint64_t FileCleanerEngine::getImageCacheSize() {
+    return sizeOfEntries(services_.device.cachesDirectory(), rules::isImageCache);
+}
+
+std::uint64_t FileCleanerEngine::getDatabaseFilesSize() {
+    const std::string library = services_.device.libraryDirectory();
+    std::uint64_t total = 0;
+    for (const std::string& name : entriesOf(library)) {
+        if (!rules::isDatabase(name)) continue;
+        const auto attributes =
+            services_.files.attributes(joinPath(library, name), platform::LastLink::Refuse);
+        if (attributes) total += attributes->size;
+    }
+    return total;
+}
+
+std::uint64_t FileCleanerEngine::getCrashReportsSize() {
+    std::uint64_t total = 0;
+    for (const std::string_view folder : rules::kCrashReportFolders)
+        total += sizeIfPresent(home(folder));
+    return total;
+}
+
+std::uint64_t FileCleanerEngine::getOfflineDataSize() {
+    return sizeOfEntries(services_.device.applicationSupportDirectory(), rules::isOfflineData);
+}
+
+std::uint64_t FileCleanerEngine::getCustomPathsSize() {
+    std::uint64_t total = 0;
+    for (const std::string& path : services_.customPaths.getAllCustomPaths())
+        if (exists(path) && !isPathInWhitelist(path)) total += sizeOfDirectoryAtPath(path);
+    return total;
+}
+
+}  // namespace sweepwright

@@ -1,0 +1,167 @@
+#include "support/FaultyFileManager.h"
+
+#include <limits>
+#include <utility>
+
+#include <unistd.h>
+
+namespace sweepwright::test {
+
+using platform::Directory;
+using platform::ForwardingFileManager;
+using platform::Result;
+
+void FaultyFileManager::failAt(std::uint64_t n, int number) {
+    failFirst_ = n;
+    failLast_ = n;
+    number_ = number;
+}
+
+void FaultyFileManager::failFrom(std::uint64_t n, int number) {
+    failAt(n, number);
+    failLast_ = std::numeric_limits<std::uint64_t>::max();
+}
+
+void FaultyFileManager::failWhere(std::function<bool(Operation, const std::string&)> shouldFail,
+                                  int number) {
+    shouldFail_ = std::move(shouldFail);
+    number_ = number;
+}
+
+void FaultyFileManager::exitAt(std::uint64_t n, int status) {
+    exitAt_ = n;
+    status_ = status;
+}
+
+void FaultyFileManager::before(std::function<void(Operation, const std::string&)> hook) {
+    hook_ = std::move(hook);
+}
+
+std::uint64_t FaultyFileManager::calls() const {
+    const std::lock_guard lock(mutex_);
+    return calls_;
+}
+
+std::string FaultyFileManager::failedPath() const {
+    const std::lock_guard lock(mutex_);
+    return failedPath_;
+}
+
+int FaultyFileManager::arrive(Operation operation, const std::string& path) {
+    if (!watched_.contains(operation)) return 0;
+    if (hook_) hook_(operation, path);
+    const std::lock_guard lock(mutex_);
+    ++calls_;
+    if (exitAt_ != 0 && calls_ == exitAt_) _exit(status_);
+    const bool counted = failFirst_ != 0 && calls_ >= failFirst_ && calls_ <= failLast_;
+    if (!counted && !(shouldFail_ && shouldFail_(operation, path))) return 0;
+    if (failedPath_.empty()) failedPath_ = path;
+    return number_;
+}
+
+Result<Directory> FaultyFileManager::openDirectory(const std::string& path,
+                                                   platform::LastLink lastLink) {
+    return through(Operation::OpenDirectory, path,
+                   [&] { return ForwardingFileManager::openDirectory(path, lastLink); });
+}
+
+Result<Directory> FaultyFileManager::openBeneath(const Directory& base, std::string_view relative,
+                                                 platform::Mounts mounts) {
+    return through(Operation::OpenBeneath, base.pathOf(relative),
+                   [&] { return ForwardingFileManager::openBeneath(base, relative, mounts); });
+}
+
+Result<std::span<const platform::DirectoryEntry>> FaultyFileManager::readEntries(
+    Directory& directory, platform::EntryBuffer& buffer) {
+    return through(Operation::ReadEntries, directory.path(),
+                   [&] { return ForwardingFileManager::readEntries(directory, buffer); });
+}
+
+Result<platform::FileAttributes> FaultyFileManager::attributesAt(const Directory& directory,
+                                                                 std::string_view name) {
+    return through(Operation::AttributesAt, directory.pathOf(name),
+                   [&] { return ForwardingFileManager::attributesAt(directory, name); });
+}
+
+Result<> FaultyFileManager::removeFileAt(const Directory& directory, std::string_view name) {
+    return through(Operation::RemoveFileAt, directory.pathOf(name),
+                   [&] { return ForwardingFileManager::removeFileAt(directory, name); });
+}
+
+Result<> FaultyFileManager::removeDirectoryAt(const Directory& directory, std::string_view name) {
+    return through(Operation::RemoveDirectoryAt, directory.pathOf(name),
+                   [&] { return ForwardingFileManager::removeDirectoryAt(directory, name); });
+}
+
+Result<platform::FileAttributes> FaultyFileManager::attributes(const std::string& path,
+                                                               platform::LastLink lastLink) {
+    return through(Operation::Attributes, path,
+                   [&] { return ForwardingFileManager::attributes(path, lastLink); });
+}
+
+bool FaultyFileManager::isWritable(const std::string& path) {
+    return arrive(Operation::IsWritable, path) == 0 && ForwardingFileManager::isWritable(path);
+}
+
+Result<std::optional<platform::FileSystemAttributes>> FaultyFileManager::fileSystemAttributes(
+    const std::string& path) {
+    return through(Operation::FileSystemAttributes, path,
+                   [&] { return ForwardingFileManager::fileSystemAttributes(path); });
+}
+
+Result<std::string> FaultyFileManager::resolvedPath(const std::string& path) {
+    return through(Operation::ResolvedPath, path,
+                   [&] { return ForwardingFileManager::resolvedPath(path); });
+}
+
+Result<std::string> FaultyFileManager::hostPath(const Directory& directory) {
+    return through(Operation::HostPath, directory.path(),
+                   [&] { return ForwardingFileManager::hostPath(directory); });
+}
+
+Result<std::string> FaultyFileManager::readFile(const std::string& path, std::size_t maxBytes) {
+    return through(Operation::ReadFile, path,
+                   [&] { return ForwardingFileManager::readFile(path, maxBytes); });
+}
+
+Result<> FaultyFileManager::writeFile(const std::string& path, std::string_view content) {
+    return through(Operation::WriteFile, path,
+                   [&] { return ForwardingFileManager::writeFile(path, content); });
+}
+
+Result<> FaultyFileManager::createFile(const std::string& path, std::string_view content) {
+    return through(Operation::CreateFile, path,
+                   [&] { return ForwardingFileManager::createFile(path, content); });
+}
+
+Result<> FaultyFileManager::createSparseFile(const std::string& path, std::uint64_t size) {
+    return through(Operation::CreateSparseFile, path,
+                   [&] { return ForwardingFileManager::createSparseFile(path, size); });
+}
+
+Result<> FaultyFileManager::createDirectories(const std::string& path) {
+    return through(Operation::CreateDirectories, path,
+                   [&] { return ForwardingFileManager::createDirectories(path); });
+}
+
+Result<> FaultyFileManager::createSymbolicLink(const std::string& path, const std::string& target) {
+    return through(Operation::CreateSymbolicLink, path,
+                   [&] { return ForwardingFileManager::createSymbolicLink(path, target); });
+}
+
+Result<> FaultyFileManager::setModificationDate(const std::string& path,
+                                                std::chrono::system_clock::time_point date) {
+    return through(Operation::SetModificationDate, path,
+                   [&] { return ForwardingFileManager::setModificationDate(path, date); });
+}
+
+Result<> FaultyFileManager::rename(const std::string& from, const std::string& to) {
+    return through(Operation::Rename, from,
+                   [&] { return ForwardingFileManager::rename(from, to); });
+}
+
+Result<platform::FileLock> FaultyFileManager::lock(const std::string& path) {
+    return through(Operation::Lock, path, [&] { return ForwardingFileManager::lock(path); });
+}
+
+}  // namespace sweepwright::test
