@@ -58,9 +58,8 @@ TEST_F(DeepCleanTest, WithNothingThereNothingIsFreedOrTold) {
 
 TEST_F(DeepCleanTest, ItReturnsAtOnceAndCompletesOnTheMainQueueOnce) {
     std::vector<std::thread::id> completed;
-    d_.engine.deepCleanWithCompletion([&](bool, std::uint64_t, const auto&) {
-        completed.push_back(std::this_thread::get_id());
-    });
+    d_.engine.deepCleanWithCompletion(
+        [&](bool, std::uint64_t, const auto&) { completed.push_back(std::this_thread::get_id()); });
     EXPECT_THAT(completed, IsEmpty());
     d_.mainQueue.runUntil([&] { return !completed.empty(); });
     d_.scan();  // whatever else the sweep posted has run now
@@ -124,8 +123,8 @@ class ToldLocation : public DeepCleanTest, public testing::WithParamInterface<Lo
 TEST_P(ToldLocation, TellsThatItIsEmpty) {
     d_.tree.file(std::string(GetParam().path) + "/.hidden", 5);
     EXPECT_EQ(sweep(), 0U);
-    EXPECT_THAT(told(), ElementsAre(std::string("ℹ️ ") + GetParam().name +
-                                    "缓存目录为空，跳过清理"));
+    EXPECT_THAT(told(),
+                ElementsAre(std::string("ℹ️ ") + GetParam().name + "缓存目录为空，跳过清理"));
     EXPECT_THAT(d_.commands.commands(), IsEmpty());
 }
 
@@ -134,8 +133,7 @@ TEST_P(ToldLocation, TellsWhatItFreed) {
     d_.tree.file(std::string(GetParam().path) + "/goes", 5);
     d_.tree.file(std::string(GetParam().path) + "/stays", 50);
     sweep();
-    EXPECT_THAT(told(),
-                Contains(std::string("✅ 清理") + GetParam().name + "缓存: 5 字节"));
+    EXPECT_THAT(told(), Contains(std::string("✅ 清理") + GetParam().name + "缓存: 5 字节"));
 }
 
 TEST_P(ToldLocation, TellsThatNothingCouldBeFreed) {
@@ -192,12 +190,13 @@ TEST_F(DeepCleanTest, ASafariLocationOfWhichNothingWentIsToldOfWithTheFirstError
         return platform::Removal{0, platform::errorFromErrno(EBUSY, parent.pathOf(name))};
     };
     EXPECT_EQ(sweep(), 0U);
-    EXPECT_THAT(told(),
-                ElementsAre("⚠️ 无法清理Safari缓存: /var/mobile/Library/Safari/fsCachedData（错误: "
-                            "/var/mobile/Library/Safari/fsCachedData: Device or resource busy）",
-                            "⚠️ 无法清理Safari缓存: "
-                            "/var/mobile/Library/Safari/History.db-shm（错误: "
-                            "/var/mobile/Library/Safari/History.db-shm: Device or resource busy）"));
+    EXPECT_THAT(
+        told(),
+        ElementsAre("⚠️ 无法清理Safari缓存: /var/mobile/Library/Safari/fsCachedData（错误: "
+                    "/var/mobile/Library/Safari/fsCachedData: Device or resource busy）",
+                    "⚠️ 无法清理Safari缓存: "
+                    "/var/mobile/Library/Safari/History.db-shm（错误: "
+                    "/var/mobile/Library/Safari/History.db-shm: Device or resource busy）"));
     EXPECT_TRUE(d_.tree.exists(std::string(kSafari) + "/History.db-shm"));
 }
 

@@ -76,8 +76,8 @@ class ShellRemovalTest : public EngineTest {
                     },
                 .confine = [](const std::string&) { return 0; }};
     }
-    /// Runs `hook` before the directory is opened to be listed at the end, when it has been measured
-    /// for the second time.
+    /// Runs `hook` before the directory is opened to be listed at the end, when it has been
+    /// measured for the second time.
     void beforeTheListing(std::function<void()> hook) {
         d_.eraser.onSettle = [this] { opened_ = 0; };
         d_.files.before([this, hook = std::move(hook)](Operation operation, const std::string& p) {
@@ -180,8 +180,9 @@ TEST_F(ShellRemovalTest, APartThatWentUnderFailingCommandsCounts) {
         return 2;
     });
     EXPECT_EQ(empty(), 10U);
-    EXPECT_EQ(lines().back(), "✅ posix_spawn命令返回非0但部分删除成功: "
-                              "/var/MobileAsset/AssetsV2, 释放: 10 字节");
+    EXPECT_EQ(lines().back(),
+              "✅ posix_spawn命令返回非0但部分删除成功: "
+              "/var/MobileAsset/AssetsV2, 释放: 10 字节");
     EXPECT_TRUE(d_.tree.exists(at("sub/b")));  // and is all there was to it
 }
 
@@ -207,8 +208,9 @@ TEST_F(ShellRemovalTest, ADirectoryThatGrewIsAccountedByTheWrappedDifference) {
         return 0;
     });
     EXPECT_EQ(empty(), std::uint64_t{0} - 1'000);
-    EXPECT_EQ(lines().back(), "✅ 成功使用posix_spawn删除系统路径: /var/MobileAsset/AssetsV2, "
-                              "释放: 18446744073709550616 字节");
+    EXPECT_EQ(lines().back(),
+              "✅ 成功使用posix_spawn删除系统路径: /var/MobileAsset/AssetsV2, "
+              "释放: 18446744073709550616 字节");
 }
 
 // --- When the measure did not change ---
@@ -217,18 +219,20 @@ TEST_F(ShellRemovalTest, AListingThatFailsAfterSuccessCountsAsAllFreed) {
     statuses(0, 0);
     failTheListing(EACCES);
     EXPECT_EQ(empty(), 110U);
-    EXPECT_EQ(lines().back(), "⚠️ posix_spawn执行成功但无法检查目录内容: "
-                              "/var/MobileAsset/AssetsV2, 错误: /var/MobileAsset/AssetsV2: "
-                              "Permission denied");
+    EXPECT_EQ(lines().back(),
+              "⚠️ posix_spawn执行成功但无法检查目录内容: "
+              "/var/MobileAsset/AssetsV2, 错误: /var/MobileAsset/AssetsV2: "
+              "Permission denied");
 }
 
 TEST_F(ShellRemovalTest, AListingThatFailsAfterAFailureCountsAsNothing) {
     statuses(1, 5);
     failTheListing(EACCES);
     EXPECT_EQ(empty(), 0U);
-    EXPECT_EQ(lines().back(), "⚠️ posix_spawn删除失败且无法检查目录内容: "
-                              "/var/MobileAsset/AssetsV2, 返回码: 5, 错误: "
-                              "/var/MobileAsset/AssetsV2: Permission denied");
+    EXPECT_EQ(lines().back(),
+              "⚠️ posix_spawn删除失败且无法检查目录内容: "
+              "/var/MobileAsset/AssetsV2, 返回码: 5, 错误: "
+              "/var/MobileAsset/AssetsV2: Permission denied");
 }
 
 TEST_F(ShellRemovalTest, OnlyHiddenEntriesLeftCountAsAllFreedThoughTheMeasureDidNotFall) {
@@ -245,8 +249,9 @@ TEST_F(ShellRemovalTest, OnlyHiddenEntriesLeftAfterAFailureCountTheSameWithAnoth
     statuses(1, 1);
     beforeTheListing([this] { test::removeVisibleEntries(folder()); });
     EXPECT_EQ(empty(), 110U);
-    EXPECT_EQ(lines().back(), "✅ posix_spawn命令返回非0但目录已清空: /var/MobileAsset/AssetsV2 "
-                              "(删除前: 110 字节)");
+    EXPECT_EQ(lines().back(),
+              "✅ posix_spawn命令返回非0但目录已清空: /var/MobileAsset/AssetsV2 "
+              "(删除前: 110 字节)");
 }
 
 TEST_F(ShellRemovalTest, VisibleEntriesLeftAfterSuccessCountAsNothingAndStay) {
@@ -254,8 +259,9 @@ TEST_F(ShellRemovalTest, VisibleEntriesLeftAfterSuccessCountAsNothingAndStay) {
     EXPECT_EQ(empty(), 0U);
     EXPECT_THAT(d_.eraser.removed, IsEmpty());
     EXPECT_TRUE(d_.tree.exists(at("a")));
-    EXPECT_EQ(lines().back(), "⚠️ posix_spawn执行成功但目录仍有 2 个可见文件: "
-                              "/var/MobileAsset/AssetsV2 (删除前: 110, 删除后: 110)");
+    EXPECT_EQ(lines().back(),
+              "⚠️ posix_spawn执行成功但目录仍有 2 个可见文件: "
+              "/var/MobileAsset/AssetsV2 (删除前: 110, 删除后: 110)");
 }
 
 TEST_F(ShellRemovalTest, VisibleEntriesLeftAfterAFailureAreRemovedByTheFileManager) {
@@ -279,8 +285,9 @@ TEST_F(ShellRemovalTest, OfThatRemovalOnlyWhatWentCounts) {
     failAbout(at("sub/b"), {Operation::RemoveFileAt}, EPERM);
     EXPECT_EQ(empty(), 10U);
     EXPECT_TRUE(d_.tree.exists(at("sub/b")));
-    EXPECT_EQ(lines().back(), "✅ 使用NSFileManager作为fallback删除部分文件: "
-                              "/var/MobileAsset/AssetsV2, 释放: 10 字节");
+    EXPECT_EQ(lines().back(),
+              "✅ 使用NSFileManager作为fallback删除部分文件: "
+              "/var/MobileAsset/AssetsV2, 释放: 10 字节");
 }
 
 TEST_F(ShellRemovalTest, OfThatRemovalNothingIsToldWhenNothingWent) {
@@ -289,8 +296,9 @@ TEST_F(ShellRemovalTest, OfThatRemovalNothingIsToldWhenNothingWent) {
         return platform::Removal{0, platform::errorFromErrno(EPERM, parent.pathOf(name))};
     };
     EXPECT_EQ(empty(), 0U);
-    EXPECT_EQ(lines().back(), "⚠️ posix_spawn删除失败: /var/MobileAsset/AssetsV2, 返回码: 7, "
-                              "目录仍有 2 个可见文件");
+    EXPECT_EQ(lines().back(),
+              "⚠️ posix_spawn删除失败: /var/MobileAsset/AssetsV2, 返回码: 7, "
+              "目录仍有 2 个可见文件");
 }
 
 // --- With the system's calls ---
@@ -301,8 +309,7 @@ TEST_F(ShellRemovalTest, AShellThatCannotBeStartedLeavesItToTheFileManager) {
     shell(calls);
     EXPECT_EQ(empty(), 110U);
     const std::string refused = "⚠️ 使用自定义环境变量失败，尝试使用系统环境变量";
-    const std::string failed =
-        "❌ posix_spawn失败: No such file or directory (错误码: 2), 命令: ";
+    const std::string failed = "❌ posix_spawn失败: No such file or directory (错误码: 2), 命令: ";
     EXPECT_THAT(lines(),
                 ElementsAre(kStart, primaryLine(), refused, failed + primary(), fallbackLine(),
                             refused, failed + fallback(),
@@ -330,8 +337,9 @@ TEST_F(ShellRemovalTest, ASignalIsAFailure) {
     EXPECT_EQ(empty(), 110U);
     EXPECT_TRUE(logged("❌ 命令被信号终止: 9, 命令: " + primary()));
     EXPECT_TRUE(logged("❌ 命令被信号终止: 9, 命令: " + fallback()));
-    EXPECT_TRUE(logged("⚠️ posix_spawn删除失败: /var/MobileAsset/AssetsV2, 返回码: -1, "
-                       "目录仍有 2 个可见文件"));
+    EXPECT_TRUE(
+        logged("⚠️ posix_spawn删除失败: /var/MobileAsset/AssetsV2, 返回码: -1, "
+               "目录仍有 2 个可见文件"));
 }
 
 TEST_F(ShellRemovalTest, AStoppedChildIsAFailureWithoutALine) {
@@ -349,8 +357,9 @@ TEST_F(ShellRemovalTest, AnExitCodeThatIsNotNothingIsAFailure) {
     shell(child(127 << 8));
     EXPECT_EQ(empty(), 110U);
     EXPECT_TRUE(logged("⚠️ 命令执行失败，退出码: 127, 命令: " + primary()));
-    EXPECT_TRUE(logged("⚠️ posix_spawn删除失败: /var/MobileAsset/AssetsV2, 返回码: 127, "
-                       "目录仍有 2 个可见文件"));
+    EXPECT_TRUE(
+        logged("⚠️ posix_spawn删除失败: /var/MobileAsset/AssetsV2, 返回码: 127, "
+               "目录仍有 2 个可见文件"));
 }
 
 TEST_F(ShellRemovalTest, APathThatIsNoTextIsLeftToTheFileManager) {
@@ -409,8 +418,8 @@ TEST_F(HostilePath, DoesNotReachASiblingBecauseTheCommandIsConfined) {
     EXPECT_EQ(d_.commands.commands().size(), 1U);
     EXPECT_TRUE(d_.tree.exists(sibling_ + "/precious"));
     EXPECT_TRUE(d_.tree.exists(path_ + "/a"));  // the command named other things
-    EXPECT_EQ(lines().back(), "⚠️ posix_spawn执行成功但目录仍有 1 个可见文件: " + path_ +
-                                  " (删除前: 5, 删除后: 5)");
+    EXPECT_EQ(lines().back(),
+              "⚠️ posix_spawn执行成功但目录仍有 1 个可见文件: " + path_ + " (删除前: 5, 删除后: 5)");
 }
 
 TEST_F(HostilePath, WouldReachASiblingWithoutConfinement) {
