@@ -79,9 +79,10 @@ TEST_P(TreeRemoverStressTest, ATreeOfFiveThousandLevelsGoes) {
     WalkRules rules;
     rules.countLinks = true;
     rules.maxDepth = INT_MAX;
-    for (const auto& [threads, levels] : {std::pair{1U, 1000}, std::pair{2U, 5000}}) {
+    for (const unsigned threads : {1U, 2U}) {
+        const int levels = threads == 1 ? 1000 : 5000;
         makeDeepTree(levels);
-        onSmallStack([&, threads = threads, levels = levels] {
+        onSmallStack([&] {
             const Removal removal = remove("t", threads, rules);
             EXPECT_FALSE(removal.error.has_value());
             EXPECT_EQ(removal.bytes, static_cast<std::uint64_t>(levels));
