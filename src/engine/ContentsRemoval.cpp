@@ -21,9 +21,14 @@ void FileCleanerEngine::noteKept(const std::string& path, KeptReason reason,
 }
 
 void FileCleanerEngine::noteProtected(const std::string& path) {
-    if (observer_ != nullptr)
+    if (observer_ != nullptr && exists(path))
         noteKept(path, KeptReason::Protected,
                  protectingPath(services_.files, services_.pathWhitelist, path));
+}
+
+LinkProtection FileCleanerEngine::protectionOf(const platform::Directory& directory) {
+    if (protectedPlaces_) return {services_.files, protectedPlaces_, directory};
+    return {services_.files, services_.pathWhitelist, directory};
 }
 
 void FileCleanerEngine::keepMaps(const std::string& path) {
@@ -60,7 +65,7 @@ std::optional<platform::Directory> FileCleanerEngine::openToEmpty(const std::str
         if (itself && itself->type == FileType::SymbolicLink) noteKept(directory, KeptReason::Link);
         return std::nullopt;
     }
-    if (LinkProtection(services_.files, services_.pathWhitelist, *opened).coversDirectory()) {
+    if (protectionOf(*opened).coversDirectory()) {
         log("🔒 白名单目录跳过删除: {}", directory);
         noteProtected(directory);
         return std::nullopt;
@@ -78,7 +83,7 @@ std::uint64_t FileCleanerEngine::removeEntriesOf(platform::Directory& directory,
                                                  const Progress& progress) {
     const auto names = services_.files.contentsOfDirectory(directory);
     if (!names) return 0;
-    const LinkProtection protection(services_.files, services_.pathWhitelist, directory);
+    const LinkProtection protection = protectionOf(directory);
     // A cleaner that is called on its own has no throttle yet.
     platform::ProgressThrottle own(services_.mainQueue, progress);
     platform::ProgressThrottle& throttle = throttle_ ? *throttle_ : own;

@@ -68,7 +68,7 @@ std::uint64_t FileCleanerEngine::cleanDatabaseFilesWithProgress(const Progress& 
     if (!library) return 0;
     const auto names = services_.files.contentsOfDirectory(*library);
     if (!names) return 0;
-    const LinkProtection protection(services_.files, services_.pathWhitelist, *library);
+    const LinkProtection protection = protectionOf(*library);
     std::uint64_t total = 0;
     for (const std::string& name : *names) {
         if (isStopped()) break;

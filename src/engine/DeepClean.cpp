@@ -107,7 +107,7 @@ std::optional<platform::Removal> FileCleanerEngine::removeLocation(const std::st
         return std::nullopt;
     }
     if (attributes && attributes->type == FileType::Directory &&
-        LinkProtection(services_.files, services_.pathWhitelist, *parent).covers(name)) {
+        protectionOf(*parent).covers(name)) {
         log("🔒 白名单目录跳过删除: {}", path);
         noteProtected(path);
         return std::nullopt;

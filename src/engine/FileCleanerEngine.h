@@ -295,6 +295,7 @@ class FileCleanerEngine {
     void noteRemoved(const std::string& path, std::uint64_t bytes);
     void noteKept(const std::string& path, KeptReason reason, const std::string& by = {});
     void noteProtected(const std::string& path);
+    LinkProtection protectionOf(const platform::Directory& directory);
     /// The names in a location to be cleaned; none in one that is itself a link.
     std::vector<std::string> cleanableEntriesOf(const std::string& directory);
     std::optional<platform::Directory> openToEmpty(const std::string& directory);
@@ -341,7 +342,9 @@ class FileCleanerEngine {
     std::atomic<CleanNumber> lastAsked_{0};
     std::atomic<CleanNumber> stoppedUpTo_{0};
     std::atomic<CleanNumber> running_{kNoClean};
-    std::unique_ptr<platform::ProgressThrottle> throttle_;  ///< of the clean that runs
+    // Of the clean that runs; none while none does.
+    std::unique_ptr<platform::ProgressThrottle> throttle_;
+    std::shared_ptr<const PathIndex> protectedPlaces_;
     std::unique_ptr<platform::DispatchQueue> cleanQueue_;
 };
 

@@ -1,11 +1,15 @@
 #include "engine/LinkProtection.h"
 
+#include <algorithm>
+#include <iterator>
+#include <utility>
 #include <vector>
 
 namespace sweepwright {
 
 namespace {
 
+using platform::FileType;
 using platform::LastLink;
 
 /// Where an open directory lies, told by its descriptor where the host can; none when it lies
@@ -26,41 +30,66 @@ std::optional<std::string> placeOf(platform::FileManager& files,
     return folder->substr(above.size() - 1);
 }
 
-PathIndex protectedPlaces(platform::FileManager& files, const PathWhitelistManager& whitelist) {
+/// Each link on the way along `path` and, last, where the way ends; what is not there is taken by
+/// its name.
+std::vector<std::string> placesOf(platform::FileManager& files, const std::string& path) {
     std::vector<std::string> places;
-    for (const std::string& path : whitelist.getAllWhitelistedPaths())
-        if (auto place = files.resolvedPath(path)) places.push_back(*std::move(place));
-    return PathIndex(places);
+    std::string place = "/";
+    for (std::size_t start = 1; start < path.size();) {
+        const std::size_t end = std::min(path.find('/', start), path.size());
+        const std::string name = path.substr(start, end - start);
+        start = end + 1;
+        if (name.empty() || name == ".") continue;
+        const std::string next = platform::joinPath(place, name);
+        const auto attributes = files.attributes(next, LastLink::Refuse);
+        const bool isLink = attributes && attributes->type == FileType::SymbolicLink;
+        if (isLink) places.push_back(next);
+        place = isLink || name == ".." ? files.resolvedPath(next).value_or(next) : next;
+    }
+    places.push_back(std::move(place));
+    return places;
 }
 
 }  // namespace
 
+PathIndex protectedPlaces(platform::FileManager& files, const PathWhitelistManager& whitelist) {
+    std::vector<std::string> places;
+    for (const std::string& path : whitelist.getAllWhitelistedPaths())
+        std::ranges::move(placesOf(files, path), std::back_inserter(places));
+    return PathIndex(places);
+}
+
 LinkProtection::LinkProtection(platform::FileManager& files, const PathWhitelistManager& whitelist,
                                const platform::Directory& directory)
-    : place_(placeOf(files, directory)), protected_(protectedPlaces(files, whitelist)) {}
+    : LinkProtection(files, std::make_shared<const PathIndex>(protectedPlaces(files, whitelist)),
+                     directory) {}
+
+LinkProtection::LinkProtection(platform::FileManager& files,
+                               std::shared_ptr<const PathIndex> places,
+                               const platform::Directory& directory)
+    : place_(placeOf(files, directory)), places_(std::move(places)) {}
 
 bool LinkProtection::coversDirectory() const {
-    return !place_ || protected_.touches(*place_);
+    return !place_ || places_->touches(*place_);
 }
 
 bool LinkProtection::covers(std::string_view name) const {
-    return !place_ || protected_.touches(platform::joinPath(*place_, name));
-}
-
-bool leadsToProtected(platform::FileManager& files, const PathWhitelistManager& whitelist,
-                      const std::string& path) {
-    const auto place = files.resolvedPath(path);
-    return place && protectedPlaces(files, whitelist).touches(*place);
+    return !place_ || places_->touches(platform::joinPath(*place_, name));
 }
 
 std::string protectingPath(platform::FileManager& files, const PathWhitelistManager& whitelist,
                            const std::string& path) {
     const std::string normalized = PathWhitelistManager::normalizePath(path);
-    const std::string place = files.resolvedPath(path).value_or(normalized);
+    const std::string place = placesOf(files, normalized).back();
+    // A link may be protected itself, beside what it leads to.
+    const std::string entry =
+        platform::joinPath(placesOf(files, normalized.substr(0, normalized.rfind('/'))).back(),
+                           platform::lastPathComponent(normalized));
     for (const std::string& other : whitelist.getAllWhitelistedPaths()) {
-        if (PathIndex({other}).touches(normalized)) return other;
-        const std::string otherPlace = files.resolvedPath(other).value_or(other);
-        if (PathIndex({otherPlace}).touches(place)) return other;
+        const PathIndex places(placesOf(files, other));
+        if (PathIndex({other}).touches(normalized) || places.touches(place) ||
+            places.touches(entry))
+            return other;
     }
     return {};
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -10,6 +11,10 @@
 
 namespace sweepwright {
 
+/// Where the whitelisted paths lie: each with every link on its way resolved, as far as it is
+/// there, and those links themselves.
+PathIndex protectedPlaces(platform::FileManager& files, const PathWhitelistManager& whitelist);
+
 /// Protection by where things really lie. The whitelist compares texts; this keeps a link, or the
 /// other name of a linked folder ("/private/var" for "/var"), from leading around it.
 ///
@@ -17,25 +22,24 @@ namespace sweepwright {
 /// renamed or swapped for a link meanwhile.
 class LinkProtection {
   public:
-    /// Resolves the whitelisted paths as they lead now.
+    /// By the whitelist as its paths lead now.
     LinkProtection(platform::FileManager& files, const PathWhitelistManager& whitelist,
                    const platform::Directory& directory);
+    /// By what protectedPlaces() told before: for many directories, and for work that may take away
+    /// a link by which a protected path leads.
+    LinkProtection(platform::FileManager& files, std::shared_ptr<const PathIndex> places,
+                   const platform::Directory& directory);
 
-    /// Whether the directory is, lies in or holds a whitelisted path, or nobody can tell where it
+    /// Whether the directory is, lies in or holds a protected place, or nobody can tell where it
     /// lies. "/" holds none, as in the whitelist: its entries are asked about one by one.
     [[nodiscard]] bool coversDirectory() const;
-    /// Whether the entry `name` is, lies in or holds a whitelisted path.
+    /// Whether the entry `name` is, lies in or holds a protected place.
     [[nodiscard]] bool covers(std::string_view name) const;
 
   private:
     std::optional<std::string> place_;  ///< the directory's path free of links
-    PathIndex protected_;
+    std::shared_ptr<const PathIndex> places_;
 };
-
-/// Whether `path`, every link on its way resolved, is, lies in or holds a whitelisted path, links
-/// on that one's way resolved too.
-bool leadsToProtected(platform::FileManager& files, const PathWhitelistManager& whitelist,
-                      const std::string& path);
 
 /// The whitelisted path that protects `path`, by its text or by the links on its way; empty when
 /// none does.

@@ -22,7 +22,10 @@ class LinkProtectionTest : public EngineTest {
         d_.tree.link("/var", "private/var");
     }
 
-    bool leads(const std::string& path) { return leadsToProtected(d_.files, d_.whitelist, path); }
+    bool leads(const std::string& path) {
+        return protectedPlaces(d_.files, d_.whitelist)
+            .touches(d_.files.resolvedPath(path).value_or(path));
+    }
     std::uint64_t empty(const std::string& path) {
         return d_.engine.removeContentsOfDirectory(path, {});
     }
@@ -35,12 +38,13 @@ TEST_F(LinkProtectionTest, TheOtherNameOfAProtectedFolderIsProtected) {
     for (const char* path : {"/private/var/mobile/keep", "/private/var/mobile/keep/a",
                              "/private/var/mobile", "/private", "/var/mobile/keep"})
         EXPECT_TRUE(leads(path)) << path;
-    for (const char* path : {"/private/var/mobile/other", "/var/mobile/other", "/missing", "/"})
+    for (const char* path : {"/private/var/mobile/other", "/var/mobile/other", "/"})
         EXPECT_FALSE(leads(path)) << path;
 }
 
 TEST_F(LinkProtectionTest, AFolderProtectedByItsOtherNameIsProtected) {
     d_.tree.file("/var/mobile/keep/a", 10);
+    d_.tree.folder("/var/mobile/keeper");
     d_.protect("/private/var/mobile/keep");
     EXPECT_TRUE(leads("/var/mobile/keep"));
     EXPECT_TRUE(leads("/var/mobile"));
@@ -93,6 +97,21 @@ TEST_F(LinkProtectionTest, WhatAProtectedLinkLeadsToIsProtected) {
     d_.protect("/var/mobile/keep");
     EXPECT_EQ(empty("/var/mobile/real"), 0U);
     EXPECT_TRUE(d_.tree.exists("/var/mobile/real/a"));
+}
+
+TEST_F(LinkProtectionTest, TheLinksByWhichAProtectedPathLeadsAreProtected) {
+    d_.tree.file("/var/mobile/real/a", 10);
+    d_.tree.link("/var/mobile/t/sub/link", "/var/mobile/real");
+    d_.protect("/private/var/mobile/t/sub/link/a");
+    EXPECT_EQ(empty("/var/mobile/t"), 0U);
+    EXPECT_EQ(empty("/var/mobile/real"), 0U);
+    EXPECT_TRUE(d_.tree.exists("/var/mobile/t/sub/link"));
+}
+
+TEST_F(LinkProtectionTest, AProtectedPathThatIsNotThereYetProtectsWhatWouldHoldIt) {
+    d_.tree.file("/var/mobile/t/a", 10);
+    d_.protect("/private/var/mobile/t/not/yet");
+    EXPECT_EQ(empty("/var/mobile/t"), 0U);
 }
 
 TEST_F(LinkProtectionTest, ACustomPathByTheOtherNameLeavesTheProtected) {
@@ -196,6 +215,11 @@ TEST_F(LinkProtectionTest, WhoProtectsAPathIsTold) {
     EXPECT_EQ(by("/private/var/mobile/keep/a"), "/var/mobile/keep");
     EXPECT_EQ(by("/var/mobile/Library/Caches"), "/var/mobile/Library/Caches/com.apple.Maps");
     EXPECT_EQ(by("/var/other"), "");
+    EXPECT_EQ(by("/private/var/other"), "");
+    d_.tree.link("/var/mobile/t/link", "/var/mobile/keep");
+    d_.protect("/private/var/mobile/t/link/b");
+    EXPECT_EQ(by("/var/mobile/t/link"), "/var/mobile/keep");
+    EXPECT_EQ(by("/var/mobile/t"), "/private/var/mobile/t/link/b");
 }
 
 }  // namespace
