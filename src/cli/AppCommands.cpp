@@ -95,7 +95,6 @@ std::expected<std::vector<std::string>, Failure> chosenApps(Context& context, co
 
 Outcome cleanApps(Context& context, const Call& call) {
     const bool dryRun = call.has("--dry-run");
-    // Without words to go by there is nothing to ask about.
     if (call.has("--all") != call.words("ID").empty())
         return wrongWords("name apps to clean, or say --all");
     if (!dryRun) {

@@ -86,8 +86,8 @@ TEST_F(CleanersTest, OfApplicationSupportWhitelistedEntriesAndMapsStay) {
 TEST_F(CleanersTest, TheMapsLineComesBeforeTheQuestionWhetherANameIsTemporary) {
     d_.tree.folder(d_.support("com.apple.Maps"));
     cleanCache();
-    EXPECT_TRUE(logged("🗺️ 跳过地图应用缓存: " + d_.support("com.apple.Maps") +
-                       " (保护地图图片缓存)"));
+    EXPECT_TRUE(
+        logged("🗺️ 跳过地图应用缓存: " + d_.support("com.apple.Maps") + " (保护地图图片缓存)"));
 }
 
 TEST_F(CleanersTest, TheSharedResponsesAreRemovedOnceAndNotCounted) {
@@ -116,16 +116,16 @@ TEST_F(CleanersTest, TheSystemCachesAreEmptiedInTheirOrderWithTheirLines) {
     EXPECT_EQ(cleanCache(), 28U);
     auto told = lines();
     std::erase_if(told, [](const std::string& line) { return !line.starts_with("✅ 清理"); });
-    EXPECT_THAT(told, ElementsAre("✅ 清理Safari缓存: "
-                                  "/var/mobile/Library/Caches/com.apple.mobilesafari, 大小: 1 字节",
-                                  "✅ 清理Safari缓存: "
-                                  "/var/mobile/Library/Safari/WebKitCache, 大小: 2 字节",
-                                  "✅ 清理Safari缓存: "
-                                  "/var/mobile/Library/Safari/fsCachedData, 大小: 3 字节",
-                                  "✅ 清理SpringBoard缓存, 大小: 4 字节",
-                                  "✅ 清理cache_delete缓存, 大小: 5 字节",
-                                  "✅ 清理MobileAsset缓存, 大小: 6 字节",
-                                  "✅ 清理uuidtext缓存, 大小: 7 字节"));
+    EXPECT_THAT(
+        told,
+        ElementsAre("✅ 清理Safari缓存: "
+                    "/var/mobile/Library/Caches/com.apple.mobilesafari, 大小: 1 字节",
+                    "✅ 清理Safari缓存: "
+                    "/var/mobile/Library/Safari/WebKitCache, 大小: 2 字节",
+                    "✅ 清理Safari缓存: "
+                    "/var/mobile/Library/Safari/fsCachedData, 大小: 3 字节",
+                    "✅ 清理SpringBoard缓存, 大小: 4 字节", "✅ 清理cache_delete缓存, 大小: 5 字节",
+                    "✅ 清理MobileAsset缓存, 大小: 6 字节", "✅ 清理uuidtext缓存, 大小: 7 字节"));
     EXPECT_EQ(d_.commands.commands().size(), 7U);
 }
 
@@ -279,9 +279,8 @@ TEST_F(CleanersTest, TheStepsOfTheCacheCleanerComeInTheirOrder) {
     d_.tree.file("/var/mine/d", 1);
     d_.addCustomPath("/var/mine");
     cleanCache();
-    EXPECT_THAT(d_.eraser.removed,
-                ElementsAre(d_.caches("a"), d_.support("Cache/b"),
-                            EngineDevice::shared("SomeCache/c"), "/var/mine/d"));
+    EXPECT_THAT(d_.eraser.removed, ElementsAre(d_.caches("a"), d_.support("Cache/b"),
+                                               EngineDevice::shared("SomeCache/c"), "/var/mine/d"));
 }
 
 // --- Temporary files ---
@@ -316,12 +315,12 @@ TEST_F(CleanersTest, CookiesGoFromTheirFourPlaces) {
 }
 
 TEST_F(CleanersTest, OfTheSafariFolderBookmarksHistoryAndSettingsStay) {
-    for (const char* kept : {"Bookmarks.plist", "History.plist", "History.db", "WebKit.plist",
-                             "Other", "X-WAL"})
+    for (const char* kept :
+         {"Bookmarks.plist", "History.plist", "History.db", "WebKit.plist", "Other", "X-WAL"})
         d_.tree.file(d_.library(std::string("Safari/") + kept + "/a"), 5'000);
-    for (const char* gone : {"CacheSettings.plist", "WebsiteData.PLIST", "MyCACHE", "WebKit",
-                             "LocalStorage", "Cookies", "websites", "fsCachedData", "x-wal",
-                             "x-shm"})
+    for (const char* gone :
+         {"CacheSettings.plist", "WebsiteData.PLIST", "MyCACHE", "WebKit", "LocalStorage",
+          "Cookies", "websites", "fsCachedData", "x-wal", "x-shm"})
         d_.tree.file(d_.library(std::string("Safari/") + gone + "/a"), 1);
     d_.tree.file(d_.library("Safari/History.db-wal"), 7);  // a plain file has no contents
     EXPECT_EQ(cleanCookies(), 10U);
@@ -340,21 +339,21 @@ TEST_F(CleanersTest, TheSystemsSafariCachesGoWithTheirLines) {
     EXPECT_EQ(cleanCookies(), 111U);
     auto told = lines();
     std::erase_if(told, [](const std::string& line) { return !line.starts_with("✅ 清理"); });
-    EXPECT_THAT(told,
-                ElementsAre("✅ 清理系统Safari缓存: "
-                            "/var/mobile/Library/Caches/com.apple.mobilesafari, 大小: 1 字节",
-                            "✅ 清理系统Safari缓存: "
-                            "/var/mobile/Library/Safari/WebKitCache, 大小: 10 字节",
-                            "✅ 清理系统Safari缓存: "
-                            "/var/mobile/Library/Safari/fsCachedData, 大小: 100 字节"));
+    EXPECT_THAT(told, ElementsAre("✅ 清理系统Safari缓存: "
+                                  "/var/mobile/Library/Caches/com.apple.mobilesafari, 大小: 1 字节",
+                                  "✅ 清理系统Safari缓存: "
+                                  "/var/mobile/Library/Safari/WebKitCache, 大小: 10 字节",
+                                  "✅ 清理系统Safari缓存: "
+                                  "/var/mobile/Library/Safari/fsCachedData, 大小: 100 字节"));
 }
 
 TEST_F(CleanersTest, ASafariCacheOfTheSystemThatCannotBeEmptiedIsToldOf) {
     d_.tree.file("/var/mobile/Library/Safari/WebKitCache/a", 10);
     d_.commands.answerOnly(0);
     EXPECT_EQ(cleanCookies(), 0U);
-    EXPECT_TRUE(logged("⚠️ 无法清理系统Safari缓存: "
-                       "/var/mobile/Library/Safari/WebKitCache（文件可能正在使用）"));
+    EXPECT_TRUE(
+        logged("⚠️ 无法清理系统Safari缓存: "
+               "/var/mobile/Library/Safari/WebKitCache（文件可能正在使用）"));
 }
 
 TEST_F(CleanersTest, SafariCachesOfTheSystemThatAreWhitelistedOrEmptyAreNotVisited) {
@@ -387,8 +386,9 @@ TEST_F(CleanersTest, DiagnosticsThatCannotBeEmptiedAreToldOf) {
     d_.tree.file("/var/db/diagnostics/Persist/a", 10);
     d_.commands.answerOnly(0);
     EXPECT_EQ(cleanLogs(), 0U);
-    EXPECT_TRUE(logged("⚠️ 检测到诊断数据但无法删除: /var/db/diagnostics/Persist, 大小: 10 "
-                       "字节（文件可能正在使用）"));
+    EXPECT_TRUE(
+        logged("⚠️ 检测到诊断数据但无法删除: /var/db/diagnostics/Persist, 大小: 10 "
+               "字节（文件可能正在使用）"));
 }
 
 TEST_F(CleanersTest, WhitelistedOrEmptyLogsAreNotVisited) {
@@ -466,7 +466,7 @@ TEST_F(CleanersTest, EntriesBehindAFolderThatIsALinkStay) {
 }
 
 TEST_F(CleanersTest, AllTogetherFreeWhatEachWouldOfWhatTheOthersLeft) {
-    d_.tree.file(d_.caches("Kingfisher/a"), 1);   // goes with the caches
+    d_.tree.file(d_.caches("Kingfisher/a"), 1);  // goes with the caches
     d_.tree.file(d_.temporary("a"), 10);
     d_.tree.file(d_.library("Cookies/a"), 100);
     d_.tree.file(d_.library("Logs/CrashReporter/a"), 1'000);  // goes with the logs
@@ -479,11 +479,10 @@ TEST_F(CleanersTest, AllTogetherFreeWhatEachWouldOfWhatTheOthersLeft) {
 TEST_F(CleanersTest, ProgressReachesTheCallerFromEveryPlainDirectory) {
     d_.tree.file(d_.support("OfflineMaps/a"), 1);
     std::vector<std::string> heard;
-    d_.clean(CleanType::OfflineData,
-             [&](const std::string& item, double fraction) {
-                 heard.push_back(item);
-                 EXPECT_EQ(fraction, 1.0);
-             });
+    d_.clean(CleanType::OfflineData, [&](const std::string& item, double fraction) {
+        heard.push_back(item);
+        EXPECT_EQ(fraction, 1.0);
+    });
     EXPECT_THAT(heard, ElementsAre("a"));
 }
 

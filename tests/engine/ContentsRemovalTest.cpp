@@ -68,7 +68,6 @@ class ContentsRemovalTest : public EngineTest {
     }
 };
 
-
 TEST_F(ContentsRemovalTest, EverythingVisibleGoesButTheDirectoryItself) {
     d_.tree.file("/var/t/a", 10);
     d_.tree.file("/var/t/sub/b", 100);
@@ -134,8 +133,7 @@ TEST_F(ContentsRemovalTest, ASystemPathIsEmptiedByTheShellWithoutProgress) {
     EXPECT_THAT(progressOf(d_.engine, "/var/MobileAsset/AssetsV2"), IsEmpty());
     ASSERT_EQ(d_.commands.commands().size(), 1U);
     ASSERT_FALSE(lines().empty());
-    EXPECT_EQ(lines().front(),
-              "🔧 检测到系统路径，使用posix_spawn删除: /var/MobileAsset/AssetsV2");
+    EXPECT_EQ(lines().front(), "🔧 检测到系统路径，使用posix_spawn删除: /var/MobileAsset/AssetsV2");
     EXPECT_FALSE(d_.tree.exists("/var/MobileAsset/AssetsV2/a"));
 }
 

@@ -117,9 +117,9 @@ TEST_F(DatabaseCleanerTest, ASideFileThatCannotBeRemovedIsToldOfAndNotCounted) {
     failAbout(d_.library("x.db-wal"), {Operation::RemoveFileAt}, EPERM);
     EXPECT_EQ(clean(), 10U);
     EXPECT_TRUE(isThere("x.db-wal"));
-    EXPECT_THAT(lines(), ElementsAre("⚠️ 无法删除数据库临时文件: " + d_.library("x.db-wal") +
-                                     ", 错误: " + d_.library("x.db-wal") +
-                                     ": Operation not permitted"));
+    EXPECT_THAT(lines(),
+                ElementsAre("⚠️ 无法删除数据库临时文件: " + d_.library("x.db-wal") +
+                            ", 错误: " + d_.library("x.db-wal") + ": Operation not permitted"));
 }
 
 TEST_F(DatabaseCleanerTest, OnlyPlainVisibleFilesGo) {

@@ -43,10 +43,10 @@ TEST_F(FileListsTest, TheCollectorListsHiddenProtectedAndLinkedFilesAsWell) {
     d_.tree.link("/var/t/file-link", "/var/t/a");
     d_.tree.link("/var/t/broken", "/var/nothing");
     d_.protect("/var/t/kept");
-    EXPECT_THAT(collect("/var/t", 50),
-                UnorderedElementsAre("/var/t/a", "/var/t/.hidden", "/var/t/.folder/b",
-                                     "/var/t/kept/c", "/var/t/link/d", "/var/t/file-link",
-                                     "/var/t/broken"));
+    EXPECT_THAT(
+        collect("/var/t", 50),
+        UnorderedElementsAre("/var/t/a", "/var/t/.hidden", "/var/t/.folder/b", "/var/t/kept/c",
+                             "/var/t/link/d", "/var/t/file-link", "/var/t/broken"));
 }
 
 TEST_F(FileListsTest, TheCollectorStopsAtTheLimitOfTheWholeArray) {
@@ -147,9 +147,8 @@ TEST_F(FileListsTest, TheThreeFixedFoldersInTheSharedCachesAreListedTwice) {
     const CacheEntry safari{EngineDevice::shared("com.apple.mobilesafari"), 30};
     const CacheEntry springBoard{EngineDevice::shared("com.apple.springboard"), 20};
     const CacheEntry cacheDelete{EngineDevice::shared("com.apple.cache_delete"), 10};
-    EXPECT_THAT(
-        d_.engine.getCacheFileList(),
-        ElementsAre(safari, safari, springBoard, springBoard, cacheDelete, cacheDelete));
+    EXPECT_THAT(d_.engine.getCacheFileList(),
+                ElementsAre(safari, safari, springBoard, springBoard, cacheDelete, cacheDelete));
 }
 
 TEST_F(FileListsTest, HiddenEmptyAndWhitelistedItemsAreNotInTheCacheList) {
@@ -196,8 +195,8 @@ TEST_F(FileListsTest, CookiesAreListedFromTheirFourPlacesAndNotFromSafari) {
     d_.tree.file(d_.support("IndexedDB/d"), 1);
     d_.tree.file(d_.library("Safari/Cookies/x"), 1);
     EXPECT_THAT(d_.engine.getCookieFileList(),
-                ElementsAre(d_.library("Cookies/a"), d_.library("WebKit/b"),
-                            d_.caches("WEBsite/c"), d_.support("IndexedDB/d")));
+                ElementsAre(d_.library("Cookies/a"), d_.library("WebKit/b"), d_.caches("WEBsite/c"),
+                            d_.support("IndexedDB/d")));
 }
 
 TEST_F(FileListsTest, FiftyCookieFilesAreExactlyTheList) {
@@ -207,9 +206,8 @@ TEST_F(FileListsTest, FiftyCookieFilesAreExactlyTheList) {
     d_.tree.file(d_.support("IndexedDB/d"), 1);
     const auto list = d_.engine.getCookieFileList();
     EXPECT_THAT(list, SizeIs(50));
-    EXPECT_TRUE(std::ranges::all_of(list, [&](const std::string& path) {
-        return path.starts_with(d_.library("Cookies/"));
-    }));
+    EXPECT_TRUE(std::ranges::all_of(
+        list, [&](const std::string& path) { return path.starts_with(d_.library("Cookies/")); }));
 }
 
 TEST_F(FileListsTest, DiagnosticsAreListedAsWholesBehindTheLogs) {
@@ -270,9 +268,9 @@ TEST_F(FileListsTest, CrashReportsAreListedFromTheirTwoFolders) {
     d_.tree.file(d_.library("Logs/CrashReporter/a"), 1);
     d_.tree.file(d_.library("Logs/DiagnosticReports/b"), 1);
     d_.tree.file(d_.library("Logs/x"), 1);
-    EXPECT_THAT(d_.engine.getCrashReportFileList(),
-                ElementsAre(d_.library("Logs/CrashReporter/a"),
-                            d_.library("Logs/DiagnosticReports/b")));
+    EXPECT_THAT(
+        d_.engine.getCrashReportFileList(),
+        ElementsAre(d_.library("Logs/CrashReporter/a"), d_.library("Logs/DiagnosticReports/b")));
     files(d_.library("Logs/CrashReporter"), 60);
     EXPECT_THAT(d_.engine.getCrashReportFileList(), SizeIs(50));
 }

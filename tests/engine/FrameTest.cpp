@@ -124,12 +124,12 @@ TEST_F(FrameTest, AScanHasTenEntriesInTheirOrder) {
     result.offlineDataSize = 9;
     result.totalSize = 45;
     using Entry = std::pair<std::string, std::uint64_t>;
-    EXPECT_THAT(result.entries(),
-                ElementsAre(Entry{"cacheSize", 1}, Entry{"tempSize", 2}, Entry{"cookieSize", 3},
-                            Entry{"logSize", 4}, Entry{"downloadsSize", 5},
-                            Entry{"imageCacheSize", 6}, Entry{"databaseSize", 7},
-                            Entry{"crashReportsSize", 8}, Entry{"offlineDataSize", 9},
-                            Entry{"totalSize", 45}));
+    EXPECT_THAT(
+        result.entries(),
+        ElementsAre(Entry{"cacheSize", 1}, Entry{"tempSize", 2}, Entry{"cookieSize", 3},
+                    Entry{"logSize", 4}, Entry{"downloadsSize", 5}, Entry{"imageCacheSize", 6},
+                    Entry{"databaseSize", 7}, Entry{"crashReportsSize", 8},
+                    Entry{"offlineDataSize", 9}, Entry{"totalSize", 45}));
 }
 
 TEST_F(FrameTest, AScanMeasuresEachCategoryAndAddsThemUp) {
@@ -154,10 +154,9 @@ TEST_F(FrameTest, AScanTakesItsTenStepsInAFixedOrder) {
     d_.engine.scan([&](std::string_view key, int done) {
         steps.push_back(std::to_string(done) + " " + std::string(key));
     });
-    EXPECT_THAT(steps,
-                ElementsAre("0 cacheSize", "1 tempSize", "2 cookieSize", "3 logSize",
-                            "4 downloadsSize", "5 imageCacheSize", "6 databaseSize",
-                            "7 crashReportsSize", "8 offlineDataSize", "9 cacheSize"));
+    EXPECT_THAT(steps, ElementsAre("0 cacheSize", "1 tempSize", "2 cookieSize", "3 logSize",
+                                   "4 downloadsSize", "5 imageCacheSize", "6 databaseSize",
+                                   "7 crashReportsSize", "8 offlineDataSize", "9 cacheSize"));
 }
 
 TEST_F(FrameTest, AScanCountsCustomPathsTwiceAndTheCleanableTotalOnce) {
@@ -355,11 +354,10 @@ TEST_F(FrameTest, ProgressAndCompletionArriveOnTheMainQueueInThatOrder) {
 TEST_F(FrameTest, ProgressIsHandedToTheCleanersUnchanged) {
     ScriptedEngine engine(d_.services());
     std::vector<std::string> heard;
-    d_.clean(engine, CleanType::All,
-             [&](const std::string& item, double fraction) {
-                 heard.push_back(item);
-                 EXPECT_EQ(fraction, 0.5);
-             });
+    d_.clean(engine, CleanType::All, [&](const std::string& item, double fraction) {
+        heard.push_back(item);
+        EXPECT_EQ(fraction, 0.5);
+    });
     EXPECT_THAT(heard, ElementsAre("0", "1", "2", "3", "4", "5", "6", "7", "8"));
 }
 

@@ -25,7 +25,8 @@ const std::array<std::string, 12> kNames = {"a",
                                             "a.db",
                                             std::string(200, 'n'),
                                             "名"};
-const std::array<std::string, 7> kTargets = {".", "..", "/", "/canary", "/etc", "nowhere", "a"};
+const std::array<std::string, 8> kTargets = {".",         "..",   "/",       "/canary",
+                                             "../canary", "/etc", "nowhere", "a"};
 
 bool liesIn(const std::string& path, const std::string& folder) {
     return path == folder || (path.starts_with(folder) && path[folder.size()] == '/');

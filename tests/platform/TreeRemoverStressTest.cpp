@@ -153,8 +153,10 @@ TEST_P(TreeRemoverStressTest, BytesOfEveryThreadAreCounted) {
 TEST_P(TreeRemoverStressTest, LinksSwappedInMeanwhileLeadNowhere) {
     constexpr int kRounds = 300;
     constexpr int kFolders = 8;
+    // To the host, too, they lead to the canary: nothing but the opening itself keeps out of it.
+    const auto target = [&](int i) { return i % 2 == 0 ? device_.host("/canary") : "../canary"; };
     for (int i = 0; i < kFolders; ++i)
-        device_.link("/outside/" + std::to_string(i), "/canary");
+        device_.link("/outside/" + std::to_string(i), target(i));
     for (int round = 0; round < kRounds; ++round) {
         for (int i = 0; i < kFolders; ++i)
             for (int k = 0; k < 3; ++k)
@@ -183,7 +185,7 @@ TEST_P(TreeRemoverStressTest, LinksSwappedInMeanwhileLeadNowhere) {
             const std::string name = "/outside/" + std::to_string(i);
             if (std::filesystem::is_symlink(device_.host(name))) continue;
             std::filesystem::remove_all(device_.host(name));
-            device_.link(name, "/canary");
+            device_.link(name, target(i));
         }
     }
     EXPECT_FALSE(device_.exists("/t"));

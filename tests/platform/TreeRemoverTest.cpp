@@ -266,11 +266,13 @@ TEST_P(TreeRemoverTest, WhatAnotherRemovesMeanwhileIsGone) {
 }
 
 TEST_P(TreeRemoverTest, AFolderTakenAwayWithWhatWaitsInItIsGone) {
-    device_.file("/t/a/b/c/file", 10);
+    // So deep that the way up from the bottom is not open any more.
+    const std::string bottom = "/t/a/1/2/3/4/5/6/7/8/9/10/11/12";
+    device_.file(bottom + "/file", 10);
     bool done = false;
     test::FaultyFileManager files(files_, {Operation::RemoveDirectoryAt});
     files.before([&](Operation, const std::string& path) {
-        if (path == "/t/a/b/c" && !std::exchange(done, true)) {
+        if (path == bottom && !std::exchange(done, true)) {
             EXPECT_TRUE(files_.rename("/t/a", "/elsewhere"));
         }
     });

@@ -29,9 +29,13 @@ platform::Device openDevice(const TemporaryDevice& tree, const std::string& home
 }
 
 bool isOfProtectionLists(const std::string& line) {
-    constexpr std::array<std::string_view, 7> kBeginnings = {
-        "🔒 白名单内置路径", "🔒 白名单精确匹配", "🔒 白名单标准化匹配", "🔒 白名单子路径匹配",
-        "🔒 白名单父路径匹配", "✅ 已添加",         "✅ 已从"};
+    constexpr std::array<std::string_view, 7> kBeginnings = {"🔒 白名单内置路径",
+                                                             "🔒 白名单精确匹配",
+                                                             "🔒 白名单标准化匹配",
+                                                             "🔒 白名单子路径匹配",
+                                                             "🔒 白名单父路径匹配",
+                                                             "✅ 已添加",
+                                                             "✅ 已从"};
     return std::ranges::any_of(
         kBeginnings, [&](std::string_view beginning) { return line.starts_with(beginning); });
 }
@@ -55,8 +59,16 @@ EngineDevice::EngineDevice(const std::string& home)
 }
 
 EngineServices EngineDevice::services() {
-    return {device,     files,   eraser,        whitelist, customPaths,
-            history,    statistics, storage, notifications, mainQueue,
+    return {device,
+            files,
+            eraser,
+            whitelist,
+            customPaths,
+            history,
+            statistics,
+            storage,
+            notifications,
+            mainQueue,
             [this] { return time; }};
 }
 
@@ -132,9 +144,8 @@ ScanResult EngineDevice::scan() {
 
 std::vector<std::string> EngineDevice::everything() const {
     std::vector<std::string> all = tree.entriesBeneath("/");
-    std::erase_if(all, [&](const std::string& path) {
-        return path.starts_with(device.userDefaultsFile());
-    });
+    std::erase_if(
+        all, [&](const std::string& path) { return path.starts_with(device.userDefaultsFile()); });
     return all;
 }
 

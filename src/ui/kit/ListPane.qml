@@ -1,0 +1,59 @@
+import QtQuick
+
+// The list under a page's bars: keeps clear of them, reports its scrolling, can be walked through
+// with the keyboard. Plain; GroupedList draws the rows as cards.
+ListView {
+    id: root
+
+    // Space that the page's bars cover; the page sets them.
+    property real topInset: 0
+    property real bottomInset: 0
+    // The row whose swipe actions are open.
+    property Item openRow: null
+
+    signal scrolled(real offsetY)
+    signal scrollEnded(real offsetY)
+
+    anchors.fill: parent
+    topMargin: topInset
+    bottomMargin: bottomInset
+    boundsBehavior: Flickable.DragAndOvershootBounds
+    flickDeceleration: 2600
+    maximumFlickVelocity: 5200
+    pixelAligned: false
+    cacheBuffer: 240
+    reuseItems: true
+    focus: true
+    activeFocusOnTab: true
+    keyNavigationEnabled: true
+    highlightMoveDuration: 0
+    highlightResizeDuration: 0
+    currentIndex: -1
+    Accessible.role: Accessible.List
+
+    // The offset as it counts for the bars: 0 when the first row begins at the very top.
+    readonly property real offsetY: contentY - originY
+    onOffsetYChanged: scrolled(offsetY)
+    onMovementEnded: scrollEnded(offsetY)
+    onMovementStarted: closeRow()
+
+    function closeRow(): void {
+        if (openRow) openRow.close();
+    }
+
+    Keys.onPressed: event => {
+        if (event.key === Qt.Key_PageDown) contentY = Math.min(contentY + height * 0.8, originY + contentHeight - height + bottomMargin);
+        else if (event.key === Qt.Key_PageUp) contentY = Math.max(contentY - height * 0.8, originY - topMargin);
+        else if (event.key === Qt.Key_Home) positionViewAtBeginning();
+        else if (event.key === Qt.Key_End) positionViewAtEnd();
+        else return;
+        event.accepted = true;
+    }
+
+    ScrollMark {
+        parent: root.parent
+        flickable: root
+        topInset: root.topInset
+        bottomInset: root.bottomInset
+    }
+}

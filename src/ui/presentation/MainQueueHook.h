@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QObject>
+
+#include "platform/DispatchQueue.h"
+
+namespace sweepwright::ui {
+
+/// Lets Qt's loop run the main queue's jobs for as long as this lives. Made, used and destroyed on
+/// the thread of that loop.
+class MainQueueHook : public QObject {
+  public:
+    explicit MainQueueHook(platform::MainQueue& queue);
+    ~MainQueueHook() override;
+
+  private:
+    platform::MainQueue& queue_;
+};
+
+}  // namespace sweepwright::ui

@@ -1,0 +1,109 @@
+#include "ui/shell/App.h"
+
+#include <QGuiApplication>
+#include <QQmlApplicationEngine>
+#include <cstdio>
+#include <memory>
+
+#include "launch/GlobalOptions.h"
+#include "localization/LanguageManager.h"
+#include "platform/Log.h"
+#include "ui/kit/Appearance.h"
+#include "ui/kit/SymbolProvider.h"
+#include "ui/presentation/MainQueueHook.h"
+#include "ui/shell/AppDelegate.h"
+#include "ui/shell/DesktopUrlOpener.h"
+#include "ui/shell/LaunchOptions.h"
+#include "ui/shell/Screens.h"
+
+namespace sweepwright::ui {
+
+namespace {
+
+constexpr int kDone = 0;
+constexpr int kFailed = 1;
+constexpr int kWrongWords = 2;
+constexpr int kDeviceUnusable = 3;
+
+void say(std::FILE* stream, const QString& line) {
+    std::fputs(qUtf8Printable(line + QLatin1Char('\n')), stream);
+}
+
+int complain(int status, const QString& line) {
+    say(stderr, QStringLiteral("sweepwright: ") + line);
+    return status;
+}
+
+platform::Result<> openDevice(const LaunchOptions& options) {
+    auto choice = launch::chooseDevice(options.global, launch::processEnvironment());
+    if (!choice) return std::unexpected(std::move(choice.error()));
+    choice->options.osVersion = options.osVersion;
+    auto device = platform::Device::open(choice->options);
+    if (!device) return std::unexpected(std::move(device.error()));
+    platform::Device::setCurrent(std::move(*device));
+    return {};
+}
+
+int runScene(QGuiApplication& application) {
+    const platform::Device& device = platform::Device::current();
+    platform::FileManager& files = platform::FileManager::defaultManager();
+    localization::LanguageManager& language = localization::LanguageManager::sharedManager();
+    AppDelegate(device, files).applicationDidFinishLaunching();
+
+    MainQueueHook hook(platform::MainQueue::shared());
+    DesktopUrlOpener opener;
+    auto& notifications = platform::NotificationCenter::defaultCenter();
+    Texts texts([&language](std::string_view key) { return language.localizedStringForKey(key); },
+                notifications);
+    const AppServices services{device,
+                               files,
+                               platform::UserDefaults::standard(),
+                               notifications,
+                               platform::MainQueue::shared(),
+                               texts,
+                               opener};
+    SceneDelegate scene(services, makeScreens(services));
+
+    QQmlApplicationEngine engine;
+    prepareEngine(engine);
+    engine.setInitialProperties({{QStringLiteral("scene"), QVariant::fromValue(&scene)}});
+    engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Sweepwright/Shell/Main.qml")));
+    if (engine.rootObjects().isEmpty()) return complain(kFailed, QStringLiteral("no window"));
+    scene.sceneWillConnect();
+    const int status = application.exec();
+    scene.sceneDidDisconnect();
+    return status;
+}
+
+}  // namespace
+
+void prepareEngine(QQmlEngine& engine) {
+    engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
+    engine.addImageProvider(SymbolProvider::kIdentifier, new SymbolProvider);
+}
+
+int runApp(QGuiApplication& application, const QStringList& words) {
+    const auto options = parseLaunchOptions(words);
+    if (!options) return complain(kWrongWords, options.error());
+    if (options->kind == LaunchOptions::Kind::Help) {
+        say(stdout, options->helpText.trimmed());
+        return kDone;
+    }
+    if (options->kind == LaunchOptions::Kind::Version) {
+        say(stdout, QStringLiteral("sweepwright ") + QGuiApplication::applicationVersion());
+        return kDone;
+    }
+    launch::startProgramLog("sweepwright", options->global.verbose, launch::processEnvironment());
+    if (const auto opened = openDevice(*options); !opened) {
+        const bool wrongWords = opened.error().domain == platform::kDeviceOptionsErrorDomain;
+        return complain(wrongWords ? kWrongWords : kDeviceUnusable,
+                        QString::fromStdString(opened.error().description));
+    }
+    Appearance::shared().setStyle(options->style);
+    Appearance::shared().followDesktop();
+    const int status = runScene(application);
+    platform::flushLog();
+    return status;
+}
+
+}  // namespace sweepwright::ui

@@ -1,0 +1,121 @@
+#include <string>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "cli/Sweepctl.h"
+#include "platform/PropertyList.h"
+
+namespace sweepwright::test {
+namespace {
+
+using nlohmann::json;
+using platform::PropertyList;
+using testing::HasSubstr;
+
+const std::string kContainers = "/var/mobile/Containers/Data/Application/";
+
+/// Installs an app with a cache and a document.
+std::string install(TemporaryDevice& device, const std::string& container,
+                    const std::string& identifier, std::uint64_t cacheBytes) {
+    const std::string data = kContainers + container;
+    device.fileWith(
+        data + "/.com.apple.mobile_container_manager.metadata.plist",
+        PropertyList(PropertyList::Dictionary{{"MCMMetadataIdentifier", identifier}}).toBinary());
+    device.fileWith("/var/containers/Bundle/Application/" + container + "/X.app/Info.plist",
+                    PropertyList(PropertyList::Dictionary{{"CFBundleIdentifier", identifier},
+                                                          {"CFBundleName", "Name of " + container}})
+                        .toXml());
+    device.file(data + "/Library/Caches/" + container, cacheBytes);
+    device.file(data + "/Documents/letter", 7);
+    return data;
+}
+
+TEST(AppsCommand, ListsAppsWithNamesAndSizesLargestFirst) {
+    Sweepctl sweepctl;
+    const std::string chat = install(sweepctl.device(), "A", "com.example.chat", 10);
+    install(sweepctl.device(), "B", "com.apple.music", 20);
+    const json apps = sweepctl.json({"apps"});
+    ASSERT_EQ(apps.size(), 2U);
+    EXPECT_EQ(apps[0].at("bundleIdentifier"), "com.apple.music");
+    EXPECT_EQ(apps[0].at("isSystemApp"), true);
+    EXPECT_EQ(apps[1], (json{{"bundleIdentifier", "com.example.chat"},
+                             {"appName", "Name of A"},
+                             {"appIconPath", nullptr},
+                             {"hasIcon", true},
+                             {"cacheSize", 10},
+                             {"tmpSize", 0},
+                             {"totalSize", 10},
+                             {"dataPath", chat},
+                             {"bundlePath", "/var/containers/Bundle/Application/A/X.app"},
+                             {"isSystemApp", false}}));
+    EXPECT_EQ(sweepctl.json({"apps", "--third-party"}), (json{apps[1]}));
+    EXPECT_THAT(sweepctl.run({"apps"}).output, HasSubstr("com.example.chat  Name of A\n"));
+}
+
+TEST(AppsCleanCommand, OneAppIsCleanedAndRecordedOnce) {
+    Sweepctl sweepctl;
+    const std::string chat = install(sweepctl.device(), "A", "com.example.chat", 10);
+    EXPECT_EQ(sweepctl.run({"apps", "clean", "com.example.chat"}).status, 2);
+    EXPECT_EQ(sweepctl.json({"apps", "clean", "com.example.chat", "--yes"}),
+              (json{{"success", true}, {"cleanedBytes", 10}, {"error", nullptr}}));
+    EXPECT_FALSE(sweepctl.device().exists(chat + "/Library/Caches/A"));
+    EXPECT_TRUE(sweepctl.device().exists(chat + "/Documents/letter"));
+    const json history = sweepctl.json({"history"});
+    ASSERT_EQ(history.size(), 1U);
+    EXPECT_EQ(history[0].at("cleanTypeName"), "第三方应用: com.example.chat");
+    EXPECT_EQ(history[0].at("cleanType"), 10);
+}
+
+TEST(AppsCleanCommand, SeveralAreABatchRecordedOnceMore) {
+    Sweepctl sweepctl;
+    install(sweepctl.device(), "A", "com.example.chat", 10);
+    install(sweepctl.device(), "B", "com.example.mail", 5);
+    EXPECT_EQ(sweepctl.json({"apps", "clean", "com.example.chat", "com.example.mail", "--yes"})
+                  .at("cleanedBytes"),
+              15);
+    EXPECT_EQ(sweepctl.json({"history"}).size(), 3U);
+    EXPECT_EQ(sweepctl.json({"stats"}).at("running").at("totalCleanedBytes"), 30);
+}
+
+TEST(AppsCleanCommand, AllLeavesSystemAndWhitelistedAppsAlone) {
+    Sweepctl sweepctl;
+    const std::string chat = install(sweepctl.device(), "A", "com.example.chat", 10);
+    const std::string mail = install(sweepctl.device(), "B", "com.example.mail", 5);
+    const std::string music = install(sweepctl.device(), "C", "com.apple.music", 5);
+    EXPECT_EQ(sweepctl.run({"whitelist", "apps", "add", "com.example.mail"}).status, 0);
+    EXPECT_EQ(sweepctl.json({"apps", "clean", "--all", "--yes"}).at("cleanedBytes"), 10);
+    EXPECT_FALSE(sweepctl.device().exists(chat + "/Library/Caches/A"));
+    EXPECT_TRUE(sweepctl.device().exists(mail + "/Library/Caches/B"));
+    EXPECT_TRUE(sweepctl.device().exists(music + "/Library/Caches/C"));
+}
+
+TEST(AppsCleanCommand, AWhitelistedAppIsRefusedByName) {
+    Sweepctl sweepctl;
+    const std::string chat = install(sweepctl.device(), "A", "com.example.chat", 10);
+    EXPECT_EQ(sweepctl.run({"whitelist", "apps", "add", "com.example.chat"}).status, 0);
+    const ProcessResult result = sweepctl.run({"apps", "clean", "com.example.chat", "--yes"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_TRUE(isOneLine(result.error)) << result.error;
+    EXPECT_TRUE(sweepctl.device().exists(chat + "/Library/Caches/A"));
+}
+
+TEST(AppsCleanCommand, ADryRunRemovesNothingAndTellsWhatWouldGo) {
+    Sweepctl sweepctl;
+    const std::string chat = install(sweepctl.device(), "A", "com.example.chat", 10);
+    EXPECT_EQ(sweepctl.json({"apps", "clean", "--all", "--dry-run"}),
+              (json{{"wouldFree", 10},
+                    {"entries", {{{"path", chat + "/Library/Caches/A"}, {"size", 10}}}},
+                    {"kept", json::array()}}));
+    EXPECT_TRUE(sweepctl.device().exists(chat + "/Library/Caches/A"));
+    EXPECT_EQ(sweepctl.json({"history"}), json::array());
+}
+
+TEST(AppsCleanCommand, NeedsAppsOrAllButNotBoth) {
+    Sweepctl sweepctl;
+    EXPECT_EQ(sweepctl.run({"apps", "clean", "--yes"}).status, 2);
+    EXPECT_EQ(sweepctl.run({"apps", "clean", "com.example.chat", "--all", "--yes"}).status, 2);
+}
+
+}  // namespace
+}  // namespace sweepwright::test

@@ -1,0 +1,143 @@
+#include <string>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "cli/Sweepctl.h"
+
+namespace sweepwright::test {
+namespace {
+
+using nlohmann::json;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::MatchesRegex;
+
+TEST(ListCommand, CachesAreListedWithTheirSizesLargestFirst) {
+    Sweepctl sweepctl;
+    const std::string folder = "/var/mobile/Library/Application Support/";
+    sweepctl.device().file(folder + "small-cache/a", 10);
+    sweepctl.device().file(folder + "large-cache/a", 2048);
+    EXPECT_EQ(sweepctl.json({"list", "cache"}),
+              (json{{{"path", folder + "large-cache"}, {"size", 2048}},
+                    {{"path", folder + "small-cache"}, {"size", 10}}}));
+    EXPECT_EQ(sweepctl.run({"list", "cache"}).output,
+              "2.0 KB  " + folder + "large-cache\n  10 B  " + folder + "small-cache\n");
+}
+
+TEST(ListCommand, OtherCategoriesAreListedAsPaths) {
+    Sweepctl sweepctl;
+    sweepctl.device().file("/var/mobile/tmp/.hidden", 1);
+    EXPECT_EQ(sweepctl.json({"list", "temp"}), (json{"/var/mobile/tmp/.hidden"}));
+    EXPECT_EQ(sweepctl.run({"list", "temp"}).output, "/var/mobile/tmp/.hidden\n");
+    EXPECT_EQ(sweepctl.json({"list", "logs"}), json::array());
+}
+
+TEST(ListCommand, APathThatIsNotTextIsGivenAsBytesToo) {
+    Sweepctl sweepctl;
+    sweepctl.device().file("/var/mobile/tmp/a\xff", 1);
+    EXPECT_EQ(sweepctl.json({"list", "temp"}), (json{{{"path", "/var/mobile/tmp/a\xEF\xBF\xBD"},
+                                                      {"pathBytes", "L3Zhci9tb2JpbGUvdG1wL2H/"}}}));
+    EXPECT_EQ(sweepctl.run({"list", "temp"}).output, "/var/mobile/tmp/a\xff\n");
+}
+
+TEST(ListCommand, OfflineDataHasNoList) {
+    Sweepctl sweepctl;
+    const ProcessResult result = sweepctl.run({"list", "offline-data"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_TRUE(isOneLine(result.error)) << result.error;
+}
+
+TEST(StorageCommand, GivesTheThirteenFigures) {
+    Sweepctl sweepctl;
+    const json storage = sweepctl.json({"storage"});
+    EXPECT_EQ(storage.size(), 13U);
+    EXPECT_GT(storage.at("totalSpace"), 0U);
+    EXPECT_TRUE(storage.at("userUsedSpaceFormatted").is_string());
+    EXPECT_THAT(sweepctl.run({"storage"}).output, HasSubstr("available"));
+}
+
+TEST(AnalyzeCommand, FindsLargeFiles) {
+    Sweepctl sweepctl;
+    sweepctl.device().file("/var/mobile/Documents/large", 5000);
+    sweepctl.device().file("/var/mobile/Documents/small", 4999);
+    const json found = sweepctl.json({"analyze", "large", "--min-size", "5000"});
+    ASSERT_EQ(found.size(), 1U);
+    EXPECT_EQ(found[0].at("path"), "/var/mobile/Documents/large");
+    EXPECT_EQ(found[0].at("name"), "large");
+    EXPECT_EQ(found[0].at("size"), 5000);
+    EXPECT_THAT(found[0].at("modifiedDate").get<std::string>(),
+                MatchesRegex("[0-9]+-[0-9]+-[0-9]+ [0-9]+:[0-9]+:[0-9]+"));
+    EXPECT_EQ(sweepctl.json({"analyze", "large"}), json::array());
+    EXPECT_EQ(sweepctl.run({"analyze", "usage", "--min-size", "1"}).status, 2);
+}
+
+TEST(AnalyzeCommand, GroupsFilesOfOneSize) {
+    Sweepctl sweepctl;
+    sweepctl.device().file("/var/mobile/Documents/a", 7);
+    sweepctl.device().file("/var/mobile/Documents/b", 7);
+    sweepctl.device().file("/var/mobile/Documents/c", 8);
+    const json groups = sweepctl.json({"analyze", "duplicates"});
+    ASSERT_EQ(groups.size(), 1U);
+    EXPECT_EQ(groups[0].size(), 2U);
+    EXPECT_EQ(groups[0][0].at("size"), 7);
+}
+
+TEST(AnalyzeCommand, AddsUpExtensionsFoldersAndBundles) {
+    Sweepctl sweepctl;
+    sweepctl.device().file("/var/mobile/Documents/A.JPG", 3);
+    sweepctl.device().file("/var/mobile/Documents/README", 4);
+    sweepctl.device().file("/var/containers/Bundle/Application/B/X.app/x", 9);
+    EXPECT_EQ(sweepctl.json({"analyze", "extensions"}),
+              (json{{"byExtension", {{"(no extension)", 4}, {"jpg", 3}}}, {"totalAnalyzed", 7}}));
+    EXPECT_EQ(sweepctl.json({"analyze", "usage"}).at("Documents"),
+              (json{{"size", 7}, {"formatted", "7 B"}}));
+    EXPECT_EQ(
+        sweepctl.json({"analyze", "apps"}),
+        (json{{{"path", "/var/containers/Bundle/Application/B"}, {"size", 9}, {"name", "B"}}}));
+}
+
+TEST(HistoryCommand, ListsDeletesAndClearsWhatWasCleaned) {
+    Sweepctl sweepctl;
+    EXPECT_EQ(sweepctl.json({"history"}), json::array());
+    for (const int bytes : {100, 50}) {
+        sweepctl.device().file("/var/mobile/tmp/a", static_cast<std::uint64_t>(bytes));
+        EXPECT_EQ(sweepctl.run({"clean", "temp", "--yes"}).status, 0);
+    }
+    const json records = sweepctl.json({"history"});
+    ASSERT_EQ(records.size(), 2U);
+    EXPECT_EQ(records[0].at("cleanedBytes"), 50);
+    EXPECT_EQ(records[1].at("cleanedBytes"), 100);
+    EXPECT_EQ(records[0].at("cleanType"), 1);
+    EXPECT_EQ(records[0].at("cleanTypeName"), "临时文件");
+    EXPECT_EQ(records[0].size(), 5U);
+    EXPECT_EQ(sweepctl.json({"history", "--limit", "1"}), (json{records[0]}));
+
+    const std::string newest = records[0].at("identifier");
+    EXPECT_EQ(sweepctl.run({"history", "delete", newest, "unknown"}).status, 1);
+    EXPECT_EQ(sweepctl.json({"history"}).size(), 2U) << "one unknown: none is deleted";
+    EXPECT_EQ(sweepctl.json({"history", "delete", newest}), (json{records[1]}));
+    EXPECT_EQ(sweepctl.json({"history", "clear"}), json::array());
+
+    const json stats = sweepctl.json({"stats"});
+    EXPECT_EQ(stats.at("history"), (json{{"totalCleanedBytes", 0},
+                                         {"totalCleanCount", 0},
+                                         {"firstCleanDate", nullptr},
+                                         {"lastCleanDate", nullptr}}));
+    EXPECT_EQ(stats.at("running").at("totalCleanedBytes"), 150);
+    EXPECT_EQ(stats.at("running").at("cleanCount"), 2);
+    EXPECT_EQ(stats.at("running").at("lastCleanDate"), records[0].at("cleanDate"));
+}
+
+TEST(LanguageCommand, ShowsAndSetsTheLanguageAndLooksTextsUp) {
+    Sweepctl sweepctl;
+    sweepctl.setVariable("LANG", "zh_TW.UTF-8");
+    EXPECT_EQ(sweepctl.json({"language"}), (json{{"code", "zh-Hans"}, {"name", "中文简体"}}));
+    EXPECT_EQ(sweepctl.json({"language", "en"}), (json{{"code", "en"}, {"name", "English"}}));
+    EXPECT_EQ(sweepctl.json({"text", "Tab Home", "no such key"}),
+              (json{{"Tab Home", "Home"}, {"no such key", "no such key"}}));
+    EXPECT_EQ(sweepctl.run({"language", "fr"}).status, 2);
+}
+
+}  // namespace
+}  // namespace sweepwright::test

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QPointingDevice>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+#include "ui/gallery/GalleryScreen.h"
+#include "ui/presentation/AlertController.h"
+#include "ui/support/TestApp.h"
+
+namespace sweepwright::test {
+
+/// The app with a window and pages of the gallery in its tabs, and a finger on it.
+class ViewTest : public testing::Test {
+  protected:
+    /// A page of the gallery in every tab.
+    static TestApp::MakeScreens gallery(const char* page);
+
+    GalleryScreen& screen(TestApp& app) {
+        return *qobject_cast<GalleryScreen*>(app.scene().tabBarController()->at(0).root());
+    }
+    /// A tap of the finger.
+    void tap(TestApp& app, QPoint at);
+    /// The finger moves from one point to another in twelve steps and lets go.
+    void swipe(TestApp& app, QPoint from, QPoint to);
+    void click(TestApp& app, const char* objectName) {
+        QTest::mouseClick(&app.window(), Qt::LeftButton, {},
+                          TestApp::middleOf(app.item(objectName)));
+    }
+    void key(TestApp& app, Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
+        QTest::keyClick(&app.window(), key, modifiers);
+    }
+
+    QPointingDevice* finger_ = touchScreen();
+
+  private:
+    static QPointingDevice* touchScreen();
+};
+
+}  // namespace sweepwright::test

@@ -1,0 +1,3 @@
+Apps {
+    openRow: 2
+}

@@ -1,0 +1,106 @@
+#include "ui/support/TestApp.h"
+
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+#include "ui/kit/Appearance.h"
+#include "ui/shell/App.h"
+#include "ui/shell/Screens.h"
+
+namespace sweepwright::test {
+
+namespace {
+
+void makeHome(TemporaryDevice& device) {
+    for (const char* folder : {"/var/mobile/Library/Caches", "/var/mobile/Library/Preferences",
+                               "/var/mobile/tmp", "/var/mobile/Documents"}) {
+        device.folder(folder);
+    }
+}
+
+std::unique_ptr<platform::Device> openDevice(const std::string& root,
+                                             const TestAppOptions& options) {
+    platform::DeviceOptions wanted;
+    wanted.rootFolder = root;
+    wanted.idiom = options.idiom;
+    wanted.osVersion = platform::OperatingSystemVersion{options.osVersion, 0};
+    auto opened = platform::Device::open(wanted);
+    if (!opened) ADD_FAILURE() << opened.error().description;
+    return std::make_unique<platform::Device>(std::move(*opened));
+}
+
+}  // namespace
+
+TestApp::TestApp(const Options& options, const MakeScreens& makeScreens) {
+    ui::Appearance::shared().setStyle(ui::Appearance::Style::Light);
+    ui::Appearance::shared().setTextScale(1.0);
+    ui::Appearance::shared().setReducedMotion(false);
+    makeHome(device);
+    where_ = openDevice(device.root(), options);
+    defaults_ =
+        std::make_unique<platform::UserDefaults>(device.files(), where_->userDefaultsFile());
+    (void)defaults_->set("AppLanguage", platform::PropertyList(options.language));
+    if (options.welcomeShown) {
+        (void)defaults_->set("hasShownWelcome", platform::PropertyList(true));
+    }
+    language_ = std::make_unique<localization::LanguageManager>(
+        *defaults_, notifications, platform::ResourceBundle(SWEEPWRIGHT_RESOURCE_FOLDER),
+        std::vector<std::string>{});
+    texts_ = std::make_unique<ui::Texts>(
+        [this](std::string_view key) { return language_->localizedStringForKey(key); },
+        notifications);
+    services_ = std::make_unique<ui::AppServices>(ui::AppServices{
+        *where_, device.files(), *defaults_, notifications, mainQueue, *texts_, opener});
+    scene_ = std::make_unique<ui::SceneDelegate>(
+        *services_, makeScreens ? makeScreens(*services_) : ui::makeScreens(*services_));
+}
+
+TestApp::~TestApp() {
+    if (view_) {
+        // A view that is destroyed with the focus deep in it complains.
+        view_->contentItem()->setFocus(false);
+        view_->hide();
+    }
+    view_.reset();
+}
+
+QQuickView& TestApp::show(QSize size) {
+    view_ = std::make_unique<QQuickView>();
+    ui::prepareEngine(*view_->engine());
+    view_->setResizeMode(QQuickView::SizeRootObjectToView);
+    view_->setInitialProperties({{QStringLiteral("scene"), QVariant::fromValue(scene_.get())}});
+    view_->setSource(QUrl(QStringLiteral("qrc:/qt/qml/Sweepwright/Shell/ShellView.qml")));
+    for (const QQmlError& error : view_->errors())
+        ADD_FAILURE() << qPrintable(error.toString());
+    view_->resize(size);
+    view_->show();
+    EXPECT_TRUE(QTest::qWaitForWindowExposed(view_.get()));
+    view_->requestActivate();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(view_.get()));
+    scene_->sceneWillConnect();
+    return *view_;
+}
+
+QQuickItem* TestApp::item(const char* objectName) const {
+    const QString name = QString::fromLatin1(objectName);
+    QList<QQuickItem*> waiting{view_->contentItem()};
+    QQuickItem* found = nullptr;
+    while (!waiting.isEmpty() && (found == nullptr || !found->isVisible())) {
+        QQuickItem* each = waiting.takeFirst();
+        if (each->objectName() == name && (found == nullptr || each->isVisible())) found = each;
+        waiting += each->childItems();
+    }
+    if (found == nullptr) ADD_FAILURE() << "no item named " << objectName;
+    return found;
+}
+
+QPoint TestApp::middleOf(const QQuickItem* item) {
+    return item->mapToScene(QPointF(item->width() / 2.0, item->height() / 2.0)).toPoint();
+}
+
+bool waitUntil(const std::function<bool()>& done) {
+    return QTest::qWaitFor(done, 5000);
+}
+
+}  // namespace sweepwright::test

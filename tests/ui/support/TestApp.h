@@ -1,0 +1,80 @@
+#pragma once
+
+#include <QQmlEngine>
+#include <QQuickItem>
+#include <QQuickView>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "localization/LanguageManager.h"
+#include "support/TemporaryDevice.h"
+#include "ui/shell/SceneDelegate.h"
+
+namespace sweepwright::test {
+
+/// Remembers what was to be opened and answers as told.
+class FakeUrlOpener : public ui::UrlOpener {
+  public:
+    [[nodiscard]] bool canOpen(const QUrl&) const override { return opens; }
+    void open(const QUrl& url, const Completion& completion) override {
+        opened.push_back(url);
+        if (completion) completion(opens);
+    }
+
+    std::vector<QUrl> opened;
+    bool opens = true;
+};
+
+struct TestAppOptions {
+    platform::Idiom idiom = platform::Idiom::Phone;
+    int osVersion = 26;
+    std::string language = "en";
+    bool welcomeShown = true;
+};
+
+/// The whole app on a temporary device, with the real texts and without a window until show().
+/// Looks the same on every machine: light, no larger text, motion as it is.
+class TestApp {
+  public:
+    using Options = TestAppOptions;
+    using MakeScreens = std::function<ui::SceneDelegate::Screens(const ui::AppServices&)>;
+
+    /// `makeScreens` gives the tabs' roots; without it they are the product's own.
+    explicit TestApp(const Options& options = {}, const MakeScreens& makeScreens = {});
+    ~TestApp();
+
+    /// Opens a window of this size in points and waits until it has drawn.
+    QQuickView& show(QSize size = {390, 844});
+    [[nodiscard]] QQuickView& window() { return *view_; }
+    /// The item of this object name: of several one that is shown; fails the test when there is
+    /// none.
+    [[nodiscard]] QQuickItem* item(const char* objectName) const;
+    /// The middle of an item in the window's points.
+    [[nodiscard]] static QPoint middleOf(const QQuickItem* item);
+
+    [[nodiscard]] ui::SceneDelegate& scene() { return *scene_; }
+    [[nodiscard]] ui::Presenter& presenter() { return *scene_->presenter(); }
+    [[nodiscard]] const ui::AppServices& services() const { return *services_; }
+
+    // In the order they are made.
+    TemporaryDevice device;
+    platform::NotificationCenter notifications;
+    platform::MainQueue mainQueue;
+    FakeUrlOpener opener;
+
+  private:
+    std::unique_ptr<platform::Device> where_;
+    std::unique_ptr<platform::UserDefaults> defaults_;
+    std::unique_ptr<localization::LanguageManager> language_;
+    std::unique_ptr<ui::Texts> texts_;
+    std::unique_ptr<ui::AppServices> services_;
+    std::unique_ptr<ui::SceneDelegate> scene_;
+    std::unique_ptr<QQuickView> view_;
+};
+
+/// Runs the event loop until `done` answers true; false when it does not within five seconds.
+bool waitUntil(const std::function<bool()>& done);
+
+}  // namespace sweepwright::test
