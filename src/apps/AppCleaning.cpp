@@ -284,12 +284,14 @@ std::vector<std::string> ThirdPartyAppCacheManager::withoutWhitelisted(
 }
 
 void ThirdPartyAppCacheManager::saveCleanStatistics(std::uint64_t bytes) {
-    services_.statistics.recordClean(bytes);
+    // A failure to write is logged by the store; what was cleaned is cleaned all the same.
+    static_cast<void>(services_.statistics.recordClean(bytes));
 }
 
 void ThirdPartyAppCacheManager::record(std::uint64_t cleaned, const std::string& historyName) {
     saveCleanStatistics(cleaned);
-    services_.history.saveCleanHistoryWithType(CleanType::ThirdPartyApps, cleaned, historyName);
+    static_cast<void>(services_.history.saveCleanHistoryWithType(CleanType::ThirdPartyApps, cleaned,
+                                                                 historyName));
     services_.notifications.post("CleanHistoryUpdated");
 }
 

@@ -167,8 +167,8 @@ platform::Result<> FileCleanerEngine::readiness() const {
 
 void FileCleanerEngine::recordClean(CleanType type, std::uint64_t cleaned) {
     saveCleanStatistics(cleaned);
-    services_.history.saveCleanHistoryWithType(type, cleaned,
-                                               cleanTypeNameForType(type).value_or(""));
+    static_cast<void>(services_.history.saveCleanHistoryWithType(
+        type, cleaned, cleanTypeNameForType(type).value_or("")));
     services_.notifications.post("CleanHistoryUpdated");
 }
 
@@ -187,7 +187,8 @@ std::optional<std::string> FileCleanerEngine::cleanTypeNameForType(CleanType typ
 }
 
 void FileCleanerEngine::saveCleanStatistics(std::uint64_t bytes) {
-    services_.statistics.recordClean(bytes);
+    // A failure to write is logged by the store; what was cleaned is cleaned all the same.
+    static_cast<void>(services_.statistics.recordClean(bytes));
 }
 
 std::uint64_t FileCleanerEngine::getTotalCleanableSize() {

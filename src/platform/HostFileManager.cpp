@@ -96,6 +96,8 @@ int readAttributes(int directory, const char* name, Calls calls, FileAttributes&
 /// A name as the system calls want it, without an allocation.
 class CName {
   public:
+    // Filling what the name does not need would cost more than the rest.
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init)
     explicit CName(std::string_view name) {
         if (name.size() < fixed_.size()) {
             std::memcpy(fixed_.data(), name.data(), name.size());

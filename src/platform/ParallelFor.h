@@ -14,17 +14,20 @@ template <class Body>
 void parallelFor(std::size_t count, unsigned threads, const Body& body) {
     std::atomic<std::size_t> next{0};
     const auto work = [&] {
-        for (std::size_t i = next++; i < count; i = next++) body(i);
+        for (std::size_t i = next++; i < count; i = next++)
+            body(i);
     };
     std::vector<std::thread> helpers;
-    try {
-        while (helpers.size() + 1 < threads && helpers.size() + 1 < count)
+    while (helpers.size() + 1 < threads && helpers.size() + 1 < count) {
+        try {
             helpers.emplace_back(work);
-    } catch (const std::system_error&) {
-        // Fewer threads do the same work.
+        } catch (const std::system_error&) {
+            break;  // fewer threads do the same work
+        }
     }
     work();
-    for (std::thread& helper : helpers) helper.join();
+    for (std::thread& helper : helpers)
+        helper.join();
 }
 
 }  // namespace sweepwright::platform

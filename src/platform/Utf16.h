@@ -14,8 +14,12 @@ enum class ByteOrder : std::uint8_t { LittleEndian, BigEndian };
 /// UTF-16 as UTF-8. A lone surrogate and a last odd byte become the replacement character.
 std::string utf8FromUtf16(std::string_view bytes, ByteOrder order);
 
-inline bool isHighSurrogate(char32_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
-inline bool isLowSurrogate(char32_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
+inline bool isHighSurrogate(char32_t unit) {
+    return unit >= 0xD800 && unit <= 0xDBFF;
+}
+inline bool isLowSurrogate(char32_t unit) {
+    return unit >= 0xDC00 && unit <= 0xDFFF;
+}
 
 /// The code point that two surrogates make.
 inline char32_t joinedSurrogates(char32_t high, char32_t low) {

@@ -83,6 +83,20 @@ TEST(AppCleanPreview, OfNoAppsIsEmpty) {
     EXPECT_THAT(preview->entries, IsEmpty());
 }
 
+TEST(AppCleanPreview, EntriesCountAsDeepAsTheCleanCounts) {
+    AppsDevice device;
+    std::string deep = device.container("CA", "com.example.a") + "/tmp";
+    for (int i = 0; i < 99; ++i)
+        deep += "/d";
+    device.tree.file(deep + "/last", 7);
+    device.tree.file(deep + "/d/beyond", 1000);
+    const auto preview = previewAppsClean(device.services(), {"com.example.a"});
+    ASSERT_TRUE(preview.has_value());
+    EXPECT_EQ(preview->wouldFree, 7U);
+    EXPECT_THAT(preview->entries,
+                ElementsAre(Entry{AppsDevice::containerPath("CA") + "/tmp/d", 7}));
+}
+
 /// Apps with anything in their folders, some of it protected; their identifiers.
 std::vector<std::string> anyApps(AppsDevice& device) {
     std::vector<std::string> identifiers;

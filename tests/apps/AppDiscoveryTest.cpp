@@ -1,5 +1,4 @@
 // Which apps a scan finds by the workspace service.
-#include <thread>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -13,28 +12,14 @@ namespace {
 using platform::Idiom;
 using platform::LogCapture;
 using test::AppsDevice;
+using test::appsInNumber;
 using test::FakeApp;
 using test::identifiersOf;
 using test::linesWith;
 using test::raised;
-using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-using ::testing::Not;
 using Availability = platform::ApplicationWorkspace::Availability;
-
-FakeApp appNamed(const std::string& identifier) {
-    FakeApp app;
-    app.identifier = identifier;
-    return app;
-}
-
-std::vector<FakeApp> appsInNumber(std::size_t count) {
-    std::vector<FakeApp> apps;
-    for (std::size_t i = 0; i < count; ++i)
-        apps.push_back(appNamed("com.example.app" + std::to_string(i)));
-    return apps;
-}
 
 TEST(AppDiscovery, FiveAppsOfTheServiceSpareAPhoneTheWalk) {
     AppsDevice device;
@@ -168,7 +153,7 @@ TEST(AppDiscovery, ARecordHoldsWhatTheServiceTells) {
     const std::string data = device.container("C1", "com.example.a");
     device.tree.file(data + "/Library/Caches/a", 100);
     device.tree.file(data + "/tmp/b", 20);
-    FakeApp app = appNamed("com.example.a");
+    FakeApp app = FakeApp::named("com.example.a");
     app.name = "Example";
     app.bundlePath = "/var/containers/Bundle/Application/B1/Example.app";
     app.dataPath = data;
@@ -192,7 +177,7 @@ TEST(AppDiscovery, ARecordHoldsWhatTheServiceTells) {
 TEST(AppDiscovery, WhatTheServiceDoesNotTellStaysEmpty) {
     AppsDevice device;
     device.tree.file("/var/mobile/Containers/Shared/AppGroup/.jbroot-1/var/tmp/t", 5);
-    device.workspace.offer({appNamed("com.example.a")});
+    device.workspace.offer({FakeApp::named("com.example.a")});
     ThirdPartyAppCacheManager manager(device.services());
     const auto apps = device.scanAll(manager);
     ASSERT_EQ(apps.size(), 1U);
@@ -203,12 +188,12 @@ TEST(AppDiscovery, WhatTheServiceDoesNotTellStaysEmpty) {
 }
 
 TEST(AppDiscovery, AProxyThatRaisesIsSkipped) {
-    std::vector<FakeApp> apps(4, appNamed("com.example.bad"));
+    std::vector<FakeApp> apps(4, FakeApp::named("com.example.bad"));
     apps[0].identifier = raised("identifier");
     apps[1].name = raised("name");
     apps[2].bundlePath = raised("bundle");
     apps[3].dataPath = raised("data");
-    apps.push_back(appNamed("com.example.good"));
+    apps.push_back(FakeApp::named("com.example.good"));
     AppsDevice device;
     device.workspace.offer(apps);
     ThirdPartyAppCacheManager manager(device.services());
@@ -222,7 +207,7 @@ TEST(AppDiscovery, AProxyThatRaisesIsSkipped) {
 
 TEST(AppDiscovery, AnAppWithoutIdentifierIsDropped) {
     AppsDevice device;
-    device.workspace.offer({FakeApp{}, appNamed("com.example.a")});
+    device.workspace.offer({FakeApp{}, FakeApp::named("com.example.a")});
     ThirdPartyAppCacheManager manager(device.services());
     const LogCapture log;
     EXPECT_THAT(identifiersOf(device.scanAll(manager)), ElementsAre("com.example.a"));
@@ -232,7 +217,7 @@ TEST(AppDiscovery, AnAppWithoutIdentifierIsDropped) {
 
 TEST(AppDiscovery, ProxiesAreNotComparedAmongThemselves) {
     AppsDevice device;
-    device.workspace.offer({appNamed("com.example.a"), appNamed("com.example.a")});
+    device.workspace.offer({FakeApp::named("com.example.a"), FakeApp::named("com.example.a")});
     ThirdPartyAppCacheManager manager(device.services());
     EXPECT_THAT(identifiersOf(device.scanAll(manager)),
                 ElementsAre("com.example.a", "com.example.a"));
@@ -259,121 +244,6 @@ TEST(AppDiscovery, TheExtractOperationSizesItsRecord) {
     EXPECT_TRUE(info->isSystemApp);
 }
 
-TEST(AppDiscovery, LargestFirstAndTheListIsKept) {
-    AppsDevice device;
-    std::vector<FakeApp> apps;
-    for (const unsigned bytes : {10U, 300U, 20U, 1000U}) {
-        const std::string identifier =
-            (bytes == 300 ? "com.apple.n" : "com.example.n") + std::to_string(bytes);
-        FakeApp app = appNamed(identifier);
-        app.dataPath = device.container("C" + std::to_string(bytes), identifier);
-        device.tree.file(AppsDevice::containerPath("C" + std::to_string(bytes)) + "/tmp/x", bytes);
-        apps.push_back(app);
-    }
-    device.workspace.offer(apps);
-    ThirdPartyAppCacheManager manager(device.services());
-    EXPECT_EQ(manager.getInstalledAppCount(), 0U);
-    EXPECT_EQ(manager.getThirdPartyAppCount(), 0U);
-    EXPECT_EQ(manager.getTotalThirdPartyAppCacheSize(), 0U);
-    EXPECT_THAT(
-        identifiersOf(device.scanAll(manager)),
-        ElementsAre("com.example.n1000", "com.apple.n300", "com.example.n20", "com.example.n10"));
-    EXPECT_EQ(manager.getInstalledAppCount(), 4U);
-    EXPECT_EQ(manager.getThirdPartyAppCount(), 3U);
-    EXPECT_EQ(manager.getTotalThirdPartyAppCacheSize(), 1030U);
-
-    const LogCapture log;
-    EXPECT_THAT(identifiersOf(device.scanThirdParty(manager)),
-                ElementsAre("com.example.n1000", "com.example.n20", "com.example.n10"));
-    EXPECT_EQ(log.lines().back(), "✅ 找到 3 个第三方应用");
-    EXPECT_EQ(manager.getInstalledAppCount(), 4U);  // the kept list is the full one
-}
-
-TEST(AppDiscovery, EveryScanReplacesTheKeptList) {
-    AppsDevice device;
-    device.workspace.offer(appsInNumber(6));
-    ThirdPartyAppCacheManager manager(device.services());
-    device.scanAll(manager);
-    device.workspace.offer(appsInNumber(5));
-    device.scanAll(manager);
-    EXPECT_EQ(manager.getInstalledAppCount(), 5U);
-}
-
-TEST(AppDiscovery, EveryInvalidationDropsTheKeptList) {
-    using Manager = ThirdPartyAppCacheManager;
-    const std::vector<std::function<void(Manager&)>> invalidations = {
-        [](Manager& manager) { manager.refreshAppListCache(); },
-        [](Manager& manager) { manager.invalidateAllCache(); },
-        [](Manager& manager) { manager.invalidateCacheForApp("com.example.other"); }};
-    for (const auto& invalidate : invalidations) {
-        AppsDevice device;
-        device.workspace.offer(appsInNumber(5));
-        Manager manager(device.services());
-        device.scanAll(manager);
-        ASSERT_EQ(manager.getInstalledAppCount(), 5U);
-        invalidate(manager);
-        EXPECT_EQ(manager.getInstalledAppCount(), 0U);
-        EXPECT_EQ(manager.getThirdPartyAppCount(), 0U);
-    }
-}
-
-TEST(AppDiscovery, TheCompletionRunsOnTheMainQueue) {
-    AppsDevice device;
-    ThirdPartyAppCacheManager manager(device.services());
-    std::optional<std::thread::id> thread;
-    manager.scanAllAppsWithCompletion(
-        [&](const auto& /*apps*/) { thread = std::this_thread::get_id(); });
-    EXPECT_FALSE(thread);
-    device.mainQueue.runUntil([&] { return thread.has_value(); });
-    EXPECT_EQ(thread, std::this_thread::get_id());
-}
-
-TEST(AppDiscovery, AScanNeedsNoCompletion) {
-    AppsDevice device;
-    device.workspace.offer(appsInNumber(5));
-    ThirdPartyAppCacheManager manager(device.services());
-    const LogCapture log;
-    manager.scanThirdPartyAppsWithCompletion({});
-    manager.scanAllAppsWithCompletion({});
-    device.mainQueue.runUntil([&] { return log.contains("✅ 找到 5 个第三方应用"); });
-    EXPECT_EQ(device.scanAll(manager).size(), 5U);
-}
-
-TEST(AppDiscovery, ScansRunSideBySide) {
-    AppsDevice device;
-    device.workspace.offer(appsInNumber(5));
-    ThirdPartyAppCacheManager manager(device.services());
-    int finished = 0;
-    for (int i = 0; i < 4; ++i) {
-        manager.scanAllAppsWithCompletion([&](const auto& apps) {
-            EXPECT_EQ(apps.size(), 5U);
-            ++finished;
-        });
-    }
-    device.mainQueue.runUntil([&] { return finished == 4; });
-    EXPECT_EQ(manager.getInstalledAppCount(), 5U);
-}
-
-TEST(AppDiscovery, AScanTellsHowFarItIs) {
-    AppsDevice device;
-    device.workspace.offer(appsInNumber(5));
-    ThirdPartyAppCacheManager manager(device.services());
-    std::vector<double> fractions;
-    bool done = false;
-    manager.scanAllAppsWithCompletion([&](const auto& /*apps*/) { done = true; },
-                                      [&](const std::string& name, double fraction) {
-                                          EXPECT_TRUE(name.starts_with("com.example.app")) << name;
-                                          EXPECT_FALSE(done);
-                                          fractions.push_back(fraction);
-                                      });
-    device.mainQueue.runUntil([&] { return done; });
-    ASSERT_THAT(fractions, Not(IsEmpty()));
-    for (const double fraction : fractions) {
-        EXPECT_GT(fraction, 0.0);
-        EXPECT_LE(fraction, 1.0);
-    }
-}
-
 TEST(AppDiscovery, SystemAppsAreThoseOfThreeMakersAndOfTheSystemFolder) {
     const auto isSystem = ThirdPartyAppCacheManager::isSystemApp;
     const std::string ordinary = "/var/containers/Bundle/Application/B1/A.app";
@@ -391,24 +261,6 @@ TEST(AppDiscovery, SystemAppsAreThoseOfThreeMakersAndOfTheSystemFolder) {
     EXPECT_FALSE(isSystem("org.com.apple.x", ordinary));
     EXPECT_FALSE(isSystem("COM.APPLE.x", ordinary));
     EXPECT_FALSE(isSystem(std::nullopt, std::nullopt));
-}
-
-TEST(AppDiscovery, AccessIsWhetherTheContainersAreInSight) {
-    AppsDevice device;
-    ThirdPartyAppCacheManager manager(device.services());
-    EXPECT_FALSE(manager.hasPrivateAPIAccess());
-    device.tree.folder("/var/mobile/Containers/Data/Application");
-    EXPECT_TRUE(manager.hasPrivateAPIAccess());
-}
-
-TEST(AppDiscovery, ARecordDescribesItself) {
-    AppCacheInfo info;
-    info.appName = "Example";
-    info.bundleIdentifier = "com.example.a";
-    info.cacheSize = 12;
-    const std::string text = info.description();
-    EXPECT_TRUE(text.starts_with("<AppCacheInfo: 0x")) << text;
-    EXPECT_TRUE(text.ends_with("> appName=Example, bundleID=com.example.a, cacheSize=12")) << text;
 }
 
 }  // namespace

@@ -76,6 +76,19 @@ platform::CommandRunner& noCommands() {
     return commands;
 }
 
+FakeApp FakeApp::named(const std::string& identifier) {
+    FakeApp app;
+    app.identifier = identifier;
+    return app;
+}
+
+std::vector<FakeApp> appsInNumber(std::size_t count) {
+    std::vector<FakeApp> apps;
+    for (std::size_t i = 0; i < count; ++i)
+        apps.push_back(FakeApp::named("com.example.app" + std::to_string(i)));
+    return apps;
+}
+
 std::unexpected<platform::Error> raised(std::string reason) {
     return std::unexpected(platform::Error{"Exception", 1, std::move(reason)});
 }

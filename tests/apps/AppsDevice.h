@@ -27,7 +27,12 @@ struct FakeApp {
     Text dataPath = std::nullopt;
     Text icon = std::nullopt;  ///< of variant 10
     platform::Result<SizedIcons> sizedIcons = SizedIcons{};
+
+    static FakeApp named(const std::string& identifier);
 };
+
+/// Apps "com.example.app0" and so on, of which the service tells no more.
+std::vector<FakeApp> appsInNumber(std::size_t count);
 
 /// An exception of the service.
 std::unexpected<platform::Error> raised(std::string reason);

@@ -5,9 +5,7 @@
 static long liveObjects;
 
 /// How many objects of the classes below are alive.
-long fakeLiveObjects(void) {
-    return __atomic_load_n(&liveObjects, __ATOMIC_SEQ_CST);
-}
+long fakeLiveObjects(void) { return __atomic_load_n(&liveObjects, __ATOMIC_SEQ_CST); }
 
 /// Counts itself while it lives.
 @interface Counted : NSObject
@@ -88,13 +86,12 @@ long fakeLiveObjects(void) {
     return [NSData dataWithBytes:bytes length:sizeof(bytes)];
 }
 - (NSDictionary *)iconsOfAllSizes {
-    return [NSDictionary
-        dictionaryWithObjectsAndKeys:[NSData dataWithBytes:"small" length:5],
-                                     [NSNumber numberWithInt:29],
-                                     [NSData dataWithBytes:"large" length:5],
-                                     [NSNumber numberWithInt:180], [NSData data],
-                                     [NSNumber numberWithInt:60], @"no data",
-                                     [NSNumber numberWithInt:1024], nil];
+    return [NSDictionary dictionaryWithObjectsAndKeys:[NSData dataWithBytes:"small" length:5],
+                                                      [NSNumber numberWithInt:29],
+                                                      [NSData dataWithBytes:"large" length:5],
+                                                      [NSNumber numberWithInt:180], [NSData data],
+                                                      [NSNumber numberWithInt:60], @"no data",
+                                                      [NSNumber numberWithInt:1024], nil];
 }
 @end
 
@@ -157,7 +154,8 @@ long fakeLiveObjects(void) {
     @throw [DescribedException exceptionWithName:@"Empty" reason:@"" userInfo:nil];
 }
 - (NSDictionary *)iconsOfAllSizes {
-    return [NSDictionary dictionaryWithObjectsAndKeys:[NSData data], [[[Counted alloc] init] autorelease],
+    return [NSDictionary dictionaryWithObjectsAndKeys:[NSData data],
+                                                      [[[Counted alloc] init] autorelease],
                                                       [NSData data], @"60", nil];
 }
 @end
@@ -230,8 +228,8 @@ static NSArray *arrayOfOne(Class proxyClass) {
 }
 - (NSArray *)allInstalledApplications {
     NSMutableArray *all = [NSMutableArray array];
-    Class classes[] = {[FullProxy class],       [ProxyWithoutProperties class],
-                       [ProxyOfNil class],      [ProxyThatRaises class],
+    Class classes[] = {[FullProxy class],           [ProxyWithoutProperties class],
+                       [ProxyOfNil class],          [ProxyThatRaises class],
                        [ProxyOfOtherClasses class], [ForwardingProxy class]};
     for (size_t i = 0; i < sizeof(classes) / sizeof(*classes); ++i)
         [all addObjectsFromArray:arrayOfOne(classes[i])];
@@ -314,8 +312,8 @@ void fakeSetCookies(int count) {
         NSDictionary *properties = [NSDictionary
             dictionaryWithObjectsAndKeys:[NSString stringWithFormat:@"cookie%d", i],
                                          NSHTTPCookieName, @"value", NSHTTPCookieValue,
-                                         @"example.com", NSHTTPCookieDomain, @"/",
-                                         NSHTTPCookiePath, nil];
+                                         @"example.com", NSHTTPCookieDomain, @"/", NSHTTPCookiePath,
+                                         nil];
         [storage setCookie:[NSHTTPCookie cookieWithProperties:properties]];
     }
     [pool drain];
@@ -336,11 +334,10 @@ static NSURLRequest *cachedRequest(void) {
 /// Puts a response into the shared cache.
 void fakeCacheResponse(void) {
     NSAutoreleasePool *pool = [[NSAutoreleasePool alloc] init];
-    NSURLResponse *response =
-        [[[NSURLResponse alloc] initWithURL:[cachedRequest() URL]
-                                   MIMEType:@"text/plain"
-                      expectedContentLength:4
-                           textEncodingName:nil] autorelease];
+    NSURLResponse *response = [[[NSURLResponse alloc] initWithURL:[cachedRequest() URL]
+                                                         MIMEType:@"text/plain"
+                                            expectedContentLength:4
+                                                 textEncodingName:nil] autorelease];
     NSCachedURLResponse *cached = [[[NSCachedURLResponse alloc]
         initWithResponse:response
                     data:[NSData dataWithBytes:"page" length:4]] autorelease];

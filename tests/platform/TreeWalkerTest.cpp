@@ -123,7 +123,7 @@ TEST_P(TreeWalkerTest, SparseAndLargeFilesCountByTheirLength) {
 
 TEST_P(TreeWalkerTest, OnlyADirectoryHasASize) {
     device_.file("/file", 5);
-    device_.file("/folder/file", 7);
+    device_.file("/folder/sub/file", 7);
     device_.link("/toFile", "file");
     device_.link("/toFolder", "folder");
     device_.link("/dangling", "nowhere");
@@ -134,6 +134,7 @@ TEST_P(TreeWalkerTest, OnlyADirectoryHasASize) {
     EXPECT_EQ(size(""), 0U);
     EXPECT_EQ(size("/toFolder"), 0U);
     EXPECT_EQ(size("/toFolder/"), 0U);
+    EXPECT_EQ(size("/toFolder/sub"), 7U) << "a link on the way is followed";
     EXPECT_EQ(size("/folder/"), 7U);
 }
 

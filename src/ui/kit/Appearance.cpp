@@ -108,7 +108,7 @@ Appearance* Appearance::create(QQmlEngine*, QJSEngine*) {
 }
 
 template <class Change>
-void Appearance::change(Change&& apply) {
+void Appearance::change(const Change& apply) {
     const bool wasDark = dark();
     const double oldScale = textScale();
     const bool wasReduced = reducedMotion();

@@ -65,7 +65,7 @@ class Appearance : public QObject {
 
     class Portal;
     template <class Change>
-    void change(Change&& apply);
+    void change(const Change& apply);
 
     Style style_ = Style::Desktop;
     std::optional<double> textScale_;

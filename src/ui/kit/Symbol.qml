@@ -8,7 +8,8 @@ Image {
 
     width: size
     height: size
-    sourceSize: Qt.size(Math.round(size), Math.round(size))
+    sourceSize.width: Math.round(size)
+    sourceSize.height: Math.round(size)
     source: name.length > 0 ? "image://symbol/" + name + "?" + encoded(color) : ""
     smooth: true
     asynchronous: false

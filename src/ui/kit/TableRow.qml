@@ -13,7 +13,7 @@ T.AbstractButton {
     property string value: ""
     property string symbol: ""
     property color symbolColor: Theme.systemBlue
-    property url picture
+    property string picture
     property color subtitleColor: Theme.secondaryLabel
     property int titleWeight: Theme.normal
     property real titleSize: 17
@@ -130,7 +130,7 @@ T.AbstractButton {
         id: content
 
         readonly property real edge: 16
-        readonly property real textStart: edge + (row.symbol.length > 0 || row.picture.toString() !== "" ? icon.width + 12 : 0) + shift.value
+        readonly property real textStart: edge + (row.symbol.length > 0 || row.picture.length > 0 ? icon.width + 12 : 0) + shift.value
         implicitHeight: texts.implicitHeight
 
         Item {
@@ -152,7 +152,7 @@ T.AbstractButton {
                 id: icon
                 x: content.edge + shift.value
                 anchors.verticalCenter: parent.verticalCenter
-                width: row.picture.toString() !== "" ? 50 : 30
+                width: row.picture.length > 0 ? 50 : 30
                 height: width
 
                 Rectangle {
@@ -170,9 +170,10 @@ T.AbstractButton {
                 }
                 Image {
                     anchors.fill: parent
-                    visible: source.toString() !== ""
+                    visible: row.picture.length > 0
                     source: row.picture
-                    sourceSize: Qt.size(50, 50)
+                    sourceSize.width: 50
+                    sourceSize.height: 50
                     fillMode: Image.PreserveAspectCrop
                     asynchronous: true
                     Accessible.ignored: true

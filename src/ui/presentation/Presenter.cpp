@@ -1,6 +1,7 @@
 #include "ui/presentation/Presenter.h"
 
 #include <algorithm>
+#include <ranges>
 
 namespace sweepwright::ui {
 
@@ -79,16 +80,16 @@ void Presenter::setDrawn(bool drawn) {
 }
 
 AlertController* Presenter::alert() const {
-    for (auto each = presentations_.rbegin(); each != presentations_.rend(); ++each) {
-        if (!each->leaving) return qobject_cast<AlertController*>(each->object.get());
+    for (const Presentation& each : presentations_ | std::views::reverse) {
+        if (!each.leaving) return qobject_cast<AlertController*>(each.object.get());
     }
     return nullptr;
 }
 
 ScreenController* Presenter::screen() const {
-    for (auto each = presentations_.rbegin(); each != presentations_.rend(); ++each) {
-        auto* found = qobject_cast<ScreenController*>(each->object.get());
-        if (found != nullptr && !each->leaving) return found;
+    for (const Presentation& each : presentations_ | std::views::reverse) {
+        auto* found = qobject_cast<ScreenController*>(each.object.get());
+        if (found != nullptr && !each.leaving) return found;
     }
     return nullptr;
 }

@@ -40,7 +40,7 @@ void AppDelegate::createTestFiles() {
                padded(QStringLiteral("这是临时文件内容"), kTemporaryLength, QStringLiteral("x")));
     const std::string logs = device_.homeDirectory() + "/Library/Logs";
     // Where it can't be made the files below fail, and that is ignored, too.
-    (void)files_.createDirectories(logs);
+    [[maybe_unused]] const auto made = files_.createDirectories(logs);
     writeFiles(logs, "app_log_", "log", kLogFiles,
                padded(QStringLiteral("日志内容..."), kLogLength, QStringLiteral("log ")));
     platform::log("✅ 测试文件创建完成");
@@ -50,7 +50,8 @@ void AppDelegate::writeFiles(const std::string& directory, std::string_view pref
                              std::string_view extension, int count, const std::string& content) {
     for (int i = 0; i < count; ++i) {
         const std::string name = fmt::format("{}{}.{}", prefix, i, extension);
-        (void)files_.writeFile(platform::joinPath(directory, name), content);
+        [[maybe_unused]] const auto written =
+            files_.writeFile(platform::joinPath(directory, name), content);
     }
 }
 

@@ -26,6 +26,7 @@ constexpr std::array kTabs = {
 
 std::vector<LiquidGlassTabBar::Item> barItems(const Texts& texts) {
     std::vector<LiquidGlassTabBar::Item> items;
+    items.reserve(kTabs.size());
     for (const Tab& tab : kTabs) {
         items.push_back({texts(tab.titleKey), QString::fromLatin1(tab.symbol)});
     }
@@ -46,6 +47,7 @@ SceneDelegate::SceneDelegate(const AppServices& services, Screens screens)
       bar_(std::make_unique<LiquidGlassTabBar>(barItems(services.texts),
                                                services.device.osVersion())) {
     std::vector<std::unique_ptr<NavigationController>> controllers;
+    controllers.reserve(screens.size());
     for (auto& screen : screens) {
         controllers.push_back(
             std::make_unique<NavigationController>(std::move(screen), *presenter_));
@@ -89,15 +91,9 @@ double SceneDelegate::tabBarBottomConstant() const {
 }
 
 void SceneDelegate::handleScrollViewDidScroll(double y, double last) {
-    if (y <= 0.0) {
-        showTabBar();
-    } else if (std::abs(y - last) < kScrollThreshold) {
-        return;
-    } else if (y > last) {
-        hideTabBar();
-    } else {
-        showTabBar();
-    }
+    const bool atTop = y <= 0.0;
+    if (!atTop && std::abs(y - last) < kScrollThreshold) return;
+    setTabBarHidden(!atTop && y > last);
 }
 
 void SceneDelegate::hideTabBar() {

@@ -1,3 +1,4 @@
+import QtQml.Models
 import QtQuick
 import Sweepwright.Gallery
 import Sweepwright.Kit
