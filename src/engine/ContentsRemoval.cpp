@@ -26,9 +26,15 @@ void FileCleanerEngine::noteProtected(const std::string& path) {
                  protectingPath(services_.files, services_.pathWhitelist, path));
 }
 
+std::shared_ptr<const ProtectedPlaces> FileCleanerEngine::findProtectedPlaces() {
+    const std::string defaults = services_.device.userDefaultsFile();
+    return std::make_shared<const ProtectedPlaces>(ProtectedPlaces::find(
+        services_.files, services_.pathWhitelist, {defaults, defaults + ".lock"}));
+}
+
 LinkProtection FileCleanerEngine::protectionOf(const platform::Directory& directory) {
-    if (protectedPlaces_) return {services_.files, protectedPlaces_, directory};
-    return {services_.files, services_.pathWhitelist, directory};
+    return {services_.files, protectedPlaces_ ? protectedPlaces_ : findProtectedPlaces(),
+            directory};
 }
 
 void FileCleanerEngine::keepMaps(const std::string& path) {

@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "engine/CategoryRules.h"
-#include "engine/LinkProtection.h"
 #include "platform/Log.h"
 
 namespace sweepwright {
@@ -137,8 +136,7 @@ std::uint64_t FileCleanerEngine::runClean(CleanNumber number, const Progress& pr
     // One throttle for the whole clean: it may visit thousands of directories a second.
     throttle_ = std::make_unique<platform::ProgressThrottle>(services_.mainQueue, progress);
     // Found once: a folder that goes may hold a link by which a protected path leads.
-    protectedPlaces_ = std::make_shared<const PathIndex>(
-        protectedPlaces(services_.files, services_.pathWhitelist));
+    protectedPlaces_ = findProtectedPlaces();
     running_ = number;
     const std::uint64_t cleaned = isStopped() ? 0 : body();
     running_ = kNoClean;

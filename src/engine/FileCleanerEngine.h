@@ -30,6 +30,7 @@
 namespace sweepwright {
 
 class LinkProtection;
+struct ProtectedPlaces;
 
 /// What a scan found, in bytes. Custom paths are counted twice in `cacheSize` and so in the total.
 struct ScanResult {
@@ -222,8 +223,9 @@ class FileCleanerEngine {
     virtual std::uint64_t cleanOfflineDataWithProgress(const Progress& progress, ErrorSlot& error);
 
     /// Removes what may go of the entries of `directory`, never the directory itself: whitelisted
-    /// and hidden entries, links, databases and the caches of Maps stay; system locations are
-    /// emptied by the shell. A directory that is itself a link is left alone. Bytes freed.
+    /// and hidden entries, links, databases, the caches of Maps and the user defaults, which hold
+    /// the protection lists, stay; system locations are emptied by the shell. A directory that is
+    /// itself a link is left alone. Bytes freed.
     std::uint64_t removeContentsOfDirectory(const std::string& directory, const Progress& progress);
 
     [[nodiscard]] static bool isMapsAppPath(std::string_view path);
@@ -295,6 +297,7 @@ class FileCleanerEngine {
     void noteRemoved(const std::string& path, std::uint64_t bytes);
     void noteKept(const std::string& path, KeptReason reason, const std::string& by = {});
     void noteProtected(const std::string& path);
+    std::shared_ptr<const ProtectedPlaces> findProtectedPlaces();
     LinkProtection protectionOf(const platform::Directory& directory);
     /// The names in a location to be cleaned; none in one that is itself a link.
     std::vector<std::string> cleanableEntriesOf(const std::string& directory);
@@ -344,7 +347,7 @@ class FileCleanerEngine {
     std::atomic<CleanNumber> running_{kNoClean};
     // Of the clean that runs; none while none does.
     std::unique_ptr<platform::ProgressThrottle> throttle_;
-    std::shared_ptr<const PathIndex> protectedPlaces_;
+    std::shared_ptr<const ProtectedPlaces> protectedPlaces_;
     std::unique_ptr<platform::DispatchQueue> cleanQueue_;
 };
 

@@ -50,31 +50,40 @@ std::vector<std::string> placesOf(platform::FileManager& files, const std::strin
     return places;
 }
 
-}  // namespace
-
-PathIndex protectedPlaces(platform::FileManager& files, const PathWhitelistManager& whitelist) {
+PathIndex placesOfAll(platform::FileManager& files, const std::vector<std::string>& paths) {
     std::vector<std::string> places;
-    for (const std::string& path : whitelist.getAllWhitelistedPaths())
+    for (const std::string& path : paths)
         std::ranges::move(placesOf(files, path), std::back_inserter(places));
     return PathIndex(places);
 }
 
+}  // namespace
+
+ProtectedPlaces ProtectedPlaces::find(platform::FileManager& files,
+                                      const PathWhitelistManager& whitelist,
+                                      const std::vector<std::string>& ownFiles) {
+    return {placesOfAll(files, whitelist.getAllWhitelistedPaths()), placesOfAll(files, ownFiles)};
+}
+
 LinkProtection::LinkProtection(platform::FileManager& files, const PathWhitelistManager& whitelist,
                                const platform::Directory& directory)
-    : LinkProtection(files, std::make_shared<const PathIndex>(protectedPlaces(files, whitelist)),
-                     directory) {}
+    : LinkProtection(
+          files, std::make_shared<const ProtectedPlaces>(ProtectedPlaces::find(files, whitelist)),
+          directory) {}
 
 LinkProtection::LinkProtection(platform::FileManager& files,
-                               std::shared_ptr<const PathIndex> places,
+                               std::shared_ptr<const ProtectedPlaces> places,
                                const platform::Directory& directory)
     : place_(placeOf(files, directory)), places_(std::move(places)) {}
 
 bool LinkProtection::coversDirectory() const {
-    return !place_ || places_->touches(*place_);
+    return !place_ || places_->whitelisted.touches(*place_);
 }
 
 bool LinkProtection::covers(std::string_view name) const {
-    return !place_ || places_->touches(platform::joinPath(*place_, name));
+    if (!place_) return true;
+    const std::string entry = platform::joinPath(*place_, name);
+    return places_->whitelisted.touches(entry) || places_->ownFiles.touches(entry);
 }
 
 std::string protectingPath(platform::FileManager& files, const PathWhitelistManager& whitelist,

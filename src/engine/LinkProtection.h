@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/FileManager.h"
 #include "protection/PathIndex.h"
@@ -11,9 +12,15 @@
 
 namespace sweepwright {
 
-/// Where the whitelisted paths lie: each with every link on its way resolved, as far as it is
-/// there, and those links themselves.
-PathIndex protectedPlaces(platform::FileManager& files, const PathWhitelistManager& whitelist);
+/// Where paths lie: each with every link on its way resolved, as far as it is there, and those
+/// links themselves.
+struct ProtectedPlaces {
+    PathIndex whitelisted;
+    PathIndex ownFiles;  ///< must not go with a folder that holds them, which may be emptied
+
+    static ProtectedPlaces find(platform::FileManager& files, const PathWhitelistManager& whitelist,
+                                const std::vector<std::string>& ownFiles = {});
+};
 
 /// Protection by where things really lie. The whitelist compares texts; this keeps a link, or the
 /// other name of a linked folder ("/private/var" for "/var"), from leading around it.
@@ -25,20 +32,20 @@ class LinkProtection {
     /// By the whitelist as its paths lead now.
     LinkProtection(platform::FileManager& files, const PathWhitelistManager& whitelist,
                    const platform::Directory& directory);
-    /// By what protectedPlaces() told before: for many directories, and for work that may take away
+    /// By what was found before: for many directories, and for work that may take away
     /// a link by which a protected path leads.
-    LinkProtection(platform::FileManager& files, std::shared_ptr<const PathIndex> places,
+    LinkProtection(platform::FileManager& files, std::shared_ptr<const ProtectedPlaces> places,
                    const platform::Directory& directory);
 
-    /// Whether the directory is, lies in or holds a protected place, or nobody can tell where it
+    /// Whether the directory is, lies in or holds a whitelisted place, or nobody can tell where it
     /// lies. "/" holds none, as in the whitelist: its entries are asked about one by one.
     [[nodiscard]] bool coversDirectory() const;
-    /// Whether the entry `name` is, lies in or holds a protected place.
+    /// Whether the entry `name` is, lies in or holds a whitelisted place or an own file.
     [[nodiscard]] bool covers(std::string_view name) const;
 
   private:
     std::optional<std::string> place_;  ///< the directory's path free of links
-    std::shared_ptr<const PathIndex> places_;
+    std::shared_ptr<const ProtectedPlaces> places_;
 };
 
 /// The whitelisted path that protects `path`, by its text or by the links on its way; empty when

@@ -64,6 +64,10 @@ void NotingEraser::kept(const std::string& path, KeptReason reason, const std::s
 
 CleanPreview NotingEraser::take(std::uint64_t wouldFree) {
     preview_.wouldFree = wouldFree;
+    // What one step keeps may go with its folder in another.
+    std::erase_if(preview_.kept, [this](const CleanPreview::Kept& kept) {
+        return !files_.attributes(kept.path, platform::LastLink::Refuse);
+    });
     return std::move(preview_);
 }
 

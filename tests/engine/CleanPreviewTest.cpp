@@ -172,9 +172,9 @@ RC_GTEST_PROP(CleanPreviewProperty, ACleanFreesWhatTheScanThenMisses, ()) {
 RC_GTEST_PROP(CleanPreviewProperty, NothingProtectedEverGoes, ()) {
     const RandomDevice description = RandomDevice::generate();
     const auto device = description.build();
-    const PathIndex places = protectedPlaces(device->tree.files(), device->whitelist);
+    const auto places = ProtectedPlaces::find(device->tree.files(), device->whitelist);
     const auto isProtected = [&](const std::string& path) {
-        return device->whitelist.isPathInWhitelist(path) || places.touches(path);
+        return device->whitelist.isPathInWhitelist(path) || places.whitelisted.touches(path);
     };
     std::vector<std::string> shielded;
     for (const std::string& path : device->everything())
@@ -292,6 +292,16 @@ TEST_F(CleanPreviewTest, WhatAnEarlierStepWouldTakeCountsOnce) {
     d_.addCustomPath("/var/mine/");
     const auto preview = previewClean(d_.services(), CleanType::All);
     EXPECT_EQ(preview->wouldFree, 110U);
+}
+
+TEST_F(CleanPreviewTest, WhatOneStepKeepsAndAnotherTakesIsNotToldToStay) {
+    d_.tree.file(d_.temporary("sub/x.db"), 10);
+    d_.tree.file(d_.temporary("sub/a"), 1);
+    d_.addCustomPath(d_.temporary("sub"));
+    EXPECT_THAT(previewClean(d_.services(), CleanType::Cache)->kept, testing::SizeIs(1));
+    const auto preview = previewClean(d_.services(), CleanType::All);
+    EXPECT_EQ(preview->wouldFree, 11U);
+    EXPECT_THAT(preview->kept, IsEmpty());
 }
 
 TEST_F(CleanPreviewTest, ALinkWhoseTargetWouldGoIsStillALink) {

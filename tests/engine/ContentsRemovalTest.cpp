@@ -209,6 +209,18 @@ TEST_F(ContentsRemovalTest, TheCachesOfMapsStayWhereverTheyLie) {
     EXPECT_TRUE(logged("🗺️ 跳过地图应用缓存: /var/t/com.apple.Maps (保护地图图片缓存)"));
 }
 
+TEST_F(ContentsRemovalTest, TheUserDefaultsStayByEitherNameOfTheirFolder) {
+    d_.protect("/var/kept");  // so that they are there
+    d_.tree.link("/alias", "/var");
+    d_.tree.file(d_.library("Preferences/other.plist"), 10);
+    d_.tree.file(d_.library("other"), 1);
+    EXPECT_EQ(empty(d_.device.libraryDirectory()), 1U);
+    EXPECT_EQ(empty("/alias/mobile/Containers/Data/Application/SELF"), 0U);
+    EXPECT_EQ(empty(d_.library("Preferences")), 10U);
+    EXPECT_TRUE(d_.tree.exists(d_.device.userDefaultsFile()));
+    EXPECT_TRUE(d_.tree.exists(d_.device.userDefaultsFile() + ".lock"));
+}
+
 TEST_F(ContentsRemovalTest, AnEntryWhoseAttributesCannotBeReadIsAnOrdinaryOne) {
     d_.tree.file("/var/t/a", 10);
     failAbout("/var/t/a", {Operation::AttributesAt}, EIO);

@@ -23,8 +23,8 @@ class LinkProtectionTest : public EngineTest {
     }
 
     bool leads(const std::string& path) {
-        return protectedPlaces(d_.files, d_.whitelist)
-            .touches(d_.files.resolvedPath(path).value_or(path));
+        return ProtectedPlaces::find(d_.files, d_.whitelist)
+            .whitelisted.touches(d_.files.resolvedPath(path).value_or(path));
     }
     std::uint64_t empty(const std::string& path) {
         return d_.engine.removeContentsOfDirectory(path, {});
