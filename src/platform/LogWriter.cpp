@@ -30,7 +30,7 @@ void LogWriter::add(std::string text) {
         try {
             thread_ = std::thread([this] { run(); });
         } catch (const std::system_error&) {
-            // Without a thread lines wait, and the next one tries again.
+            thread_ = {};  // without a thread lines wait, and the next one tries again
         }
     }
     ++added_;

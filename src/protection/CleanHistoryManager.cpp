@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <ranges>
 #include <utility>
 
 #include "platform/Log.h"
@@ -82,8 +83,8 @@ std::vector<CleanHistoryItem> CleanHistoryManager::getAllCleanHistory() const {
     const auto now = now_();
     std::vector<CleanHistoryItem> items;
     // From the end, so that the stable sort leaves the last added of one second first.
-    for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry) {
-        auto item = CleanHistoryItem::initWithDictionary(entry->dictionary(), now);
+    for (const PropertyList& entry : std::views::reverse(entries)) {
+        auto item = CleanHistoryItem::initWithDictionary(entry.dictionary(), now);
         if (item) items.push_back(*std::move(item));
     }
     std::ranges::stable_sort(items, std::ranges::greater{}, &CleanHistoryItem::cleanDate);

@@ -111,7 +111,8 @@ void PathWhitelistManager::loadWhitelist() {
     OrderedStringSet set = normalizedSet(*strings);
     const bool hadDuplicates = set.size() < strings->size();
     setPaths(std::move(set));
-    if (hadDuplicates) saveWhitelist([](OrderedStringSet&) {});
+    // What can't be cleaned up now is read alike next time; the failure is logged.
+    if (hadDuplicates) static_cast<void>(saveWhitelist([](OrderedStringSet&) {}));
 }
 
 /// Changes the list as it is stored now and takes the outcome into memory; changing_ is held.
