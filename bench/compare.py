@@ -7,6 +7,7 @@ when the call ends.
 
 import argparse
 import os
+import plistlib
 import shutil
 import statistics
 import subprocess
@@ -134,20 +135,49 @@ def bench_scan(args, device):
         shutil.rmtree(sample)
 
 
+def make_app(device, number, files):
+    """One third-party app: a bundle with its Info.plist and a data container with caches."""
+    identifier = f"com.example.app{number:05d}"
+    bundle = device.host(f"/var/containers/Bundle/Application/B{number:05d}/X.app")
+    data = device.host(f"/var/mobile/Containers/Data/Application/D{number:05d}")
+    os.makedirs(bundle)
+    with open(f"{bundle}/Info.plist", "wb") as info:
+        plistlib.dump({"CFBundleIdentifier": identifier, "CFBundleName": f"App {number}"}, info,
+                      fmt=plistlib.FMT_BINARY)
+    make_tree(data + "/Library/Caches", 10, files // 10)
+    with open(f"{data}/.com.apple.mobile_container_manager.metadata.plist", "wb") as metadata:
+        plistlib.dump({"MCMMetadataIdentifier": identifier}, metadata, fmt=plistlib.FMT_BINARY)
+
+
+def bench_apps(args, device):
+    made = 0
+    for count in args.apps:
+        while made < count:
+            make_app(device, made, 300)
+            made += 1
+        compare(f"{count} apps with 300 files each", {
+            "du -sb of the containers":
+                ["du", "-sb", device.host("/var/mobile/Containers/Data/Application")],
+            "sweepctl apps": device.sweepctl("apps"),
+        }, args.runs)
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    parser.add_argument("what", choices=["size", "clean", "scan"])
+    parser.add_argument("what", choices=["size", "clean", "scan", "apps"])
     parser.add_argument("--sweepctl", required=True, help="the executable")
     parser.add_argument("--folder", help="where trees are made (another file system)")
     parser.add_argument("--files", type=int, default=300_000)
     parser.add_argument("--folders", type=int, default=20_000)
     parser.add_argument("--scale", type=int, default=100)
+    parser.add_argument("--apps", type=int, nargs="+", default=[250, 1000])
     parser.add_argument("--runs", type=int, default=7)
     parser.add_argument("--cold", action="store_true", help="also with cold caches (as root)")
     args = parser.parse_args()
     device = Device(args.sweepctl, args.folder)
     try:
-        {"size": bench_size, "clean": bench_clean, "scan": bench_scan}[args.what](args, device)
+        {"size": bench_size, "clean": bench_clean, "scan": bench_scan,
+         "apps": bench_apps}[args.what](args, device)
     finally:
         shutil.rmtree(device.root)
 
