@@ -220,9 +220,9 @@ TEST(AppIconSearch, AnEmptyBundlePathIsNotTheRoot) {
 TEST(AppIcon, CopiesShareTheirBytes) {
     const auto icon = AppIcon::fromBytes(picture(1));
     ASSERT_TRUE(icon.has_value());
-    const AppIcon copy = *icon;
-    EXPECT_EQ(&copy.bytes(), &icon->bytes());
-    EXPECT_EQ(copy.bytes(), picture(1));
+    const std::vector<AppIcon> copies(2, *icon);
+    EXPECT_EQ(&copies.front().bytes(), &copies.back().bytes());
+    EXPECT_EQ(copies.front().bytes(), picture(1));
 }
 
 TEST(AppIcon, WhatIsNoPictureIsNone) {
