@@ -148,9 +148,11 @@ Result<> HostFileManager::createSparseFile(const std::string& path, std::uint64_
 }
 
 Result<> HostFileManager::createDirectories(const std::string& path) {
-    if (isDirectory(path)) return {};
-    const auto found = attributes(path, LastLink::Follow);
-    if (found) return failed(ENOTDIR, path);
+    // Asked once: between two questions another may make the very directory.
+    if (const auto found = attributes(path, LastLink::Follow)) {
+        if (found->type == FileType::Directory) return {};
+        return failed(ENOTDIR, path);
+    }
     const std::string_view name = lastPathComponent(path);
     const std::size_t above = path.rfind(name);
     if (above > 1) {

@@ -1,10 +1,12 @@
 // Whole files: reading, replacing, making, renaming, locking.
 #include <atomic>
+#include <barrier>
 #include <cerrno>
 #include <filesystem>
 #include <thread>
 
 #include <fcntl.h>
+#include <fmt/format.h>
 #include <sys/file.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -218,6 +220,24 @@ TEST_P(HostFilesTest, MissingFoldersAreMade) {
     EXPECT_TRUE(files_.createDirectories("/link/x/x"));
     EXPECT_TRUE(files_.createDirectories("/link"));
     EXPECT_EQ(all(), (Names{"/a", "/a/b", "/a/b/c", "/link", "/real", "/real/x", "/real/x/x"}));
+}
+
+TEST_P(HostFilesTest, ThreadsThatMakeOneFolderAllSucceed) {
+    constexpr int kThreads = 4;
+    constexpr int kRounds = 400;
+    std::barrier together(kThreads);
+    std::atomic<int> made = 0;
+    std::vector<std::jthread> threads;
+    for (int thread = 0; thread < kThreads; ++thread) {
+        threads.emplace_back([&] {
+            for (int round = 0; round < kRounds; ++round) {
+                together.arrive_and_wait();
+                if (files_.createDirectories(fmt::format("/{}/a/b", round))) ++made;
+            }
+        });
+    }
+    threads.clear();
+    EXPECT_EQ(made, kThreads * kRounds);
 }
 
 TEST_P(HostFilesTest, FoldersAreNotMadeWhereSomethingIsInTheWay) {
