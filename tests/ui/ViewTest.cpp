@@ -3,7 +3,7 @@
 namespace sweepwright::test {
 
 TestApp::MakeScreens ViewTest::gallery(const char* page) {
-    return [page](const ui::AppServices& services) {
+    return [page](const ui::ScreenServices& services) {
         ui::SceneDelegate::Screens screens;
         for (int i = 0; i < 3; ++i) {
             screens.push_back(std::make_unique<GalleryScreen>(

@@ -11,7 +11,7 @@ namespace {
 class WelcomeTest : public testing::Test {
   protected:
     WelcomeViewController& present() {
-        const AppServices& services = app_.services();
+        const ScreenServices& services = app_.services();
         return *qobject_cast<WelcomeViewController*>(
             app_.presenter().present(std::make_unique<WelcomeViewController>(
                 services.texts, services.defaults, services.opener)));

@@ -5,6 +5,8 @@
 #include <cstdio>
 #include <memory>
 
+#include "apps/ThirdPartyAppCacheManager.h"
+#include "engine/FileCleanerEngine.h"
 #include "launch/GlobalOptions.h"
 #include "localization/LanguageManager.h"
 #include "platform/Log.h"
@@ -55,13 +57,21 @@ int runScene(QGuiApplication& application) {
     auto& notifications = platform::NotificationCenter::defaultCenter();
     Texts texts([&language](std::string_view key) { return language.localizedStringForKey(key); },
                 notifications);
-    const AppServices services{device,
-                               files,
-                               platform::UserDefaults::standard(),
-                               notifications,
-                               platform::MainQueue::shared(),
-                               texts,
-                               opener};
+    const ScreenServices services{device,
+                                  files,
+                                  platform::UserDefaults::standard(),
+                                  notifications,
+                                  platform::MainQueue::shared(),
+                                  FileCleanerEngine::sharedEngine(),
+                                  StorageAnalyzer::sharedAnalyzer(),
+                                  ThirdPartyAppCacheManager::sharedManager(),
+                                  PathWhitelistManager::sharedManager(),
+                                  AppWhitelistManager::sharedManager(),
+                                  CustomPathManager::sharedManager(),
+                                  CleanHistoryManager::sharedManager(),
+                                  language,
+                                  texts,
+                                  opener};
     SceneDelegate scene(services, makeScreens(services));
 
     QQmlApplicationEngine engine;

@@ -41,7 +41,7 @@ double number(const platform::NotificationCenter::UserInfo& info, std::string_vi
 
 }  // namespace
 
-SceneDelegate::SceneDelegate(const AppServices& services, Screens screens)
+SceneDelegate::SceneDelegate(const ScreenServices& services, Screens screens)
     : services_(services),
       presenter_(std::make_unique<Presenter>()),
       bar_(std::make_unique<LiquidGlassTabBar>(barItems(services.texts),
@@ -123,7 +123,7 @@ void SceneDelegate::checkAndShowWelcomePage() {
     if (services_.defaults.boolean(WelcomeViewController::kShownKey)) return;
     services_.mainQueue.after(kWelcomeDelay, [self = QPointer<SceneDelegate>(this)] {
         if (!self) return;
-        const AppServices& services = self->services_;
+        const ScreenServices& services = self->services_;
         self->presenter_->present(std::make_unique<WelcomeViewController>(
             services.texts, services.defaults, services.opener));
     });

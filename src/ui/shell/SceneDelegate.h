@@ -9,7 +9,7 @@
 
 #include "ui/bar/LiquidGlassTabBar.h"
 #include "ui/presentation/Presenter.h"
-#include "ui/shell/AppServices.h"
+#include "ui/presentation/ScreenServices.h"
 #include "ui/shell/TabBarController.h"
 
 namespace sweepwright::ui {
@@ -41,7 +41,7 @@ class SceneDelegate : public QObject, public LiquidGlassTabBarDelegate {
     static constexpr std::chrono::milliseconds kWelcomeDelay{500};
 
     /// Builds everything there is before a view. `screens` are the tabs' roots, in their order.
-    SceneDelegate(const AppServices& services, Screens screens);
+    SceneDelegate(const ScreenServices& services, Screens screens);
     ~SceneDelegate() override;
 
     /// The window is there: the first screen appears, and the welcome is on its way if due.
@@ -74,7 +74,7 @@ class SceneDelegate : public QObject, public LiquidGlassTabBarDelegate {
     void checkAndShowWelcomePage();
     void setTabBarHidden(bool hidden);
 
-    AppServices services_;
+    ScreenServices services_;
     std::unique_ptr<Presenter> presenter_;
     std::unique_ptr<TabBarController> tabs_;
     std::unique_ptr<LiquidGlassTabBar> bar_;

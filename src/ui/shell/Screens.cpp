@@ -4,7 +4,7 @@
 
 namespace sweepwright::ui {
 
-SceneDelegate::Screens makeScreens(const AppServices& services) {
+SceneDelegate::Screens makeScreens(const ScreenServices& services) {
     SceneDelegate::Screens screens;
     for (const char* key : {"Tab Home", "Tab Apps", "Tab Settings"}) {
         screens.push_back(

@@ -21,10 +21,14 @@ const std::set<Operation>& everyOperation() {
     return all;
 }
 
-platform::Device openDevice(const TemporaryDevice& tree, const std::string& home) {
+platform::DeviceOptions withHome(const std::string& home) {
     platform::DeviceOptions options;
-    options.rootFolder = tree.root();
     options.home = home;
+    return options;
+}
+
+platform::Device openDevice(const TemporaryDevice& tree, platform::DeviceOptions options) {
+    options.rootFolder = tree.root();
     return platform::Device::open(options).value();
 }
 
@@ -42,8 +46,10 @@ bool isOfProtectionLists(const std::string& line) {
 
 }  // namespace
 
-EngineDevice::EngineDevice(const std::string& home)
-    : device(openDevice(tree, home)),
+EngineDevice::EngineDevice(const std::string& home) : EngineDevice(withHome(home)) {}
+
+EngineDevice::EngineDevice(platform::DeviceOptions options)
+    : device(openDevice(tree, std::move(options))),
       files(tree.files(), everyOperation()),
       defaults(tree.files(), device.userDefaultsFile()),
       time(std::chrono::system_clock::now()),

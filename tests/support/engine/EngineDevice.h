@@ -25,6 +25,8 @@ class EngineDevice {
     static constexpr const char* kSharedCaches = "/var/mobile/Library/Caches";
 
     explicit EngineDevice(const std::string& home = kHome);
+    /// A device as described by `options`; its root folder is the temporary one.
+    explicit EngineDevice(platform::DeviceOptions options);
 
     TemporaryDevice tree;
     platform::Device device;

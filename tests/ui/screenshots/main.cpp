@@ -44,7 +44,7 @@ struct Look {
 
 // The gallery page in the first tab, the product's screens in the others.
 test::TestApp::MakeScreens gallery(const char* page, const char* key, bool large = false) {
-    return [=](const ui::AppServices& services) {
+    return [=](const ui::ScreenServices& services) {
         ui::SceneDelegate::Screens screens;
         for (int i = 0; i < 3; ++i) {
             screens.push_back(std::make_unique<test::GalleryScreen>(

@@ -19,41 +19,50 @@ void makeHome(TemporaryDevice& device) {
     }
 }
 
-std::unique_ptr<platform::Device> openDevice(const std::string& root,
-                                             const TestAppOptions& options) {
+platform::DeviceOptions described(const TestAppOptions& options) {
     platform::DeviceOptions wanted;
-    wanted.rootFolder = root;
     wanted.idiom = options.idiom;
     wanted.osVersion = platform::OperatingSystemVersion{options.osVersion, 0};
-    auto opened = platform::Device::open(wanted);
-    if (!opened) ADD_FAILURE() << opened.error().description;
-    return std::make_unique<platform::Device>(std::move(*opened));
+    return wanted;
 }
+
+/// Of a device whose system has no such service.
+class NoWorkspace final : public platform::ApplicationWorkspace {
+  public:
+    Availability availability() override { return Availability::ClassMissing; }
+    platform::Result<std::optional<Applications>> allInstalledApplications() override {
+        return std::nullopt;
+    }
+    platform::Result<std::optional<Applications>> allApplications() override {
+        return std::nullopt;
+    }
+};
+
+NoWorkspace noWorkspace;
 
 }  // namespace
 
-TestApp::TestApp(const Options& options, const MakeScreens& makeScreens) {
+TestApp::TestApp(const Options& options, const MakeScreens& makeScreens)
+    : core(described(options)),
+      resources_(SWEEPWRIGHT_RESOURCE_FOLDER),
+      appWhitelist_(core.defaults),
+      apps_({core.device, core.files, core.eraser, noWorkspace, resources_, appWhitelist_,
+             core.whitelist, core.history, core.statistics, notifications, mainQueue}),
+      language_(core.defaults, notifications, resources_, {options.language}),
+      texts_([this](std::string_view key) { return language_.localizedStringForKey(key); },
+             notifications),
+      services_{core.device,      core.files,   core.defaults, notifications,  mainQueue,
+                core.engine,      core.storage, apps_,         core.whitelist, appWhitelist_,
+                core.customPaths, core.history, language_,     texts_,         opener} {
     ui::Appearance::shared().setStyle(ui::Appearance::Style::Light);
     ui::Appearance::shared().setTextScale(1.0);
     ui::Appearance::shared().setReducedMotion(false);
     makeHome(device);
-    where_ = openDevice(device.root(), options);
-    defaults_ =
-        std::make_unique<platform::UserDefaults>(device.files(), where_->userDefaultsFile());
-    (void)defaults_->set("AppLanguage", platform::PropertyList(options.language));
     if (options.welcomeShown) {
-        (void)defaults_->set("hasShownWelcome", platform::PropertyList(true));
+        (void)core.defaults.set("hasShownWelcome", platform::PropertyList(true));
     }
-    language_ = std::make_unique<localization::LanguageManager>(
-        *defaults_, notifications, platform::ResourceBundle(SWEEPWRIGHT_RESOURCE_FOLDER),
-        std::vector<std::string>{});
-    texts_ = std::make_unique<ui::Texts>(
-        [this](std::string_view key) { return language_->localizedStringForKey(key); },
-        notifications);
-    services_ = std::make_unique<ui::AppServices>(ui::AppServices{
-        *where_, device.files(), *defaults_, notifications, mainQueue, *texts_, opener});
     scene_ = std::make_unique<ui::SceneDelegate>(
-        *services_, makeScreens ? makeScreens(*services_) : ui::makeScreens(*services_));
+        services_, makeScreens ? makeScreens(services_) : ui::makeScreens(services_));
 }
 
 TestApp::~TestApp() {

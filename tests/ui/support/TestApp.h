@@ -8,8 +8,10 @@
 #include <string>
 #include <vector>
 
+#include "apps/ThirdPartyAppCacheManager.h"
 #include "localization/LanguageManager.h"
-#include "support/TemporaryDevice.h"
+#include "protection/AppWhitelistManager.h"
+#include "support/engine/EngineDevice.h"
 #include "ui/shell/SceneDelegate.h"
 
 namespace sweepwright::test {
@@ -39,7 +41,7 @@ struct TestAppOptions {
 class TestApp {
   public:
     using Options = TestAppOptions;
-    using MakeScreens = std::function<ui::SceneDelegate::Screens(const ui::AppServices&)>;
+    using MakeScreens = std::function<ui::SceneDelegate::Screens(const ui::ScreenServices&)>;
 
     /// `makeScreens` gives the tabs' roots; without it they are the product's own.
     explicit TestApp(const Options& options = {}, const MakeScreens& makeScreens = {});
@@ -56,20 +58,22 @@ class TestApp {
 
     [[nodiscard]] ui::SceneDelegate& scene() { return *scene_; }
     [[nodiscard]] ui::Presenter& presenter() { return *scene_->presenter(); }
-    [[nodiscard]] const ui::AppServices& services() const { return *services_; }
+    [[nodiscard]] const ui::ScreenServices& services() const { return services_; }
 
-    // In the order they are made.
-    TemporaryDevice device;
-    platform::NotificationCenter notifications;
-    platform::MainQueue mainQueue;
+    /// The device, its lists and its engine.
+    EngineDevice core;
+    TemporaryDevice& device = core.tree;
+    platform::NotificationCenter& notifications = core.notifications;
+    platform::MainQueue& mainQueue = core.mainQueue;
     FakeUrlOpener opener;
 
   private:
-    std::unique_ptr<platform::Device> where_;
-    std::unique_ptr<platform::UserDefaults> defaults_;
-    std::unique_ptr<localization::LanguageManager> language_;
-    std::unique_ptr<ui::Texts> texts_;
-    std::unique_ptr<ui::AppServices> services_;
+    platform::ResourceBundle resources_;
+    AppWhitelistManager appWhitelist_;
+    ThirdPartyAppCacheManager apps_;
+    localization::LanguageManager language_;
+    ui::Texts texts_;
+    ui::ScreenServices services_;
     std::unique_ptr<ui::SceneDelegate> scene_;
     std::unique_ptr<QQuickView> view_;
 };

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "platform/Device.h"
+#include "platform/DispatchQueue.h"
+#include "platform/FileManager.h"
+#include "platform/NotificationCenter.h"
+#include "platform/UserDefaults.h"
+#include "ui/presentation/Texts.h"
+#include "ui/presentation/UrlOpener.h"
+
+namespace sweepwright {
+
+class AppWhitelistManager;
+class CleanHistoryManager;
+class CustomPathManager;
+class FileCleanerEngine;
+class PathWhitelistManager;
+class StorageAnalyzer;
+class ThirdPartyAppCacheManager;
+
+namespace localization {
+class LanguageManager;
+}
+
+namespace ui {
+
+/// What the shell and its screens work with. All of it outlives them.
+struct ScreenServices {
+    const platform::Device& device;
+    platform::FileManager& files;
+    platform::UserDefaults& defaults;
+    platform::NotificationCenter& notifications;
+    platform::MainQueue& mainQueue;
+    FileCleanerEngine& engine;
+    StorageAnalyzer& storage;
+    ThirdPartyAppCacheManager& apps;
+    PathWhitelistManager& pathWhitelist;
+    AppWhitelistManager& appWhitelist;
+    CustomPathManager& customPaths;
+    CleanHistoryManager& history;
+    localization::LanguageManager& language;
+    Texts& texts;
+    UrlOpener& opener;
+};
+
+}  // namespace ui
+}  // namespace sweepwright
