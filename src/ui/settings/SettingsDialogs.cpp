@@ -113,17 +113,22 @@ void SettingsViewController::showCleanStatistics() {
 }
 
 void SettingsViewController::showHelp() {
-    presentNote(alert("Use Help", "Help Text"), "I Know");
+    Alert help = alert("Use Help", "Help Text");
+    help->makeArticle();
+    presentNote(std::move(help), "I Know");
 }
 
 void SettingsViewController::showPrivacyPolicy() {
-    presentNote(alert("Privacy Policy", "Privacy Policy Text"), "OK");
+    Alert policy = alert("Privacy Policy", "Privacy Policy Text");
+    policy->makeArticle();
+    presentNote(std::move(policy), "OK");
 }
 
 void SettingsViewController::showAbout() {
     Alert about = alert("About Us");
     about->setMessage(
         filled(services_.texts("About Text"), {version_.shortVersion, version_.build}));
+    about->makeArticle();
     presentNote(std::move(about), "OK");
 }
 

@@ -126,6 +126,8 @@ class SettingsViewController : public ScreenController {
     void presentNote(Alert alert, std::string_view buttonKey);
     void presentPathsManager(std::string_view titleKey, std::string_view messageKey,
                              std::function<void()> add, std::function<void()> view);
+    // The key of what to say about what is, or isn't, at `path` now.
+    [[nodiscard]] std::string_view remarkKey(const std::string& path) const;
     void presentPathEntry(Alert alert, std::string_view placeholderKey, const ChangePath& add);
     void presentPaths(std::string_view titleKey, std::string_view emptyKey,
                       const std::vector<PathChoice>& choices);
