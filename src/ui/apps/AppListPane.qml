@@ -6,6 +6,7 @@ ListPane {
     id: root
 
     property bool loading: false
+    property string loadingName: ""
     property string emptyText: ""
     property string emptySymbol: ""
     property bool grouped: false
@@ -35,7 +36,8 @@ ListPane {
         minimumHeight: 70
         titleSize: 16
         titleWeight: Theme.medium
-        subtitle: detail
+        // A line breaks between the figures, never inside one.
+        subtitle: detail.split(" | ").map(part => part.replace(/ /g, "\u00a0")).join("\u00a0| ")
         subtitleColor: isProtected ? Theme.systemGreen : Theme.secondaryLabel
         grouped: root.grouped
         first: index === 0
@@ -78,7 +80,7 @@ ListPane {
             anchors.centerIn: parent
             width: Math.min(parent.width - 80, 420)
             spacing: 14
-            visible: root.emptyText.length > 0 && !spinner.visible
+            visible: root.emptyText.length > 0 && !root.loading
             Symbol {
                 anchors.horizontalCenter: parent.horizontalCenter
                 visible: name.length > 0
@@ -97,23 +99,43 @@ ListPane {
             }
         }
 
-        // Over rows it has a ground of its own.
-        Rectangle {
-            anchors.fill: spinner
-            anchors.margins: -22
-            visible: spinner.visible && root.count > 0
-            radius: 20
-            antialiasing: true
-            color: Theme.faded(Theme.elevatedBackground, 0.9)
-            border.width: 0.5
-            border.color: Theme.separator
-        }
-        ActivityIndicator {
-            id: spinner
-            objectName: "loadingIndicator"
+        Item {
+            id: busy
             anchors.centerIn: parent
-            large: true
-            running: root.loading
+            width: 80
+            height: 80
+            opacity: 0
+            visible: opacity > 0
+            states: State {
+                name: "shown"
+                when: root.loading
+                PropertyChanges { busy.opacity: 1 }
+            }
+            transitions: Transition {
+                to: "shown"
+                SequentialAnimation {
+                    // Over rows only when it lasts: most looks are over before that.
+                    PauseAnimation { duration: root.count > 0 ? 500 : 0 }
+                    NumberAnimation { property: "opacity"; duration: Theme.duration(200) }
+                }
+            }
+
+            Rectangle {
+                anchors.fill: parent
+                visible: root.count > 0
+                radius: 20
+                antialiasing: true
+                color: Theme.faded(Theme.elevatedBackground, 0.94)
+                border.width: 0.5
+                border.color: Theme.separator
+            }
+            ActivityIndicator {
+                objectName: "loadingIndicator"
+                anchors.centerIn: parent
+                large: true
+                running: root.loading
+                accessibleName: root.loadingName
+            }
         }
     }
 }

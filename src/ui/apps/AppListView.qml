@@ -10,14 +10,24 @@ NavigationPage {
 
     controller: screen
     flickable: list
-    accessoryHeight: 52 + Theme.scaled(17) - 17
-    accessory: SearchField {
-        objectName: "searchField"
-        placeholder: page.screen.searchPlaceholder
-        cancelTitle: page.screen.cancelTitle
-        enabled: !page.editing
-        onEdited: text => page.screen.filterAppsWithSearchText(text)
-        onCancelled: page.screen.filterAppsWithSearchText("")
+    accessoryHeight: Math.max(36, Theme.scaled(17) + 16) + 12
+    accessory: Item {
+        SearchField {
+            id: field
+            objectName: "searchField"
+            y: 4
+            width: parent.width
+            placeholder: page.screen.searchPlaceholder
+            cancelTitle: page.screen.cancelTitle
+            enabled: !page.editing
+            onEdited: text => page.screen.filterAppsWithSearchText(text)
+            onCancelled: page.screen.filterAppsWithSearchText("")
+        }
+        Shortcut {
+            sequences: [StandardKey.Find]
+            enabled: page.screen.visible && !page.editing
+            onActivated: field.forceActiveFocus(Qt.ShortcutFocusReason)
+        }
     }
     titleView: SegmentedControl {
         id: segments
@@ -25,7 +35,7 @@ NavigationPage {
         implicitWidth: page.screen.segmentsWidth(Math.max(...titles.map(title => metrics.advanceWidth(title))), page.width)
         titles: page.screen.segmentTitles
         currentIndex: page.screen.selectedSegment
-        size: 11
+        size: Theme.inBar(11)
         selectedColor: Theme.systemBlue
         selectedTextColor: "white"
         enabled: !page.editing
@@ -34,7 +44,7 @@ NavigationPage {
         FontMetrics {
             id: metrics
             font.family: Theme.family
-            font.pixelSize: Theme.scaled(11)
+            font.pixelSize: Theme.scaled(segments.size)
         }
     }
 
@@ -78,7 +88,7 @@ NavigationPage {
         }
         function onListReplaced(): void {
             list.closeRow();
-            list.positionViewAtBeginning();
+            list.toTop();
         }
     }
     PullToRefresh {
@@ -107,16 +117,20 @@ NavigationPage {
             objectName: "selectAllButton"
             anchors.verticalCenter: parent.verticalCenter
             text: page.screen.selectAllTitle
+            size: Theme.inBar(17)
             onClicked: page.screen.toggleSelectAll()
         }
         Label {
             anchors.left: selectAll.right
             anchors.right: clean.left
             anchors.verticalCenter: parent.verticalCenter
+            height: parent.height
             text: page.screen.selectionCountText
-            size: 16
+            size: Theme.inBar(16)
             horizontalAlignment: Text.AlignHCenter
-            fontSizeMode: Text.HorizontalFit
+            wrapMode: Text.WordWrap
+            maximumLineCount: 2
+            fontSizeMode: Text.Fit
             minimumPixelSize: 11
             elide: Text.ElideRight
         }
@@ -130,7 +144,7 @@ NavigationPage {
             topPadding: 6
             bottomPadding: 6
             text: page.screen.cleanButtonTitle
-            size: 15
+            size: Theme.inBar(15)
             weight: Theme.medium
             color: Theme.systemRed
             enabled: page.screen.cleanButtonEnabled

@@ -36,8 +36,7 @@ void AppListViewController::viewDidLoad() {
 }
 
 void AppListViewController::viewWillAppear() {
-    // The first look is still under way when the screen appears for the first time.
-    if (!isEditingMode_ && !scanner_.isRunning()) loadApps();
+    if (!isEditingMode_) loadApps();
 }
 
 void AppListViewController::loadApps() {

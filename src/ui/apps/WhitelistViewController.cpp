@@ -52,8 +52,7 @@ void WhitelistViewController::viewDidLoad() {
 void WhitelistViewController::viewWillAppear() {
     whitelistUpdates_ = services_.notifications.observe(
         "WhitelistUpdated", [this](const auto&) { loadWhitelistedApps(); });
-    // The first look is still under way when the screen appears for the first time.
-    if (!scanner_.isRunning()) loadWhitelistedApps();
+    loadWhitelistedApps();
 }
 
 void WhitelistViewController::viewWillDisappear() {
