@@ -43,8 +43,7 @@ class SettingsViewController : public ScreenController {
 
     /// What `services` names must outlive this. `makeWhitelistScreen` makes the screen of the
     /// protected apps.
-    SettingsViewController(const ScreenServices& services, AppVersion version,
-                           MakeScreen makeWhitelistScreen);
+    SettingsViewController(const ScreenServices& services, MakeScreen makeWhitelistScreen);
 
     [[nodiscard]] bool prefersLargeTitles() const override { return true; }
     [[nodiscard]] SettingsRows* rows() { return &rows_; }
@@ -135,7 +134,7 @@ class SettingsViewController : public ScreenController {
     // Shows what a change has led to: the rows anew, or why it could not be stored.
     void finish(const platform::Result<>& stored);
 
-    const ScreenServices& services_;
+    ScreenServices services_;
     AppVersion version_;
     MakeScreen makeWhitelistScreen_;
     SettingsPreferences preferences_;

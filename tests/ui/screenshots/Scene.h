@@ -15,8 +15,13 @@ struct Scene {
     std::function<void(TestApp&)> prepare;
     int osVersion = 26;
     bool welcome = false;
+    /// What is on the device, before there is a window.
+    std::function<void(TestApp&)> device = {};
+    double textScale = 1.0;
 };
 
+/// The apps and the protected apps.
+std::vector<Scene> appScenes();
 /// The settings and what opens from them.
 std::vector<Scene> settingsScenes();
 /// The clean history.

@@ -174,7 +174,7 @@ std::vector<Scene> kitScenes() {
 
 std::vector<Scene> allScenes() {
     std::vector<Scene> scenes = kitScenes();
-    for (const auto& more : {test::settingsScenes(), test::historyScenes()})
+    for (const auto& more : {test::appScenes(), test::settingsScenes(), test::historyScenes()})
         scenes.insert(scenes.end(), more.begin(), more.end());
     return scenes;
 }
@@ -184,6 +184,8 @@ QImage picture(const Scene& scene, const Look& look) {
     ui::Appearance::shared().setStyle(look.dark ? ui::Appearance::Style::Dark
                                                 : ui::Appearance::Style::Light);
     ui::Appearance::shared().setReducedMotion(true);
+    ui::Appearance::shared().setTextScale(scene.textScale);
+    if (scene.device) scene.device(app);
     QQuickView& view = app.show(look.size());
     scene.prepare(app);
     // Textures of textures need a frame each to reach the last.
