@@ -38,7 +38,7 @@ NavigationPage {
             symbolTile: false
             actions: [{title: page.screen.deleteTitle, symbol: "trash.fill", color: Theme.systemRed}]
             onClicked: page.screen.didSelectRow(index)
-            onActionTriggered: page.screen.deleteRow(index)
+            onActionTriggered: () => page.screen.deleteRow(index)
             Keys.onDeletePressed: page.screen.deleteRow(index)
         }
     }

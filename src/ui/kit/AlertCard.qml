@@ -63,6 +63,7 @@ FocusScope {
 
             Flickable {
                 id: words
+                objectName: "alertWords"
                 width: content.width - 32
                 height: Math.min(contentHeight, root.height - root.safeTop - root.safeBottom - 48 - fixed.height - 48)
                 contentHeight: phrases.implicitHeight
