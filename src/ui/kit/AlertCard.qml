@@ -80,7 +80,7 @@ FocusScope {
                     topPadding: 6
                     leftPadding: 8
                     rightPadding: 8
-                    spacing: 8
+                    spacing: root.alert.article ? 12 : 8
 
                     Label {
                         width: parent.width - 16
