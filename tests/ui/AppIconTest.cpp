@@ -69,8 +69,7 @@ TEST_F(AppIconViewTest, ReadsTheFileOfAnIconThatHasOne) {
 
 TEST_F(AppIconViewTest, ReadsTheDevicesOwnVariantOfPictures) {
     const platform::Image blue{1, 1, {0, 0, 255, 255}};
-    const AppIconStore::Handle handle =
-        store_.add(icon(platform::encodeDevicePng(blue).value()));
+    const AppIconStore::Handle handle = store_.add(icon(platform::encodeDevicePng(blue).value()));
     EXPECT_EQ(provider_.icon(handle->number, 100).pixelColor(50, 50), QColor(0, 0, 255));
 }
 

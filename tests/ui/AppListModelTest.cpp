@@ -1,9 +1,9 @@
-#include "ui/apps/AppListModel.h"
-
 #include <QAbstractItemModelTester>
 #include <QSignalSpy>
 
 #include <gtest/gtest.h>
+
+#include "ui/apps/AppListModel.h"
 
 namespace sweepwright::ui {
 namespace {

@@ -1,11 +1,11 @@
-#include "ui/apps/RowDiff.h"
-
 #include <QSet>
 #include <algorithm>
 #include <numeric>
 #include <random>
 
 #include <gtest/gtest.h>
+
+#include "ui/apps/RowDiff.h"
 
 namespace sweepwright::ui {
 namespace {
