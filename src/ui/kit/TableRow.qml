@@ -50,6 +50,9 @@ T.AbstractButton {
     readonly property bool settled: !swipe.running
     readonly property bool aside: open || swipe.running || drag.active
 
+    // Kept by its list for later use, and not to be seen.
+    property bool pooled: false
+
     signal switched(bool on)
     signal actionTriggered(int index)
 
@@ -78,7 +81,11 @@ T.AbstractButton {
     rightPadding: inset
     focusPolicy: selectable ? Qt.StrongFocus : Qt.NoFocus
     checkable: false
-    ListView.onReused: close()
+    ListView.onPooled: pooled = true
+    ListView.onReused: {
+        pooled = false;
+        close();
+    }
     onActionsChanged: if (actions.length === 0) close()
     onEditingChanged: close()
     Keys.onReturnPressed: press()
@@ -94,6 +101,7 @@ T.AbstractButton {
     Accessible.checked: editing ? selected : on
     Accessible.selected: selected
     Accessible.focusable: true
+    Accessible.ignored: pooled
     Accessible.onPressAction: press()
 
     SpringMotion {
@@ -347,8 +355,10 @@ T.AbstractButton {
                     text: modelData.title
                     ringRadius: 4
                     onClicked: {
-                        row.actionTriggered(index);
-                        if (row.closesOnAction) row.close();
+                        // The actions may be others afterwards, and this button gone.
+                        const own = row;
+                        own.actionTriggered(index);
+                        if (own.closesOnAction) own.close();
                     }
                     background: Rectangle {
                         color: action.down ? Qt.darker(action.color, 1.15) : action.color
