@@ -15,6 +15,13 @@
 
 namespace sweepwright::test {
 
+/// Makes every change of the user defaults fail, while they can be read.
+inline void blockChanges(TestApp& app) {
+    const std::string lock = app.device.host(app.core.device.userDefaultsFile() + ".lock");
+    std::filesystem::remove(lock);
+    std::filesystem::create_directory(lock);
+}
+
 /// The settings of the whole app, on screen but without a window.
 class SettingsTest : public testing::Test {
   protected:
@@ -57,12 +64,7 @@ class SettingsTest : public testing::Test {
         return all;
     }
 
-    /// Makes every change of the user defaults fail, while they can be read.
-    void blockChanges() {
-        const std::string lock = app_.device.host(app_.core.device.userDefaultsFile() + ".lock");
-        std::filesystem::remove(lock);
-        std::filesystem::create_directory(lock);
-    }
+    void blockChanges() { test::blockChanges(app_); }
     void damageDefaults() { app_.device.fileWith(app_.core.device.userDefaultsFile(), kDamaged); }
     std::string storedBytes() { return app_.device.content(app_.core.device.userDefaultsFile()); }
     void expectSaveFailure() {

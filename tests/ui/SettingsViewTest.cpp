@@ -37,11 +37,6 @@ class SettingsView : public ViewTest {
         ADD_FAILURE() << "no switch in " << row;
         return nullptr;
     }
-    static void blockChanges(TestApp& app) {
-        const std::string lock = app.device.host(app.core.device.userDefaultsFile() + ".lock");
-        std::filesystem::remove(lock);
-        std::filesystem::create_directory(lock);
-    }
 };
 
 TEST_F(SettingsView, FlipsASwitchByTouchAndByKeyboard) {
