@@ -38,7 +38,7 @@ ListView {
     onMovementStarted: closeRow()
 
     function closeRow(): void {
-        if (openRow) openRow.close();
+        if (openRow) openRow.close();  // qmllint disable type
     }
 
     Keys.onPressed: event => {

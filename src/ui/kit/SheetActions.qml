@@ -8,7 +8,7 @@ FocusScope {
 
     required property AlertController alert
     property real maximumHeight: 600
-    readonly property var choices: alert.actions.filter(action => action.style !== AlertAction.Cancel)
+    readonly property var choices: alert.actions.filter(action => action.style !== AlertAction.Cancel)  // qmllint disable type
     readonly property bool hasWords: alert.title.length > 0 || alert.message.length > 0
 
     implicitHeight: Math.min(maximumHeight, words.height + list.contentHeight)
