@@ -148,6 +148,7 @@ FocusScope {
             text: item ? item.title : ""
             symbol: item ? item.symbol : ""
             enabled: item ? item.enabled : false
+            size: Theme.inBar(17)
             weight: item && item.prominent ? Theme.semibold : Theme.normal
             onClicked: item.trigger()
         }

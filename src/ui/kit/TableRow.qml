@@ -33,8 +33,12 @@ T.AbstractButton {
     property bool editing: false
     property bool selected: false
 
-    // Actions behind the trailing edge: [{title, symbol, color}], the first one outermost.
+    // Actions behind the trailing edge: [{title, symbol, color}], the first one outermost; in place
+    // of a colour a tint, the name of one of the theme.
     property var actions: []
+    // Whether an action's press closes the row; if not, its list's closeRow() does when the action
+    // has ended.
+    property bool closesOnAction: true
     readonly property ListPane list: ListView.view as ListPane
 
     readonly property bool hasSwitch: accessory === "switch"
@@ -319,16 +323,17 @@ T.AbstractButton {
                     id: action
                     required property var modelData
                     required property int index
+                    readonly property color color: modelData.color ?? Theme[modelData.tint]
                     width: Math.max(82, index === 0 && drag.active ? -drag.shown - row.openWidth + 82 : 82)
                     height: tray.height
                     text: modelData.title
                     ringRadius: 4
                     onClicked: {
                         row.actionTriggered(index);
-                        row.close();
+                        if (row.closesOnAction) row.close();
                     }
                     background: Rectangle {
-                        color: action.down ? Qt.darker(action.modelData.color, 1.15) : action.modelData.color
+                        color: action.down ? Qt.darker(action.color, 1.15) : action.color
                     }
                     contentItem: Item {
                         Column {

@@ -63,6 +63,11 @@ QtObject {
         return Math.round(points * (1 + (points >= 28 ? growth / 2 : growth)));
     }
 
+    // A size for texts of bars, which have no room to grow with the others beyond a quarter.
+    function inBar(points: real): real {
+        return points * Math.min(1, 1.25 / Appearance.textScale);
+    }
+
     // How long a motion lasts that is no spring.
     function duration(milliseconds: int): int {
         return Appearance.reducedMotion ? 0 : milliseconds;
