@@ -17,6 +17,9 @@ inline constexpr auto kLocalizationKeys = std::to_array<LocalizationKey>({
     {"Tab Home"},
     {"Tab Apps"},
     {"Tab Settings"},
+    // A change that could not be stored
+    {"Cannot Save"},
+    {"Cannot Save Message"},
     // Home
     {"Cache Files"},
     {"Temp Files"},

@@ -62,6 +62,12 @@ T.AbstractButton {
         if (list) list.openRow = row;
     }
 
+    // A press on a row whose actions are open only closes them.
+    function press(): void {
+        if (open) close();
+        else clicked();
+    }
+
     width: ListView.view ? ListView.view.width : implicitWidth
     implicitWidth: 360
     implicitHeight: Math.max(minimumHeight, content.implicitHeight + 20)
@@ -70,8 +76,9 @@ T.AbstractButton {
     ListView.onReused: close()
     onActionsChanged: if (actions.length === 0) close()
     onEditingChanged: close()
-    Keys.onReturnPressed: clicked()
-    Keys.onEnterPressed: clicked()
+    Keys.onReturnPressed: press()
+    Keys.onEnterPressed: press()
+    Keys.onSpacePressed: press()
     Keys.onLeftPressed: event => { event.accepted = actions.length > 0; openActions(); }
     Keys.onRightPressed: event => { event.accepted = open; close(); }
     Keys.onMenuPressed: openActions()
@@ -82,7 +89,7 @@ T.AbstractButton {
     Accessible.checked: editing ? selected : on
     Accessible.selected: selected
     Accessible.focusable: true
-    Accessible.onPressAction: clicked()
+    Accessible.onPressAction: press()
 
     SpringMotion {
         id: swipe
@@ -248,7 +255,11 @@ T.AbstractButton {
                         checked: row.on
                         focusPolicy: Qt.NoFocus
                         Accessible.ignored: true
-                        onToggled: row.switched(checked)
+                        // It shows what the row says, also when that did not follow.
+                        onToggled: {
+                            row.switched(checked);
+                            checked = Qt.binding(() => row.on);
+                        }
                     }
                 }
             }
@@ -292,7 +303,7 @@ T.AbstractButton {
         onClicked: {
             if (moved) return;
             row.forceActiveFocus(Qt.MouseFocusReason);
-            row.clicked();
+            row.press();
         }
 
         function settle(): void {
@@ -366,8 +377,5 @@ T.AbstractButton {
         }
     }
 
-    onClicked: {
-        if (row.open) close();
-        else if (hasSwitch) switched(!on);
-    }
+    onClicked: if (hasSwitch) switched(!on)
 }
