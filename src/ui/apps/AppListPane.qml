@@ -50,20 +50,28 @@ ListPane {
         onActionTriggered: action => root.actionTriggered(index, action)
     }
 
-    add: Transition {
-        enabled: root.animated && root.motion > 0
+    // None at all where nothing is to be seen moving: a list that keeps them, disabled, leaves rows
+    // behind that are gone.
+    readonly property bool moves: animated && motion > 0
+    add: moves ? coming : null
+    remove: moves ? going : null
+    move: moves ? moving : null
+    displaced: moves ? makingWay : null
+
+    Transition {
+        id: coming
         NumberAnimation { property: "opacity"; from: 0; to: 1; duration: root.motion }
     }
-    remove: Transition {
-        enabled: root.animated && root.motion > 0
+    Transition {
+        id: going
         NumberAnimation { property: "opacity"; to: 0; duration: root.motion }
     }
-    move: Transition {
-        enabled: root.animated && root.motion > 0
+    Transition {
+        id: moving
         NumberAnimation { property: "y"; duration: root.motion; easing.type: Easing.InOutCubic }
     }
-    displaced: Transition {
-        enabled: root.animated && root.motion > 0
+    Transition {
+        id: makingWay
         NumberAnimation { property: "y"; duration: root.motion; easing.type: Easing.InOutCubic }
         // One that was still coming is there all the same.
         NumberAnimation { property: "opacity"; to: 1; duration: root.motion }

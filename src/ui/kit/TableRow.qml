@@ -47,6 +47,9 @@ T.AbstractButton {
     readonly property bool open: swipe.to < 0
     readonly property bool settled: !swipe.running
 
+    // Kept by its list for later use, and not to be seen.
+    property bool pooled: false
+
     signal switched(bool on)
     signal actionTriggered(int index)
 
@@ -73,7 +76,13 @@ T.AbstractButton {
     implicitHeight: Math.max(minimumHeight, content.implicitHeight + 20)
     focusPolicy: selectable ? Qt.StrongFocus : Qt.NoFocus
     checkable: false
-    ListView.onReused: close()
+    ListView.onPooled: pooled = true
+    ListView.onReused: {
+        pooled = false;
+        // It may have faded away when it went.
+        opacity = 1;
+        close();
+    }
     onActionsChanged: if (actions.length === 0) close()
     onEditingChanged: close()
     Keys.onReturnPressed: press()
@@ -89,6 +98,7 @@ T.AbstractButton {
     Accessible.checked: editing ? selected : on
     Accessible.selected: selected
     Accessible.focusable: true
+    Accessible.ignored: pooled
     Accessible.onPressAction: press()
 
     SpringMotion {
@@ -340,8 +350,10 @@ T.AbstractButton {
                     text: modelData.title
                     ringRadius: 4
                     onClicked: {
-                        row.actionTriggered(index);
-                        if (row.closesOnAction) row.close();
+                        // The actions may be others afterwards, and this button gone.
+                        const own = row;
+                        own.actionTriggered(index);
+                        if (own.closesOnAction) own.close();
                     }
                     background: Rectangle {
                         color: action.down ? Qt.darker(action.color, 1.15) : action.color

@@ -69,7 +69,7 @@ std::vector<InstalledApp> sampleApps() {
     return apps;
 }
 
-std::vector<InstalledApp> manyApps(int count) {
+std::vector<InstalledApp> manyApps(int count, bool withIcons) {
     constexpr unsigned kSide = 120;
     std::vector<InstalledApp> apps;
     const auto catalog = launch::catalog::apps();
@@ -77,10 +77,11 @@ std::vector<InstalledApp> manyApps(int count) {
         const auto number = static_cast<unsigned>(i);
         const auto& model = catalog[number % catalog.size()];
         const std::string prefix = i % 10 == 9 ? "com.apple" : "com.example";
-        apps.push_back({fmt::format("{}.app{}", prefix, i),
-                        fmt::format("{} {}", model.bundleName, i),
-                        (number * 37 % 900 + 1) * kMiB / 7, number * 13 % 50 * 1024,
-                        encoded(launch::drawSampleIcon(model.glyph, number * 47 % 360, kSide))});
+        apps.push_back(
+            {fmt::format("{}.app{}", prefix, i), fmt::format("{} {}", model.bundleName, i),
+             (number * 37 % 900 + 1) * kMiB / 7, number * 13 % 50 * 1024,
+             withIcons ? encoded(launch::drawSampleIcon(model.glyph, number * 47 % 360, kSide))
+                       : std::string()});
     }
     return apps;
 }

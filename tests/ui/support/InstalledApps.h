@@ -29,7 +29,7 @@ std::string plainIcon(std::uint8_t red, std::uint8_t green, std::uint8_t blue, u
 
 /// The apps of the sample device.
 std::vector<InstalledApp> sampleApps();
-/// `count` apps with names and an icon each; every tenth is a system app.
-std::vector<InstalledApp> manyApps(int count);
+/// `count` apps with names, and with an icon each if wanted; every tenth is a system app.
+std::vector<InstalledApp> manyApps(int count, bool withIcons = false);
 
 }  // namespace sweepwright::test
