@@ -35,6 +35,7 @@ NavigationPage {
             subtitle: model.subtitle
             symbol: "checkmark.circle.fill"
             symbolColor: Theme.systemGreen
+            symbolTile: false
             actions: [{title: page.screen.deleteTitle, symbol: "trash.fill", color: Theme.systemRed}]
             onClicked: page.screen.didSelectRow(index)
             onActionTriggered: page.screen.deleteRow(index)

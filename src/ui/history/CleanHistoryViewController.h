@@ -66,7 +66,7 @@ class CleanHistoryViewController : public ScreenController {
     [[nodiscard]] const CleanHistoryItem* at(int row) const;
     void finish(const platform::Result<>& stored);
 
-    const ScreenServices& services_;
+    ScreenServices services_;
     CleanHistoryRows rows_;
     QString header_;
     ScrollReporter scrolling_;

@@ -14,7 +14,7 @@ FocusScope {
     property real safeTop: 0
     property real safeBottom: 0
 
-    readonly property real cardWidth: Math.min(width - 48, 300)
+    readonly property real cardWidth: Math.min(width - 48, alert.article ? 480 : 300)
     // Two short titles stand side by side.
     readonly property bool sideBySide: actions.length === 2
         && actions.every(action => metrics.advanceWidth(action.title) < (cardWidth - 32 - 8) / 2 - 24)
@@ -91,9 +91,17 @@ FocusScope {
                         wrapMode: Text.Wrap
                         Accessible.role: Accessible.Heading
                     }
+                    Loader {
+                        width: parent.width - 16
+                        active: root.alert.article
+                        visible: active
+                        sourceComponent: ArticleText {
+                            text: root.alert.message
+                        }
+                    }
                     Label {
                         width: parent.width - 16
-                        visible: text.trim().length > 0
+                        visible: !root.alert.article && text.trim().length > 0
                         text: root.alert.message.trim()
                         size: 15
                         lineHeight: 1.12

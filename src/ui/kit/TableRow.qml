@@ -13,6 +13,8 @@ T.AbstractButton {
     property string value: ""
     property string symbol: ""
     property color symbolColor: Theme.systemBlue
+    // Whether the symbol stands white on a tile of its colour, or alone in its colour.
+    property bool symbolTile: true
     property string picture
     property color subtitleColor: Theme.secondaryLabel
     property int titleWeight: Theme.normal
@@ -46,6 +48,7 @@ T.AbstractButton {
     readonly property real openWidth: actions.length * 82
     readonly property bool open: swipe.to < 0
     readonly property bool settled: !swipe.running
+    readonly property bool aside: open || swipe.running || drag.active
 
     // Kept by its list for later use, and not to be seen.
     property bool pooled: false
@@ -74,6 +77,8 @@ T.AbstractButton {
     width: ListView.view ? ListView.view.width : implicitWidth
     implicitWidth: 360
     implicitHeight: Math.max(minimumHeight, content.implicitHeight + 20)
+    leftPadding: inset
+    rightPadding: inset
     focusPolicy: selectable ? Qt.StrongFocus : Qt.NoFocus
     checkable: false
     ListView.onPooled: pooled = true
@@ -118,7 +123,7 @@ T.AbstractButton {
             x: row.inset
             width: row.width - 2 * row.inset
             height: row.height
-            clip: row.open || swipe.running || drag.active
+            clip: row.aside
 
             RowFace {
                 id: face
@@ -153,10 +158,12 @@ T.AbstractButton {
         readonly property real edge: 16
         readonly property real textStart: edge + (row.symbol.length > 0 || row.picture.length > 0 ? icon.width + 12 : 0) + shift.value
         implicitHeight: texts.implicitHeight
+        // What goes aside keeps within the card.
+        clip: row.aside
 
         Item {
-            x: row.inset + (drag.active ? drag.shown : swipe.value)
-            width: row.width - 2 * row.inset
+            x: drag.active ? drag.shown : swipe.value
+            width: content.width
             height: row.height
 
             Symbol {
@@ -181,12 +188,12 @@ T.AbstractButton {
                     visible: row.symbol.length > 0
                     radius: 8
                     antialiasing: true
-                    color: row.symbolColor
+                    color: row.symbolTile ? row.symbolColor : "transparent"
                     Symbol {
                         anchors.centerIn: parent
                         name: row.symbol
-                        size: 20
-                        color: "white"
+                        size: row.symbolTile ? 20 : 30
+                        color: row.symbolTile ? "white" : row.symbolColor
                     }
                 }
                 Image {

@@ -4,7 +4,6 @@
 
 #include "engine/StorageAnalyzer.h"
 #include "localization/LanguageManager.h"
-#include "localization/LocalizedFormat.h"
 #include "protection/CleanStatistics.h"
 #include "ui/history/CleanHistoryViewController.h"
 #include "ui/presentation/Addresses.h"
@@ -14,18 +13,12 @@
 
 namespace sweepwright::ui {
 
-using localization::FormatArgument;
-using localization::formatLocalized;
 using localization::LanguageManager;
 
 namespace {
 
 /// Stands for the date of the last clean before there was one, in every language.
 constexpr std::string_view kNoRecord = "暂无记录";
-
-QString filled(const QString& format, std::initializer_list<FormatArgument> arguments) {
-    return QString::fromStdString(formatLocalized(format.toStdString(), arguments));
-}
 
 QString text(std::string_view utf8) {
     return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
@@ -106,24 +99,28 @@ void SettingsViewController::showCleanStatistics() {
     const CleanStatistics::Totals totals = CleanStatistics(services_.defaults).totals();
     Alert statistics = alert("Clean Statistics");
     statistics->setMessage(
-        filled(services_.texts("Total Clean Count"),
-               {totals.cleanCount, StorageAnalyzer::formatBytes(totals.totalCleanedBytes),
-                totals.lastCleanDate.value_or(std::string(kNoRecord))}));
+        services_.texts("Total Clean Count",
+                        {totals.cleanCount, StorageAnalyzer::formatBytes(totals.totalCleanedBytes),
+                         totals.lastCleanDate.value_or(std::string(kNoRecord))}));
     presentNote(std::move(statistics), "OK");
 }
 
 void SettingsViewController::showHelp() {
-    presentNote(alert("Use Help", "Help Text"), "I Know");
+    Alert help = alert("Use Help", "Help Text");
+    help->makeArticle();
+    presentNote(std::move(help), "I Know");
 }
 
 void SettingsViewController::showPrivacyPolicy() {
-    presentNote(alert("Privacy Policy", "Privacy Policy Text"), "OK");
+    Alert policy = alert("Privacy Policy", "Privacy Policy Text");
+    policy->makeArticle();
+    presentNote(std::move(policy), "OK");
 }
 
 void SettingsViewController::showAbout() {
     Alert about = alert("About Us");
-    about->setMessage(
-        filled(services_.texts("About Text"), {version_.shortVersion, version_.build}));
+    about->setMessage(services_.texts("About Text", {version_.shortVersion, version_.build}));
+    about->makeArticle();
     presentNote(std::move(about), "OK");
 }
 

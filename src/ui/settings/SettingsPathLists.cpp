@@ -20,6 +20,13 @@ void SettingsViewController::presentPathsManager(std::string_view titleKey,
     present(std::move(manager));
 }
 
+std::string_view SettingsViewController::remarkKey(const std::string& path) const {
+    if (!path.starts_with('/')) return "Path Is Not Absolute";
+    const auto found = services_.files.attributes(path, platform::LastLink::Follow);
+    if (!found) return "Path Holds Nothing";
+    return found->type == platform::FileType::Directory ? "Path Is a Folder" : "Path Is a File";
+}
+
 void SettingsViewController::presentPathEntry(Alert alert, std::string_view placeholderKey,
                                               const ChangePath& add) {
     AlertController* entry = alert.get();
@@ -27,6 +34,11 @@ void SettingsViewController::presentPathEntry(Alert alert, std::string_view plac
         const std::string path = entry->text().toStdString();
         if (!path.empty()) finish(add(path));
     };
+    // Whoever mistypes a path sees it before it is added.
+    QObject::connect(entry, &AlertController::textChanged, this, [this, entry] {
+        const std::string path = entry->text().toStdString();
+        entry->setTip(path.empty() ? QString() : services_.texts(remarkKey(path)));
+    });
     alert->addTextField(services_.texts(placeholderKey))
         .addAction(services_.texts("Add"), AlertAction::Default, added)
         .addAction(services_.texts("Cancel"), AlertAction::Cancel);
@@ -48,7 +60,7 @@ void SettingsViewController::presentPaths(std::string_view titleKey, std::string
 
 void SettingsViewController::presentRemovablePath(const std::string& path,
                                                   const ChangePath& remove) {
-    Alert options = sheet(QString::fromStdString(path));
+    Alert options = sheet(QString::fromStdString(path), services_.texts(remarkKey(path)));
     options
         ->addAction(services_.texts("Remove"), AlertAction::Destructive,
                     [this, path, remove] { finish(remove(path)); })

@@ -5,15 +5,12 @@
 
 #include "engine/StorageAnalyzer.h"
 #include "localization/LanguageManager.h"
-#include "localization/LocalizedFormat.h"
 #include "protection/AppWhitelistManager.h"
 #include "protection/CustomPathManager.h"
 #include "protection/PathWhitelistManager.h"
 #include "ui/presentation/SaveFailure.h"
 
 namespace sweepwright::ui {
-
-using localization::formatLocalized;
 
 namespace {
 
@@ -43,17 +40,13 @@ constexpr auto kSelections = std::to_array<Selection>({
     {"github", &SettingsViewController::openGithub},
 });
 
-QString counted(const QString& format, std::size_t count) {
-    return QString::fromStdString(formatLocalized(format.toStdString(), {count}));
-}
-
 }  // namespace
 
-SettingsViewController::SettingsViewController(const ScreenServices& services, AppVersion version,
+SettingsViewController::SettingsViewController(const ScreenServices& services,
                                                MakeScreen makeWhitelistScreen)
     : ScreenController(QUrl(QStringLiteral("qrc:/qt/qml/Sweepwright/Settings/SettingsView.qml"))),
       services_(services),
-      version_(std::move(version)),
+      version_(appVersion(services.resources)),
       makeWhitelistScreen_(std::move(makeWhitelistScreen)),
       preferences_(services.defaults),
       scrolling_(services.notifications) {}
@@ -129,7 +122,8 @@ SettingsSection SettingsViewController::storageRows() const {
         QString::fromStdString(StorageAnalyzer::formatBytes(preferences_.largeFileThreshold()));
     SettingsRow paths =
         disclosure("Custom Paths", "Custom Paths Count", "customPaths", "folder.badge.plus");
-    paths.subtitle = counted(paths.subtitle, services_.customPaths.getCustomPathCount());
+    paths.subtitle =
+        services_.texts("Custom Paths Count", {services_.customPaths.getCustomPathCount()});
     return {hidden, threshold, paths};
 }
 
@@ -144,11 +138,12 @@ SettingsSection SettingsViewController::protectionRows() const {
     SettingsRow apps = disclosure("Clean Whitelist", "Clean Whitelist Description", "whitelist",
                                   "checkmark.shield.fill");
     if (const std::size_t count = services_.appWhitelist.getWhitelistCount(); count > 0) {
-        apps.subtitle = counted(services_.texts("Protected Apps Count"), count);
+        apps.subtitle = services_.texts("Protected Apps Count", {count});
     }
     SettingsRow paths =
         disclosure("Path Whitelist", "Path Whitelist Count", "pathWhitelist", "lock.shield.fill");
-    paths.subtitle = counted(paths.subtitle, services_.pathWhitelist.getWhitelistCount());
+    paths.subtitle =
+        services_.texts("Path Whitelist Count", {services_.pathWhitelist.getWhitelistCount()});
     return {apps, paths};
 }
 
@@ -156,8 +151,8 @@ SettingsSection SettingsViewController::appRows() const {
     SettingsRow version =
         disclosure("Version Info", "Version Info Description", "", "info.circle.fill");
     version.type = QStringLiteral("none");
-    version.subtitle = QString::fromStdString(
-        formatLocalized(version.subtitle.toStdString(), {version_.shortVersion, version_.build}));
+    version.subtitle =
+        services_.texts("Version Info Description", {version_.shortVersion, version_.build});
     return {
         version, disclosure("Help", "Help Description", "help", "questionmark.circle.fill"),
         disclosure("Privacy Policy", "Privacy Policy Description", "privacy", "hand.raised.fill"),

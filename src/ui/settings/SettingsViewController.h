@@ -43,8 +43,7 @@ class SettingsViewController : public ScreenController {
 
     /// What `services` names must outlive this. `makeWhitelistScreen` makes the screen of the
     /// protected apps.
-    SettingsViewController(const ScreenServices& services, AppVersion version,
-                           MakeScreen makeWhitelistScreen);
+    SettingsViewController(const ScreenServices& services, MakeScreen makeWhitelistScreen);
 
     [[nodiscard]] bool prefersLargeTitles() const override { return true; }
     [[nodiscard]] SettingsRows* rows() { return &rows_; }
@@ -126,6 +125,8 @@ class SettingsViewController : public ScreenController {
     void presentNote(Alert alert, std::string_view buttonKey);
     void presentPathsManager(std::string_view titleKey, std::string_view messageKey,
                              std::function<void()> add, std::function<void()> view);
+    // The key of what to say about what is, or isn't, at `path` now.
+    [[nodiscard]] std::string_view remarkKey(const std::string& path) const;
     void presentPathEntry(Alert alert, std::string_view placeholderKey, const ChangePath& add);
     void presentPaths(std::string_view titleKey, std::string_view emptyKey,
                       const std::vector<PathChoice>& choices);
@@ -133,7 +134,7 @@ class SettingsViewController : public ScreenController {
     // Shows what a change has led to: the rows anew, or why it could not be stored.
     void finish(const platform::Result<>& stored);
 
-    const ScreenServices& services_;
+    ScreenServices services_;
     AppVersion version_;
     MakeScreen makeWhitelistScreen_;
     SettingsPreferences preferences_;

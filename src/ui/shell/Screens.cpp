@@ -1,6 +1,5 @@
 #include "ui/shell/Screens.h"
 
-#include "platform/ResourceBundle.h"
 #include "ui/apps/AppListViewController.h"
 #include "ui/apps/WhitelistViewController.h"
 #include "ui/settings/SettingsViewController.h"
@@ -16,8 +15,7 @@ SceneDelegate::Screens makeScreens(const ScreenServices& services) {
     screens.push_back(
         std::make_unique<PlaceholderScreen>(services.texts, "Tab Home", services.notifications));
     screens.push_back(std::make_unique<AppListViewController>(services));
-    screens.push_back(std::make_unique<SettingsViewController>(
-        services, appVersion(platform::ResourceBundle::main()), makeWhitelistScreen));
+    screens.push_back(std::make_unique<SettingsViewController>(services, makeWhitelistScreen));
     return screens;
 }
 
