@@ -7,6 +7,7 @@
 
 #include "ui/gallery/GalleryScreen.h"
 #include "ui/kit/Appearance.h"
+#include "ui/screenshots/Scene.h"
 #include "ui/support/TestApp.h"
 
 // Draws every screen and state in light and dark, in both languages, on a phone and a tablet, and a
@@ -15,16 +16,9 @@
 namespace {
 
 using namespace sweepwright;
+using test::Scene;
 using ui::AlertAction;
 using ui::AlertController;
-
-struct Scene {
-    QString name;
-    test::TestApp::MakeScreens screens;  ///< the product's own when empty
-    std::function<void(test::TestApp&)> prepare;
-    int osVersion = 26;
-    bool welcome = false;
-};
 
 struct Look {
     platform::Idiom idiom;
@@ -139,7 +133,7 @@ std::vector<Scene> allScenes() {
         app.scene().tabBarController()->setSelectedIndex(1);
     };
     const auto controls = gallery("Controls", "App List");
-    return {
+    std::vector<Scene> scenes{
         {QStringLiteral("tabs"), {}, nothing},
         {QStringLiteral("welcome"),
          {},
@@ -177,6 +171,9 @@ std::vector<Scene> allScenes() {
         {QStringLiteral("sheet"), controls, sheet},
         {QStringLiteral("sheet-long"), controls, longSheet},
     };
+    for (const auto& more : {test::homeScenes()})
+        scenes.insert(scenes.end(), more.begin(), more.end());
+    return scenes;
 }
 
 QImage picture(const Scene& scene, const Look& look) {
