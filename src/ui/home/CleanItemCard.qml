@@ -47,7 +47,11 @@ Item {
     MouseArea {
         objectName: "cardArea"
         anchors.fill: parent
-        onClicked: mouse => {
+        onClicked: mouse => received(mouse)
+        // The second of two quick taps, which closes what the first has opened.
+        onDoubleClicked: mouse => received(mouse)
+
+        function received(mouse: MouseEvent): void {
             if (root.screen.gestureRecognizerShouldReceiveTouch(root.card, Qt.point(mouse.x, mouse.y)))
                 root.card.tapped();
         }
