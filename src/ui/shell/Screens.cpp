@@ -2,8 +2,8 @@
 
 #include "ui/apps/AppListViewController.h"
 #include "ui/apps/WhitelistViewController.h"
+#include "ui/home/ViewController.h"
 #include "ui/settings/SettingsViewController.h"
-#include "ui/shell/PlaceholderScreen.h"
 
 namespace sweepwright::ui {
 
@@ -12,8 +12,7 @@ SceneDelegate::Screens makeScreens(const ScreenServices& services) {
         return std::make_unique<WhitelistViewController>(services);
     };
     SceneDelegate::Screens screens;
-    screens.push_back(
-        std::make_unique<PlaceholderScreen>(services.texts, "Tab Home", services.notifications));
+    screens.push_back(std::make_unique<ViewController>(services));
     screens.push_back(std::make_unique<AppListViewController>(services));
     screens.push_back(std::make_unique<SettingsViewController>(services, makeWhitelistScreen));
     return screens;
