@@ -13,6 +13,8 @@ T.AbstractButton {
     property string value: ""
     property string symbol: ""
     property color symbolColor: Theme.systemBlue
+    // Whether the symbol stands white on a tile of its colour, or alone in its colour.
+    property bool symbolTile: true
     property string picture
     property color subtitleColor: Theme.secondaryLabel
     property int titleWeight: Theme.normal
@@ -46,6 +48,7 @@ T.AbstractButton {
     readonly property real openWidth: actions.length * 82
     readonly property bool open: swipe.to < 0
     readonly property bool settled: !swipe.running
+    readonly property bool aside: open || swipe.running || drag.active
 
     // Kept by its list for later use, and not to be seen.
     property bool pooled: false
@@ -65,9 +68,17 @@ T.AbstractButton {
         if (list) list.openRow = row;
     }
 
+    // A press on a row whose actions are open only closes them.
+    function press(): void {
+        if (open) close();
+        else clicked();
+    }
+
     width: ListView.view ? ListView.view.width : implicitWidth
     implicitWidth: 360
     implicitHeight: Math.max(minimumHeight, content.implicitHeight + 20)
+    leftPadding: inset
+    rightPadding: inset
     focusPolicy: selectable ? Qt.StrongFocus : Qt.NoFocus
     checkable: false
     ListView.onPooled: pooled = true
@@ -77,20 +88,21 @@ T.AbstractButton {
     }
     onActionsChanged: if (actions.length === 0) close()
     onEditingChanged: close()
-    Keys.onReturnPressed: clicked()
-    Keys.onEnterPressed: clicked()
+    Keys.onReturnPressed: press()
+    Keys.onEnterPressed: press()
+    Keys.onSpacePressed: press()
     Keys.onLeftPressed: event => { event.accepted = actions.length > 0; openActions(); }
     Keys.onRightPressed: event => { event.accepted = open; close(); }
     Keys.onMenuPressed: openActions()
     Accessible.role: editing ? Accessible.CheckBox : hasSwitch ? Accessible.CheckBox : Accessible.ListItem
     Accessible.name: title
-    Accessible.description: [subtitle, value].filter(text => text.length > 0).join(", ")
+    Accessible.description: subtitle + (subtitle.length > 0 && value.length > 0 ? ", " : "") + value
     Accessible.checkable: editing || hasSwitch
     Accessible.checked: editing ? selected : on
     Accessible.selected: selected
     Accessible.focusable: true
     Accessible.ignored: pooled
-    Accessible.onPressAction: clicked()
+    Accessible.onPressAction: press()
 
     SpringMotion {
         id: swipe
@@ -109,7 +121,7 @@ T.AbstractButton {
             x: row.inset
             width: row.width - 2 * row.inset
             height: row.height
-            clip: row.open || swipe.running || drag.active
+            clip: row.aside
 
             RowFace {
                 id: face
@@ -144,10 +156,12 @@ T.AbstractButton {
         readonly property real edge: 16
         readonly property real textStart: edge + (row.symbol.length > 0 || row.picture.length > 0 ? icon.width + 12 : 0) + shift.value
         implicitHeight: texts.implicitHeight
+        // What goes aside keeps within the card.
+        clip: row.aside
 
         Item {
-            x: row.inset + (drag.active ? drag.shown : swipe.value)
-            width: row.width - 2 * row.inset
+            x: drag.active ? drag.shown : swipe.value
+            width: content.width
             height: row.height
 
             Symbol {
@@ -172,12 +186,12 @@ T.AbstractButton {
                     visible: row.symbol.length > 0
                     radius: 8
                     antialiasing: true
-                    color: row.symbolColor
+                    color: row.symbolTile ? row.symbolColor : "transparent"
                     Symbol {
                         anchors.centerIn: parent
                         name: row.symbol
-                        size: 20
-                        color: "white"
+                        size: row.symbolTile ? 20 : 30
+                        color: row.symbolTile ? "white" : row.symbolColor
                     }
                 }
                 Image {
@@ -256,7 +270,11 @@ T.AbstractButton {
                         checked: row.on
                         focusPolicy: Qt.NoFocus
                         Accessible.ignored: true
-                        onToggled: row.switched(checked)
+                        // It shows what the row says, also when that did not follow.
+                        onToggled: {
+                            row.switched(checked);
+                            checked = Qt.binding(() => row.on);
+                        }
                     }
                 }
             }
@@ -300,7 +318,7 @@ T.AbstractButton {
         onClicked: {
             if (moved) return;
             row.forceActiveFocus(Qt.MouseFocusReason);
-            row.clicked();
+            row.press();
         }
 
         function settle(): void {
@@ -376,8 +394,5 @@ T.AbstractButton {
         }
     }
 
-    onClicked: {
-        if (row.open) close();
-        else if (hasSwitch) switched(!on);
-    }
+    onClicked: if (hasSwitch) switched(!on)
 }

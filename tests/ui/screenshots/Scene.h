@@ -22,5 +22,9 @@ struct Scene {
 
 /// The apps and the protected apps.
 std::vector<Scene> appScenes();
+/// The settings and what opens from them.
+std::vector<Scene> settingsScenes();
+/// The clean history.
+std::vector<Scene> historyScenes();
 
 }  // namespace sweepwright::test

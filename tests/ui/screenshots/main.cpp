@@ -174,7 +174,7 @@ std::vector<Scene> kitScenes() {
 
 std::vector<Scene> allScenes() {
     std::vector<Scene> scenes = kitScenes();
-    for (const auto& more : {test::appScenes()})
+    for (const auto& more : {test::appScenes(), test::settingsScenes(), test::historyScenes()})
         scenes.insert(scenes.end(), more.begin(), more.end());
     return scenes;
 }
