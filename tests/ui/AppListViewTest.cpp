@@ -1,3 +1,5 @@
+#include <random>
+
 #include "ui/AppScreensTest.h"
 #include "ui/kit/Appearance.h"
 
@@ -240,6 +242,38 @@ TEST_F(AppListView, LeavesNoRowBehindWhenManyComeGoAndMoveInView) {
         }));
         uninstall(app_.device, "com.example.g");
     }
+}
+
+TEST_F(AppListView, AgreesWithItsModelAfterManyChangesInAHurry) {
+    showTabWithFew();
+    reload();
+    ASSERT_TRUE(list().animatesChanges());
+    std::mt19937 random(7);
+    for (int round = 0; round < 60; ++round) {
+        std::vector<ui::AppRow> next;
+        for (int i = 0; i < 12; ++i) {
+            const QString key = QString(QLatin1Char(static_cast<char>('a' + i)));
+            if (random() % 4 != 0)
+                next.push_back({.key = key, .title = key, .detail = {}, .picture = {}});
+        }
+        for (int swaps = 0; swaps < 2 && !next.empty(); ++swaps)
+            std::swap(next[random() % next.size()], next[random() % next.size()]);
+        rows().setRows(next);
+        // Some are drawn, and so interrupt motions that have begun.
+        if (round % 3 != 0) (void)app_.window().grabWindow();
+        if (round % 20 == 19) {
+            EXPECT_TRUE(shows(titles())) << round;
+        }
+    }
+    EXPECT_TRUE(waitUntil([&] {
+        const std::vector<QQuickItem*> shown = shownRows();
+        for (std::size_t i = 0; i < shown.size(); ++i) {
+            const double opacity = shown[i]->opacity();
+            if (opacity != 1.0 || shown[i]->y() - shown[0]->y() != 70.0 * static_cast<double>(i))
+                return false;
+        }
+        return true;
+    }));
 }
 
 TEST_F(AppListView, BeginsANewListAtItsTop) {

@@ -46,35 +46,30 @@ ListPane {
         selected: isSelected
         actions: swipeActions
         closesOnAction: false
+        ListView.onAdd: if (root.moves) coming.restart()
+        ListView.onPooled: coming.complete()
         onClicked: root.rowSelected(index)
         onActionTriggered: action => root.actionTriggered(index, action)
+
+        NumberAnimation {
+            id: coming
+            target: row
+            property: "opacity"
+            from: 0
+            to: 1
+            duration: root.motion
+        }
     }
 
     // None at all where nothing is to be seen moving: a list that keeps them, disabled, leaves rows
-    // behind that are gone.
+    // behind that are gone. Opacity is not theirs: interrupted, they leave it where it was.
     readonly property bool moves: animated && motion > 0
-    add: moves ? coming : null
-    remove: moves ? going : null
-    move: moves ? moving : null
-    displaced: moves ? makingWay : null
+    move: moves ? slide : null
+    displaced: moves ? slide : null
 
     Transition {
-        id: coming
-        NumberAnimation { property: "opacity"; from: 0; to: 1; duration: root.motion }
-    }
-    Transition {
-        id: going
-        NumberAnimation { property: "opacity"; to: 0; duration: root.motion }
-    }
-    Transition {
-        id: moving
+        id: slide
         NumberAnimation { property: "y"; duration: root.motion; easing.type: Easing.InOutCubic }
-    }
-    Transition {
-        id: makingWay
-        NumberAnimation { property: "y"; duration: root.motion; easing.type: Easing.InOutCubic }
-        // One that was still coming is there all the same.
-        NumberAnimation { property: "opacity"; to: 1; duration: root.motion }
     }
 
     Item {

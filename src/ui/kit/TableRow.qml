@@ -84,8 +84,6 @@ T.AbstractButton {
     ListView.onPooled: pooled = true
     ListView.onReused: {
         pooled = false;
-        // It may have faded away when it went.
-        opacity = 1;
         close();
     }
     onActionsChanged: if (actions.length === 0) close()
