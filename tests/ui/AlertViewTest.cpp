@@ -27,20 +27,7 @@ class AlertView : public ViewTest {
             .addAction(QStringLiteral("Cancel"), AlertAction::Cancel, note("cancel"));
         return app_.presenter().present(std::move(alert));
     }
-    // The button that says this.
-    QQuickItem* button(const char* text) {
-        const QString wanted = QString::fromLatin1(text);
-        QQuickItem* found = nullptr;
-        QList<QQuickItem*> waiting{app_.item("presenterHost")};
-        while (!waiting.isEmpty()) {
-            QQuickItem* each = waiting.takeFirst();
-            const bool presses = each->metaObject()->indexOfSignal("clicked()") >= 0;
-            if (presses && each->property("text").toString() == wanted) found = each;
-            waiting += each->childItems();
-        }
-        if (found == nullptr) ADD_FAILURE() << "no button " << text;
-        return found;
-    }
+    QQuickItem* button(const char* text) { return ViewTest::button(app_, text); }
     bool faded() {
         return waitUntil([&] { return app_.presenter().rowCount() == 0; });
     }

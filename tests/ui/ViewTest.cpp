@@ -1,5 +1,7 @@
 #include "ui/ViewTest.h"
 
+#include <QAccessible>
+
 namespace sweepwright::test {
 
 TestApp::MakeScreens ViewTest::gallery(const char* page) {
@@ -32,6 +34,37 @@ void ViewTest::swipe(TestApp& app, QPoint from, QPoint to) {
         QTest::touchEvent(&app.window(), finger_).move(0, from + (to - from) * i / kMoves);
     }
     QTest::touchEvent(&app.window(), finger_).release(0, to);
+}
+
+QQuickItem* ViewTest::button(TestApp& app, const char* text) {
+    const QString wanted = QString::fromUtf8(text);
+    QQuickItem* found = nullptr;
+    QList<QQuickItem*> waiting{app.item("presenterHost")};
+    while (!waiting.isEmpty()) {
+        QQuickItem* each = waiting.takeFirst();
+        const bool presses = each->metaObject()->indexOfSignal("clicked()") >= 0;
+        if (presses && each->property("text").toString() == wanted) found = each;
+        waiting += each->childItems();
+    }
+    if (found == nullptr) ADD_FAILURE() << "no button " << text;
+    return found;
+}
+
+std::string ViewTest::namelessItems(TestApp& app) {
+    std::string nameless;
+    QList<QQuickItem*> waiting{app.window().contentItem()};
+    while (!waiting.isEmpty()) {
+        QQuickItem* each = waiting.takeFirst();
+        if (!each->isVisible() || !each->isEnabled()) continue;
+        waiting += each->childItems();
+        if (each->metaObject()->indexOfSignal("clicked()") < 0) continue;
+        QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(each);
+        const bool named = spoken != nullptr && !spoken->text(QAccessible::Name).isEmpty() &&
+                           spoken->role() != QAccessible::NoRole &&
+                           spoken->role() != QAccessible::Client;
+        if (!named) nameless += std::string(each->metaObject()->className()) + ' ';
+    }
+    return nameless;
 }
 
 }  // namespace sweepwright::test

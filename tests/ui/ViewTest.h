@@ -2,6 +2,7 @@
 
 #include <QPointingDevice>
 #include <QTest>
+#include <string>
 
 #include <gtest/gtest.h>
 
@@ -31,6 +32,11 @@ class ViewTest : public testing::Test {
     void key(TestApp& app, Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
         QTest::keyClick(&app.window(), key, modifiers);
     }
+
+    /// The button of an alert or a sheet that says this; fails the test when there is none.
+    static QQuickItem* button(TestApp& app, const char* text);
+    /// The classes of what is shown and can be pressed, but says nothing to a screen reader.
+    static std::string namelessItems(TestApp& app);
 
     QPointingDevice* finger_ = touchScreen();
 

@@ -20,6 +20,8 @@ NavigationPage {
         visible: !page.screen.empty
         model: page.screen.rows
         sectionTitle: () => page.screen.header
+        // None at all without motion: disabled, it would leave rows behind that are gone.
+        displaced: Theme.duration(1) > 0 ? closing : null
         onScrolled: offsetY => page.screen.scrolling.didScroll(offsetY)
         onScrollEnded: offsetY => page.screen.scrolling.didEnd(offsetY)
         delegate: TableRow {
@@ -38,8 +40,16 @@ NavigationPage {
             symbolTile: false
             actions: [{title: page.screen.deleteTitle, symbol: "trash.fill", color: Theme.systemRed}]
             onClicked: page.screen.didSelectRow(index)
-            onActionTriggered: page.screen.deleteRow(index)
+            onActionTriggered: () => page.screen.deleteRow(index)
             Keys.onDeletePressed: page.screen.deleteRow(index)
+        }
+    }
+    Transition {
+        id: closing
+        NumberAnimation {
+            property: "y"
+            duration: 250
+            easing.type: Easing.InOutCubic
         }
     }
     Label {

@@ -16,7 +16,8 @@ namespace sweepwright::ui {
 
 /// The recorded cleans, newest first: their sum, the details of each, and ways to delete one or
 /// all. Its texts are Chinese in every language. Shows at once what is cleaned elsewhere.
-class CleanHistoryViewController : public ScreenController {
+class CleanHistoryViewController : public sweepwright::ui::ScreenController {
+    // The base is named in full, as Qt's type registrar takes it as written.
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("made by the settings")

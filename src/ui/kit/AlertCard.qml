@@ -64,6 +64,7 @@ FocusScope {
 
             Flickable {
                 id: words
+                objectName: "alertWords"
                 width: content.width - 32
                 height: Math.min(contentHeight, root.height - root.safeTop - root.safeBottom - 48 - fixed.height - 48)
                 contentHeight: phrases.implicitHeight
@@ -80,7 +81,7 @@ FocusScope {
                     topPadding: 6
                     leftPadding: 8
                     rightPadding: 8
-                    spacing: 8
+                    spacing: root.alert.article ? 12 : 8
 
                     Label {
                         width: parent.width - 16

@@ -87,7 +87,7 @@ FocusScope {
                     anchors.centerIn: parent
                     width: parent.width - (choice.modelData.current ? 96 : 40)
                     text: choice.text
-                    size: root.wordy ? 16 : 18
+                    size: root.wordy ? 15 : 18
                     weight: choice.modelData.current ? Theme.semibold : Theme.normal
                     color: choice.destructive ? Theme.systemRed : Theme.systemBlue
                     horizontalAlignment: Text.AlignHCenter

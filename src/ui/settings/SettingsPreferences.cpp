@@ -44,7 +44,7 @@ Result<> SettingsPreferences::storeMissing() {
         if (all.find(kScanDepth) == nullptr) all.set(std::string(kScanDepth), kDefaultScanDepth);
     };
     const Result<> before = readable();
-    return logged(kLargeFileThreshold, before ? defaults_.updateAll(fill) : before);
+    return logged("默认设置", before ? defaults_.updateAll(fill) : before);
 }
 
 std::uint64_t SettingsPreferences::largeFileThreshold() const {

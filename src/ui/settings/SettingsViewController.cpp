@@ -57,6 +57,10 @@ void SettingsViewController::viewDidLoad() {
 }
 
 void SettingsViewController::viewWillAppear() {
+    // Another program may have changed the lists meanwhile.
+    services_.customPaths.reload();
+    services_.pathWhitelist.reload();
+    services_.appWhitelist.reload();
     loadSettingsData();
     whitelistObserver_ = services_.notifications.observe(
         std::string(kWhitelistUpdated), [this](const auto&) { whitelistUpdated(); });

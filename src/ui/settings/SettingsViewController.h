@@ -26,7 +26,8 @@ class AlertController;
 ///
 /// Every press leads to an alert, an action sheet or another screen. A change that can't be stored
 /// is told in an alert and changes nothing.
-class SettingsViewController : public ScreenController {
+class SettingsViewController : public sweepwright::ui::ScreenController {
+    // The base is named in full, as Qt's type registrar takes it as written.
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("made by the shell")

@@ -93,6 +93,12 @@ QQuickView& TestApp::show(QSize size) {
 }
 
 QQuickItem* TestApp::item(const char* objectName) const {
+    QQuickItem* found = findItem(objectName);
+    if (found == nullptr) ADD_FAILURE() << "no item named " << objectName;
+    return found;
+}
+
+QQuickItem* TestApp::findItem(const char* objectName) const {
     const QString name = QString::fromLatin1(objectName);
     QList<QQuickItem*> waiting{view_->contentItem()};
     QQuickItem* found = nullptr;
@@ -101,7 +107,6 @@ QQuickItem* TestApp::item(const char* objectName) const {
         if (each->objectName() == name && (found == nullptr || each->isVisible())) found = each;
         waiting += each->childItems();
     }
-    if (found == nullptr) ADD_FAILURE() << "no item named " << objectName;
     return found;
 }
 

@@ -65,6 +65,8 @@ class TestApp {
     /// The item of this object name: of several one that is shown; fails the test when there is
     /// none.
     [[nodiscard]] QQuickItem* item(const char* objectName) const;
+    /// The same, or none.
+    [[nodiscard]] QQuickItem* findItem(const char* objectName) const;
     /// The middle of an item in the window's points.
     [[nodiscard]] static QPoint middleOf(const QQuickItem* item);
 
