@@ -49,16 +49,18 @@ TEST_F(AppListViewControllerTest, ShowsThatItLoadsAndHidesTheEmptyText) {
 }
 
 TEST_F(AppListViewControllerTest, LoadsWhenItIsShownForTheFirstTimeAndAtEveryAppearance) {
-    installFew();
+    showFew();
+    AppListViewController screen(app_.services());
     const platform::LogCapture log;
-    finishLoading();
+    const auto finish = [&] { runUntil([&] { return !screen.loading(); }); };
+    screen.load();
+    finish();
     EXPECT_EQ(scansIn(log), 1);
-    app_.scene().sceneWillConnect();
     for (int visit = 2; visit < 4; ++visit) {
-        app_.scene().tabBarController()->setSelectedIndex(1);
-        finishLoading();
+        screen.setVisible(true);
+        finish();
         EXPECT_EQ(scansIn(log), visit);
-        app_.scene().tabBarController()->setSelectedIndex(0);
+        screen.setVisible(false);
     }
 }
 
@@ -129,21 +131,21 @@ TEST_F(AppListViewControllerTest, KeepsTheRowsThatAScanDoesNotChange) {
 
 TEST_F(AppListViewControllerTest, LoadsASecondAfterACleanWasRecorded) {
     showFew();
+    const platform::LogCapture log;
+    const auto start = std::chrono::steady_clock::now();
     app_.notifications.post("CleanHistoryUpdated");
     app_.mainQueue.drain();
     EXPECT_FALSE(list().loading());
-    bool due = false;
-    app_.mainQueue.after(AppListViewController::kReloadDelay, [&] { due = true; });
-    app_.mainQueue.runUntil([&] { return due; });
-    EXPECT_TRUE(list().loading());
+    app_.mainQueue.runUntil([&] { return scansIn(log) == 1; });
+    EXPECT_GE(std::chrono::steady_clock::now() - start, AppListViewController::kReloadDelay);
 }
 
 TEST_F(AppListViewControllerTest, HearsOfCleansThatAreRecordedOnOtherThreads) {
     showFew();
     const auto queue = platform::DispatchQueue::serial("test");
     queue->sync([&] { app_.notifications.post("CleanHistoryUpdated"); });
-    app_.mainQueue.runUntil([&] { return list().loading(); });
-    finishLoading();
+    const platform::LogCapture log;
+    app_.mainQueue.runUntil([&] { return scansIn(log) == 1; });
 }
 
 TEST_F(AppListViewControllerTest, DoesNotLoadAfterACleanInEditModeNeitherAtOnceNorLater) {

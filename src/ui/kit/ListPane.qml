@@ -38,7 +38,7 @@ ListView {
     onMovementStarted: closeRow()
 
     function closeRow(): void {
-        if (openRow) openRow.close();
+        if (openRow) openRow.close();  // qmllint disable type
     }
 
     // Clear of the bars, which the list's own positioning does not know.

@@ -1,4 +1,5 @@
 import QtQuick
+import QtQuick.Templates as T
 
 // A column of things that scrolls under a page's bars.
 Flickable {
@@ -35,6 +36,21 @@ Flickable {
         const high = contentY + height - bottomInset - item.height;
         if (top < low) contentY = top - topInset - 8;
         else if (top > high) contentY = top + item.height + bottomInset - height + 8;
+    }
+
+    function revealFocus(): void {
+        const item = root.Window.activeFocusItem as T.Control;
+        if (!item || !item.visualFocus) return;
+        for (let above = item.parent; above; above = above.parent)
+            if (above === column) return root.reveal(item);
+    }
+
+    Connections {
+        target: root.Window.window
+        function onActiveFocusItemChanged(): void {
+            // Why it has the focus is known a moment later.
+            Qt.callLater(root.revealFocus);
+        }
     }
 
     Column {

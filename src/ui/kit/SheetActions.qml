@@ -8,7 +8,7 @@ FocusScope {
 
     required property AlertController alert
     property real maximumHeight: 600
-    readonly property var choices: alert.actions.filter(action => action.style !== AlertAction.Cancel)
+    readonly property var choices: alert.actions.filter(action => action.style !== AlertAction.Cancel)  // qmllint disable type
     // Where a choice is long, as a path is, all of them take a smaller face.
     readonly property bool wordy: choices.some(action => action.title.length > 28)
     readonly property bool hasWords: alert.title.length > 0 || alert.message.length > 0

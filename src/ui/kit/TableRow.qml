@@ -96,7 +96,7 @@ T.AbstractButton {
     Keys.onMenuPressed: openActions()
     Accessible.role: editing ? Accessible.CheckBox : hasSwitch ? Accessible.CheckBox : Accessible.ListItem
     Accessible.name: title
-    Accessible.description: [subtitle, value].filter(text => text.length > 0).join(", ")
+    Accessible.description: subtitle + (subtitle.length > 0 && value.length > 0 ? ", " : "") + value
     Accessible.checkable: editing || hasSwitch
     Accessible.checked: editing ? selected : on
     Accessible.selected: selected

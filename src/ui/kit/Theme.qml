@@ -42,7 +42,7 @@ QtObject {
     readonly property color elevatedBackground: dark ? "#252528" : "#fbfbfd"
     readonly property color veil: dark ? "#80000000" : "#4d000000"
 
-    readonly property string family: families.find(name => installed.includes(name)) ?? ""
+    readonly property string family: families.find(name => installed.includes(name)) ?? ""  // qmllint disable type
     readonly property string displayFamily:
         installed.includes("Inter Display") ? "Inter Display" : family
     readonly property int normal: Font.Normal

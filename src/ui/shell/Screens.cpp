@@ -2,20 +2,17 @@
 
 #include "ui/apps/AppListViewController.h"
 #include "ui/apps/WhitelistViewController.h"
+#include "ui/home/ViewController.h"
 #include "ui/settings/SettingsViewController.h"
-#include "ui/shell/PlaceholderScreen.h"
 
 namespace sweepwright::ui {
 
 SceneDelegate::Screens makeScreens(const ScreenServices& services) {
-    const auto placeholder = [&](const char* key) {
-        return std::make_unique<PlaceholderScreen>(services.texts, key, services.notifications);
-    };
     const auto makeWhitelistScreen = [services] {
         return std::make_unique<WhitelistViewController>(services);
     };
     SceneDelegate::Screens screens;
-    screens.push_back(placeholder("Tab Home"));
+    screens.push_back(std::make_unique<ViewController>(services));
     screens.push_back(std::make_unique<AppListViewController>(services));
     screens.push_back(std::make_unique<SettingsViewController>(services, makeWhitelistScreen));
     return screens;

@@ -20,6 +20,8 @@ struct Scene {
     double textScale = 1.0;
 };
 
+/// The home tab.
+std::vector<Scene> homeScenes();
 /// The apps and the protected apps.
 std::vector<Scene> appScenes();
 /// The settings and what opens from them.

@@ -8,6 +8,7 @@
 #include "ui/gallery/GalleryScreen.h"
 #include "ui/kit/Appearance.h"
 #include "ui/screenshots/Scene.h"
+#include "ui/support/TestApp.h"
 
 // Draws every screen and state in light and dark, in both languages, on a phone and a tablet, and a
 // contact sheet of each combination. Called by script/screenshots, which gives it a display.
@@ -174,7 +175,8 @@ std::vector<Scene> kitScenes() {
 
 std::vector<Scene> allScenes() {
     std::vector<Scene> scenes = kitScenes();
-    for (const auto& more : {test::appScenes(), test::settingsScenes(), test::historyScenes()})
+    for (const auto& more :
+         {test::homeScenes(), test::appScenes(), test::settingsScenes(), test::historyScenes()})
         scenes.insert(scenes.end(), more.begin(), more.end());
     return scenes;
 }

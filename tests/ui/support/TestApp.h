@@ -26,8 +26,19 @@ class FakeUrlOpener : public ui::UrlOpener {
         if (completion) completion(opens);
     }
 
+    [[nodiscard]] bool canOpenAddress(const QByteArray& address) const override {
+        return opens && !address.startsWith(refused);
+    }
+    void openAddress(const QByteArray& address, const Completion& completion) override {
+        openedAddresses.append(address);
+        if (completion) completion(opens && !fails);
+    }
+
     std::vector<QUrl> opened;
+    QByteArrayList openedAddresses;
     bool opens = true;
+    bool fails = false;               ///< to open an address that it says it can open
+    QByteArray refused = "refused:";  ///< beginning of the addresses that it can't open
 };
 
 struct TestAppOptions {

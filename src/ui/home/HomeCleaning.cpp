@@ -1,0 +1,146 @@
+// The cleans of the home screen and their alerts.
+#include <QPointer>
+#include <utility>
+
+#include <fmt/format.h>
+
+#include "localization/LocalizedFormat.h"
+#include "ui/home/ViewController.h"
+#include "ui/presentation/Presenter.h"
+
+namespace sweepwright::ui {
+
+namespace {
+
+constexpr double kPercent = 100.0;
+
+// Makes room for the spinner.
+constexpr const char* kProgressRoom = "\n\n\n";
+
+}  // namespace
+
+bool ViewController::isCovered() const {
+    return presenter() != nullptr && presenter()->active();
+}
+
+std::unique_ptr<AlertController> ViewController::makeAlert(const QString& title,
+                                                           const QString& message) {
+    return std::make_unique<AlertController>(AlertController::Alert, title, message);
+}
+
+void ViewController::present(std::unique_ptr<AlertController> alert) {
+    if (presenter() != nullptr) presenter()->present(std::move(alert));
+}
+
+void ViewController::tell(std::string_view titleKey, const QString& message) {
+    auto alert = makeAlert(texts(titleKey), message);
+    alert->addAction(texts("OK"));
+    present(std::move(alert));
+}
+
+void ViewController::confirm(std::string_view titleKey, std::string_view messageKey,
+                             const std::function<void()>& clean) {
+    if (isCovered()) return;
+    auto alert = makeAlert(texts(titleKey), texts(messageKey));
+    alert->addAction(texts("Clean"), AlertAction::Destructive,
+                     [weak = std::weak_ptr(self_), clean] {
+                         if (!weak.expired()) clean();
+                     });
+    alert->addAction(texts("Cancel"), AlertAction::Cancel);
+    present(std::move(alert));
+}
+
+void ViewController::cleanCacheTapped() {
+    cleanWithType(CleanType::Cache, texts("Cache Files"));
+}
+
+void ViewController::cleanTempTapped() {
+    cleanWithType(CleanType::TempFiles, texts("Temp Files"));
+}
+
+void ViewController::cleanCookieTapped() {
+    cleanWithType(CleanType::Cookies, texts("Cookie & Web Data"));
+}
+
+void ViewController::cleanLogTapped() {
+    cleanWithType(CleanType::SystemLogs, texts("System Logs"));
+}
+
+void ViewController::cleanAllTapped() {
+    confirm("Confirm Clean", "Confirm Clean Message",
+            [this] { cleanWithType(CleanType::All, texts("Clean Items")); });
+}
+
+void ViewController::cleanAppCacheTapped() {
+    confirm("Clean Third Party App Cache", "Clean Third Party App Cache Message",
+            [this] { performCleanAppCache(); });
+}
+
+void ViewController::cleanWithType(CleanType type, const QString& /*title*/) {
+    performClean(
+        texts("Cleaning"),
+        [this](const std::string& item, double fraction) {
+            return QString::fromStdString(fmt::format("{} {:.0f}%\n{}", format("Cleaning Message"),
+                                                      fraction * kPercent, item));
+        },
+        [this, type](auto progress, auto completion) {
+            services_.engine.cleanWithType(type, std::move(progress), std::move(completion));
+        },
+        [this] {
+            updateStorageInfo();
+            performInitialScan();
+        });
+}
+
+void ViewController::performCleanAppCache() {
+    performClean(
+        texts("Clean Third Party App Cache"),
+        [this](const std::string& item, double fraction) {
+            return QString::fromStdString(localization::formatLocalized(
+                format("Clean App Cache Message Format"), {fraction * kPercent, item}));
+        },
+        [this](auto progress, auto completion) {
+            services_.apps.cleanAllThirdPartyAppCaches(std::move(progress), std::move(completion));
+        },
+        [this] {
+            services_.apps.invalidateAllCache();
+            updateStorageInfo();
+            scanThirdPartyAppCaches();
+        });
+}
+
+void ViewController::performClean(const QString& alertTitle, const Message& message,
+                                  const StartClean& start, std::function<void()> afterSuccess) {
+    if (presenter() == nullptr || isCovered()) return;
+    auto made = makeAlert(alertTitle, QString::fromLatin1(kProgressRoom));
+    made->addSpinner();
+    const QPointer<AlertController> alert = presenter()->present(std::move(made));
+    start(
+        [weak = std::weak_ptr(self_), alert, message](const std::string& item, double fraction) {
+            if (weak.expired() || !alert) return;
+            alert->setMessage(message(item, fraction));
+            alert->setProgress(fraction);
+        },
+        [weak = std::weak_ptr(self_), alert, afterSuccess = std::move(afterSuccess)](
+            bool success, std::uint64_t cleanedBytes, const auto& error) {
+            const auto self = weak.lock();
+            if (!self || self->presenter() == nullptr) return;
+            self->presenter()->dismiss(
+                alert, [&] { self->cleanDidComplete(success, cleanedBytes, error, afterSuccess); });
+        });
+}
+
+void ViewController::cleanDidComplete(bool success, std::uint64_t cleanedBytes,
+                                      const std::optional<platform::Error>& error,
+                                      const std::function<void()>& afterSuccess) {
+    if (!success) {
+        tell("Clean Failed", QString::fromStdString(error ? error->description : std::string()));
+        return;
+    }
+    tell("Clean Completed",
+         QString::fromStdString(localization::formatLocalized(
+             format("Clean Success Message"), {StorageAnalyzer::formatBytes(cleanedBytes)})));
+    afterSuccess();
+}
+
+}  // namespace sweepwright::ui

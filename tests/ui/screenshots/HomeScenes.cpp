@@ -1,0 +1,205 @@
+#include <QTest>
+
+#include "ui/home/ViewController.h"
+#include "ui/kit/Appearance.h"
+#include "ui/presentation/MainQueueHook.h"
+#include "ui/screenshots/Scene.h"
+#include "ui/shell/Screens.h"
+#include "ui/support/SampleContent.h"
+
+namespace sweepwright::test {
+
+namespace {
+
+using ui::CleanItemCardView;
+using ui::ViewController;
+
+constexpr std::uint64_t kGigabyte = std::uint64_t{1} << 30U;
+
+// A home screen on a volume that is `used` percent full of `total` bytes.
+TestApp::MakeScreens home(std::uint64_t total, double used) {
+    return [=](const ui::ScreenServices& services) {
+        // Never destroyed: the screens outlive this call, and the program ends soon.
+        auto* volume = new VolumeFiles(services.files);
+        const auto free = static_cast<std::uint64_t>(static_cast<double>(total) * (1 - used / 100));
+        volume->volume = platform::FileSystemAttributes{total, free};
+        auto* storage = new StorageAnalyzer(services.device, *volume);
+        return ui::makeScreens(withStorage(services, *storage));
+    };
+}
+
+ViewController& screenOf(TestApp& app) {
+    return *qobject_cast<ViewController*>(app.scene().tabBarController()->at(0).root());
+}
+
+void waitFor(TestApp& app, const std::function<bool()>& done) {
+    constexpr int kMilliseconds = 30000;
+    const bool came = QTest::qWaitFor(
+        [&] {
+            app.mainQueue.drain();
+            return done();
+        },
+        kMilliseconds);
+    if (!came) qFatal("a scene did not become what it is to show");
+}
+
+bool isSettled(ViewController& screen) {
+    const QString scanning = QStringLiteral("Scanning…");
+    for (const CleanItemCardView* card : screen.cards()) {
+        if (card->sizeText() == scanning || card->sizeText().contains(QStringLiteral("中"))) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// The sample device's figures are in the cards.
+void fill(TestApp& app) {
+    waitFor(app, [&] { return isSettled(screenOf(app)); });
+    fillWithSampleDevice(app.device);
+    screenOf(app).performInitialScan();
+    waitFor(app, [&] { return screenOf(app).appCacheCard().fileList()->rowCount() > 0; });
+    waitFor(app, [&] { return !screenOf(app).cacheCard().fileList()->sizes().empty(); });
+}
+
+void scrollTo(TestApp& app, double y) {
+    QQuickItem* pane = app.item("homePane");
+    const double end = pane->property("contentHeight").toDouble() +
+                       pane->property("bottomMargin").toDouble() - pane->height();
+    pane->setProperty("contentY", std::min(y, end));
+    app.scene().showTabBar();
+}
+
+constexpr double kBottom = 1e6;
+
+void setTextScale(double scale) {
+    ui::Appearance::shared().setTextScale(scale);
+    QCoreApplication::processEvents();
+}
+
+void expand(TestApp& app, int index) {
+    screenOf(app).cards()[index]->toggleExpanded(false);
+}
+
+const char* const kLong =
+    "/var/mobile/Library/Caches/com.example.an.application.with.a.name.that.does.not.end/"
+    "fsCachedData-0F8E4C1D-7B65-4A39-92C0-8D1E5F7A6B34-and-then-some-more.sqlite3";
+
+// Names beyond all measure, sizes of terabytes, nothing at all.
+void extremes(TestApp& app) {
+    fill(app);
+    ViewController& screen = screenOf(app);
+    std::vector<std::string> rows(4000, kLong);
+    screen.cacheCard().updateSize(QStringLiteral("1023.9 TB"));
+    screen.cacheCard().updateFileList(rows);
+    screen.cacheCard().toggleExpanded(false);
+    screen.tempCard().updateSize(QStringLiteral("0 B"));
+    screen.tempCard().updateFileList({});
+    screen.tempCard().toggleExpanded(false);
+    screen.appCacheCard().updateSize(QStringLiteral("1234567.8 GB · Apps: 123456"));
+}
+
+void cleaning(TestApp& app) {
+    fill(app);
+    ViewController& screen = screenOf(app);
+    screen.cleanAllTapped();
+    ui::AlertController* asked = app.presenter().alert();
+    asked->choose(asked->actions().first());
+    ui::AlertController* shown = app.presenter().alert();
+    shown->setMessage(app.services().texts("Cleaning Message") +
+                      QStringLiteral(" 42%\ncom.apple.mobilesafari"));
+    shown->setProgress(0.42);
+}
+
+void rowTapped(TestApp& app) {
+    fill(app);
+    expand(app, 0);
+    screenOf(app).cacheCard().didSelectRow(0);
+}
+
+void tell(TestApp& app, const char* title, const QString& message) {
+    auto alert = std::make_unique<ui::AlertController>(ui::AlertController::Alert,
+                                                       app.services().texts(title), message);
+    alert->addAction(app.services().texts("OK"));
+    app.presenter().present(std::move(alert));
+}
+
+}  // namespace
+
+std::vector<Scene> homeScenes() {
+    const auto usual = home(128 * kGigabyte, 71.4);
+    return {
+        {QStringLiteral("home"), usual, fill},
+        {QStringLiteral("home-bottom"), usual,
+         [](TestApp& app) {
+             fill(app);
+             scrollTo(app, kBottom);
+         }},
+        {QStringLiteral("home-green"), home(256 * kGigabyte, 41.2), fill},
+        {QStringLiteral("home-red"), home(2048 * kGigabyte, 96.6), fill},
+        {QStringLiteral("home-first"), usual, [](TestApp&) {}},
+        {QStringLiteral("home-scanning"), usual,
+         [](TestApp& app) {
+             fill(app);
+             screenOf(app).scanButtonTapped();
+         }},
+        {QStringLiteral("home-open"), usual,
+         [](TestApp& app) {
+             fill(app);
+             expand(app, 0);
+             expand(app, 3);
+             scrollTo(app, 330);
+         }},
+        {QStringLiteral("home-open-apps"), usual,
+         [](TestApp& app) {
+             fill(app);
+             expand(app, 4);
+             scrollTo(app, kBottom);
+         }},
+        {QStringLiteral("home-confirm"), usual,
+         [](TestApp& app) {
+             fill(app);
+             screenOf(app).cleanAllTapped();
+         }},
+        {QStringLiteral("home-confirm-apps"), usual,
+         [](TestApp& app) {
+             fill(app);
+             screenOf(app).cleanAppCacheTapped();
+         }},
+        {QStringLiteral("home-cleaning"), usual, cleaning},
+        {QStringLiteral("home-cleaned"), home(128 * kGigabyte, 58.9),
+         [](TestApp& app) {
+             fill(app);
+             tell(app, "Clean Completed",
+                  app.services()
+                      .texts("Clean Success Message")
+                      .replace(QLatin1String("%@"), QLatin1String("16.2 GB")));
+         }},
+        {QStringLiteral("home-row"), usual, rowTapped},
+        {QStringLiteral("home-extremes"), home(8192 * kGigabyte, 99.96),
+         [](TestApp& app) {
+             extremes(app);
+             scrollTo(app, 300);
+         }},
+        {QStringLiteral("home-large-text"), usual,
+         [](TestApp& app) {
+             fill(app);
+             setTextScale(1.5);
+             expand(app, 0);
+         }},
+        {QStringLiteral("home-large-text-bottom"), usual,
+         [](TestApp& app) {
+             extremes(app);
+             setTextScale(1.5);
+             scrollTo(app, kBottom);
+         }},
+        {QStringLiteral("home-largest-text"), usual,
+         [](TestApp& app) {
+             fill(app);
+             setTextScale(2.0);
+             scrollTo(app, 260);
+         }},
+    };
+}
+
+}  // namespace sweepwright::test
