@@ -52,6 +52,14 @@ std::time_t timeOf(const std::tm& reading) {
     return timeWith(reading, 0);
 }
 
+/// `time` as a date, or the nearest whole day that the type holds: its nanoseconds fit 584 years.
+system_clock::time_point nearestDate(std::time_t time) {
+    constexpr std::chrono::seconds kFarthest =
+        std::chrono::floor<std::chrono::days>(system_clock::duration::max());
+    const std::chrono::seconds since1970(time);
+    return system_clock::time_point(std::clamp(since1970, -kFarthest, kFarthest));
+}
+
 }  // namespace
 
 std::string dateText(system_clock::time_point date) {
@@ -79,7 +87,7 @@ std::optional<system_clock::time_point> dateFromText(std::string_view text) {
     reading.tm_year = static_cast<int>(day.year()) - 1900;
     reading.tm_mon = static_cast<int>(static_cast<unsigned>(day.month())) - 1;
     reading.tm_mday = static_cast<int>(static_cast<unsigned>(day.day()));
-    return system_clock::from_time_t(timeOf(reading));
+    return nearestDate(timeOf(reading));
 }
 
 }  // namespace sweepwright::platform

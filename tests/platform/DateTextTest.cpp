@@ -101,5 +101,12 @@ TEST(DateText, ASkippedHourIsReadByTheClockBeforeTheChange) {
     EXPECT_EQ(dateFromText("2026-03-29 02:30:00"), wanted);
 }
 
+TEST(DateText, ADateBeyondTheTypesRangeIsTheNearestThatItHolds) {
+    const TimeZone zone("UTC0");
+    EXPECT_EQ(dateText(*dateFromText("9999-12-31 23:59:59")), "2262-04-11 00:00:00");
+    EXPECT_EQ(dateText(*dateFromText("0000-01-01 00:00:00")), "1677-09-22 00:00:00");
+    EXPECT_LT(dateFromText("2262-04-10 23:59:59"), dateFromText("2262-05-01 00:00:00"));
+}
+
 }  // namespace
 }  // namespace sweepwright::platform

@@ -14,6 +14,7 @@
 
 #include <unistd.h>
 
+#include "ui/gallery/GalleryScreen.h"
 #include "ui/support/TestApp.h"
 
 // Measures the shell with a list of 2,000 rows: time to the first frame, memory, processor time
@@ -58,6 +59,16 @@ void runFor(std::chrono::milliseconds span) {
     loop.exec();
 }
 
+// The gallery's list in every tab.
+ui::SceneDelegate::Screens longLists(const ui::ScreenServices& services) {
+    ui::SceneDelegate::Screens screens;
+    for (int i = 0; i < 3; ++i) {
+        screens.push_back(std::make_unique<test::GalleryScreen>(
+            QStringLiteral("Apps"), services.texts, "App List", services.notifications));
+    }
+    return screens;
+}
+
 QQuickItem* listOf(QQuickItem* root) {
     QList<QQuickItem*> waiting{root};
     while (!waiting.isEmpty()) {
@@ -96,7 +107,7 @@ std::vector<double> scrollFrames(test::TestApp& app, int count) {
 
 int main(int argc, char** argv) {
     QGuiApplication application(argc, argv);
-    test::TestApp app({.osVersion = argc > 1 ? std::atoi(argv[1]) : 26});
+    test::TestApp app({.osVersion = argc > 1 ? std::atoi(argv[1]) : 26}, longLists);
     app.show();
     (void)app.window().grabWindow();
     std::printf("first frame drawn after %.0f ms\n", sinceProcessStart());

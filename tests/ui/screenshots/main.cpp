@@ -8,7 +8,6 @@
 #include "ui/gallery/GalleryScreen.h"
 #include "ui/kit/Appearance.h"
 #include "ui/screenshots/Scene.h"
-#include "ui/support/TestApp.h"
 
 // Draws every screen and state in light and dark, in both languages, on a phone and a tablet, and a
 // contact sheet of each combination. Called by script/screenshots, which gives it a display.
@@ -125,7 +124,7 @@ void longSheet(test::TestApp& app) {
     app.presenter().present(std::move(shown));
 }
 
-std::vector<Scene> allScenes() {
+std::vector<Scene> kitScenes() {
     const auto nothing = [](test::TestApp&) {};
     const auto scrolled = [](test::TestApp& app) { scroll(app, 331); };
     const auto second = [](test::TestApp& app) {
@@ -133,7 +132,7 @@ std::vector<Scene> allScenes() {
         app.scene().tabBarController()->setSelectedIndex(1);
     };
     const auto controls = gallery("Controls", "App List");
-    std::vector<Scene> scenes{
+    return {
         {QStringLiteral("tabs"), {}, nothing},
         {QStringLiteral("welcome"),
          {},
@@ -171,7 +170,12 @@ std::vector<Scene> allScenes() {
         {QStringLiteral("sheet"), controls, sheet},
         {QStringLiteral("sheet-long"), controls, longSheet},
     };
-    for (const auto& more : {test::homeScenes()})
+}
+
+std::vector<Scene> allScenes() {
+    std::vector<Scene> scenes = kitScenes();
+    for (const auto& more :
+         {test::homeScenes(), test::appScenes(), test::settingsScenes(), test::historyScenes()})
         scenes.insert(scenes.end(), more.begin(), more.end());
     return scenes;
 }
@@ -181,6 +185,8 @@ QImage picture(const Scene& scene, const Look& look) {
     ui::Appearance::shared().setStyle(look.dark ? ui::Appearance::Style::Dark
                                                 : ui::Appearance::Style::Light);
     ui::Appearance::shared().setReducedMotion(true);
+    ui::Appearance::shared().setTextScale(scene.textScale);
+    if (scene.device) scene.device(app);
     QQuickView& view = app.show(look.size());
     scene.prepare(app);
     // Textures of textures need a frame each to reach the last.

@@ -66,7 +66,9 @@ ui::ScreenServices withStorage(const ui::ScreenServices& services, StorageAnalyz
             services.history,
             services.language,
             services.texts,
-            services.opener};
+            services.opener,
+            services.resources,
+            services.icons};
 }
 
 }  // namespace sweepwright::test
