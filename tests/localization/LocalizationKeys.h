@@ -17,6 +17,9 @@ inline constexpr auto kLocalizationKeys = std::to_array<LocalizationKey>({
     {"Tab Home"},
     {"Tab Apps"},
     {"Tab Settings"},
+    // A change that could not be stored
+    {"Cannot Save"},
+    {"Cannot Save Message"},
     // Home
     {"Cache Files"},
     {"Temp Files"},
@@ -139,6 +142,10 @@ inline constexpr auto kLocalizationKeys = std::to_array<LocalizationKey>({
     {"Path (e.g., /var/mobile/Library/Caches/MyApp)"},
     {"Add"},
     {"No custom paths added"},
+    {"Path Is a Folder"},
+    {"Path Is a File"},
+    {"Path Holds Nothing"},
+    {"Path Is Not Absolute"},
     {"Remove"},
     {"Path Whitelist Description"},
     {"Add Path to Whitelist"},

@@ -9,14 +9,15 @@ FocusScope {
     focus: true
 
     required property AlertController alert
+    readonly property var actions: alert.actions  // qmllint disable type
     property real shown: 1
     property real safeTop: 0
     property real safeBottom: 0
 
-    readonly property real cardWidth: Math.min(width - 48, 300)
+    readonly property real cardWidth: Math.min(width - 48, alert.article ? 480 : 300)
     // Two short titles stand side by side.
-    readonly property bool sideBySide: alert.actions.length === 2
-        && alert.actions.every(action => metrics.advanceWidth(action.title) < (cardWidth - 32 - 8) / 2 - 24)
+    readonly property bool sideBySide: actions.length === 2
+        && actions.every(action => metrics.advanceWidth(action.title) < (cardWidth - 32 - 8) / 2 - 24)
 
     FontMetrics {
         id: metrics
@@ -90,9 +91,17 @@ FocusScope {
                         wrapMode: Text.Wrap
                         Accessible.role: Accessible.Heading
                     }
+                    Loader {
+                        width: parent.width - 16
+                        active: root.alert.article
+                        visible: active
+                        sourceComponent: ArticleText {
+                            text: root.alert.message
+                        }
+                    }
                     Label {
                         width: parent.width - 16
-                        visible: text.trim().length > 0
+                        visible: !root.alert.article && text.trim().length > 0
                         text: root.alert.message.trim()
                         size: 15
                         lineHeight: 1.12
@@ -158,7 +167,7 @@ FocusScope {
                 Grid {
                     id: buttons
                     width: parent.width
-                    visible: root.alert.actions.length > 0
+                    visible: root.actions.length > 0
                     columns: root.sideBySide ? 2 : 1
                     spacing: 8
                     // A pair has its cancel button at the left, a column at the bottom.
@@ -179,7 +188,7 @@ FocusScope {
                 Item {
                     width: 1
                     height: 1
-                    visible: root.alert.actions.length === 0 && !root.alert.busy
+                    visible: root.actions.length === 0 && !root.alert.busy
                 }
             }
         }
@@ -187,14 +196,14 @@ FocusScope {
 
     readonly property AlertAction cancelling: alert.cancelAction()
     readonly property var ordered: {
-        const others = alert.actions.filter(action => action !== cancelling);
+        const others = actions.filter(action => action !== cancelling);
         if (!cancelling) return others;
         return sideBySide ? [cancelling, ...others] : [...others, cancelling];
     }
     // What Return chooses: never something that destroys.
     readonly property AlertAction preferred:
-        alert.actions.find(action => action.style === AlertAction.Default)
-        ?? (cancelling && alert.actions.length > 0 ? cancelling : null)
+        actions.find(action => action.style === AlertAction.Default)
+        ?? (cancelling && actions.length > 0 ? cancelling : null)
 
     function chooseDefault(): void {
         if (preferred) alert.choose(preferred);

@@ -35,6 +35,8 @@ T.TextField {
         visible: field.text.length === 0 && field.preeditText.length === 0
         text: field.placeholder
         size: 15
+        fontSizeMode: Text.HorizontalFit
+        minimumPixelSize: Theme.scaled(11)
         color: Theme.placeholder
         elide: Text.ElideRight
         Accessible.ignored: true

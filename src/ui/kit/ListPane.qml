@@ -38,14 +38,26 @@ ListView {
     onMovementStarted: closeRow()
 
     function closeRow(): void {
-        if (openRow) openRow.close();
+        if (openRow) openRow.close();  // qmllint disable type
+    }
+
+    // Clear of the bars, which the list's own positioning does not know.
+    function toTop(): void {
+        forceLayout();
+        cancelFlick();
+        contentY = originY - topMargin;
+    }
+    function toBottom(): void {
+        // What lies between is not laid out yet, so that its height is a guess until there.
+        positionViewAtEnd();
+        contentY = Math.max(originY - topMargin, originY + contentHeight - height + bottomMargin);
     }
 
     Keys.onPressed: event => {
-        if (event.key === Qt.Key_PageDown) contentY = Math.min(contentY + height * 0.8, originY + contentHeight - height + bottomMargin);
+        if (event.key === Qt.Key_PageDown) contentY = Math.max(originY - topMargin, Math.min(contentY + height * 0.8, originY + contentHeight - height + bottomMargin));
         else if (event.key === Qt.Key_PageUp) contentY = Math.max(contentY - height * 0.8, originY - topMargin);
-        else if (event.key === Qt.Key_Home) positionViewAtBeginning();
-        else if (event.key === Qt.Key_End) positionViewAtEnd();
+        else if (event.key === Qt.Key_Home) toTop();
+        else if (event.key === Qt.Key_End) toBottom();
         else return;
         event.accepted = true;
     }

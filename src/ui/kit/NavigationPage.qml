@@ -119,7 +119,7 @@ FocusScope {
         Loader {
             id: titleLoader
             anchors.centerIn: parent
-            width: Math.min(item ? item.implicitWidth : 0, sideRoom)
+            width: Math.min(implicitWidth, sideRoom)
             readonly property real sideRoom: parent.width - 2 * Math.max(backButton.width, rightButton.width) - 24
             active: page.titleView !== null
             sourceComponent: page.titleView
@@ -148,6 +148,7 @@ FocusScope {
             text: item ? item.title : ""
             symbol: item ? item.symbol : ""
             enabled: item ? item.enabled : false
+            size: Theme.inBar(17)
             weight: item && item.prominent ? Theme.semibold : Theme.normal
             onClicked: item.trigger()
         }

@@ -87,6 +87,8 @@ FocusScope {
                 weight: segment.selected ? Theme.semibold : Theme.medium
                 color: segment.selected ? root.selectedTextColor : Theme.label
                 horizontalAlignment: Text.AlignHCenter
+                fontSizeMode: Text.HorizontalFit
+                minimumPixelSize: 9
                 elide: Text.ElideMiddle
                 Accessible.ignored: true
             }

@@ -8,7 +8,9 @@ FocusScope {
 
     required property AlertController alert
     property real maximumHeight: 600
-    readonly property var choices: alert.actions.filter(action => action.style !== AlertAction.Cancel)
+    readonly property var choices: alert.actions.filter(action => action.style !== AlertAction.Cancel)  // qmllint disable type
+    // Where a choice is long, as a path is, all of them take a smaller face.
+    readonly property bool wordy: choices.some(action => action.title.length > 28)
     readonly property bool hasWords: alert.title.length > 0 || alert.message.length > 0
 
     implicitHeight: Math.min(maximumHeight, words.height + list.contentHeight)
@@ -30,7 +32,7 @@ FocusScope {
             size: 14
             weight: Theme.semibold
             color: Theme.secondaryLabel
-            wrapMode: Text.WrapAnywhere
+            wrapMode: Text.Wrap
             horizontalAlignment: Text.AlignHCenter
             Accessible.role: Accessible.Heading
         }
@@ -85,13 +87,13 @@ FocusScope {
                     anchors.centerIn: parent
                     width: parent.width - (choice.modelData.current ? 96 : 40)
                     text: choice.text
-                    size: 18
+                    size: root.wordy ? 16 : 18
                     weight: choice.modelData.current ? Theme.semibold : Theme.normal
                     color: choice.destructive ? Theme.systemRed : Theme.systemBlue
                     horizontalAlignment: Text.AlignHCenter
-                    wrapMode: Text.WrapAnywhere
+                    wrapMode: Text.Wrap
                     maximumLineCount: 3
-                    elide: Text.ElideMiddle
+                    elide: Text.ElideRight
                     Accessible.ignored: true
                 }
                 Symbol {

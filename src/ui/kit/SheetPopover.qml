@@ -21,7 +21,7 @@ FocusScope {
     Item {
         id: card
         objectName: "popover"
-        width: 320
+        width: choices.wordy ? 400 : 320
         height: choices.implicitHeight
         x: Math.max(12, Math.min(root.width - width - 12, root.middle - width / 2))
         y: root.below ? root.anchor.y + root.anchor.height + 12

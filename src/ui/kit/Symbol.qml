@@ -16,7 +16,7 @@ Image {
     Accessible.ignored: true
 
     function encoded(value: color): string {
-        const parts = [value.a, value.r, value.g, value.b];
-        return parts.map(part => Math.round(part * 255).toString(16).padStart(2, "0")).join("");
+        const hex = part => Math.round(part * 255).toString(16).padStart(2, "0");
+        return hex(value.a) + hex(value.r) + hex(value.g) + hex(value.b);
     }
 }

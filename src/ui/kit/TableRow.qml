@@ -13,6 +13,8 @@ T.AbstractButton {
     property string value: ""
     property string symbol: ""
     property color symbolColor: Theme.systemBlue
+    // Whether the symbol stands white on a tile of its colour, or alone in its colour.
+    property bool symbolTile: true
     property string picture
     property color subtitleColor: Theme.secondaryLabel
     property int titleWeight: Theme.normal
@@ -33,8 +35,12 @@ T.AbstractButton {
     property bool editing: false
     property bool selected: false
 
-    // Actions behind the trailing edge: [{title, symbol, color}], the first one outermost.
+    // Actions behind the trailing edge: [{title, symbol, color}], the first one outermost; in place
+    // of a colour a tint, the name of one of the theme.
     property var actions: []
+    // Whether an action's press closes the row; if not, its list's closeRow() does when the action
+    // has ended.
+    property bool closesOnAction: true
     readonly property ListPane list: ListView.view as ListPane
 
     readonly property bool hasSwitch: accessory === "switch"
@@ -42,6 +48,10 @@ T.AbstractButton {
     readonly property real openWidth: actions.length * 82
     readonly property bool open: swipe.to < 0
     readonly property bool settled: !swipe.running
+    readonly property bool aside: open || swipe.running || drag.active
+
+    // Kept by its list for later use, and not to be seen.
+    property bool pooled: false
 
     signal switched(bool on)
     signal actionTriggered(int index)
@@ -58,27 +68,43 @@ T.AbstractButton {
         if (list) list.openRow = row;
     }
 
+    // A press on a row whose actions are open only closes them.
+    function press(): void {
+        if (open) close();
+        else clicked();
+    }
+
     width: ListView.view ? ListView.view.width : implicitWidth
     implicitWidth: 360
     implicitHeight: Math.max(minimumHeight, content.implicitHeight + 20)
+    leftPadding: inset
+    rightPadding: inset
     focusPolicy: selectable ? Qt.StrongFocus : Qt.NoFocus
     checkable: false
-    ListView.onReused: close()
+    ListView.onPooled: pooled = true
+    ListView.onReused: {
+        pooled = false;
+        // It may have faded away when it went.
+        opacity = 1;
+        close();
+    }
     onActionsChanged: if (actions.length === 0) close()
     onEditingChanged: close()
-    Keys.onReturnPressed: clicked()
-    Keys.onEnterPressed: clicked()
+    Keys.onReturnPressed: press()
+    Keys.onEnterPressed: press()
+    Keys.onSpacePressed: press()
     Keys.onLeftPressed: event => { event.accepted = actions.length > 0; openActions(); }
     Keys.onRightPressed: event => { event.accepted = open; close(); }
     Keys.onMenuPressed: openActions()
     Accessible.role: editing ? Accessible.CheckBox : hasSwitch ? Accessible.CheckBox : Accessible.ListItem
     Accessible.name: title
-    Accessible.description: [subtitle, value].filter(text => text.length > 0).join(", ")
+    Accessible.description: subtitle + (subtitle.length > 0 && value.length > 0 ? ", " : "") + value
     Accessible.checkable: editing || hasSwitch
     Accessible.checked: editing ? selected : on
     Accessible.selected: selected
     Accessible.focusable: true
-    Accessible.onPressAction: clicked()
+    Accessible.ignored: pooled
+    Accessible.onPressAction: press()
 
     SpringMotion {
         id: swipe
@@ -97,7 +123,7 @@ T.AbstractButton {
             x: row.inset
             width: row.width - 2 * row.inset
             height: row.height
-            clip: row.open || swipe.running || drag.active
+            clip: row.aside
 
             RowFace {
                 id: face
@@ -132,10 +158,12 @@ T.AbstractButton {
         readonly property real edge: 16
         readonly property real textStart: edge + (row.symbol.length > 0 || row.picture.length > 0 ? icon.width + 12 : 0) + shift.value
         implicitHeight: texts.implicitHeight
+        // What goes aside keeps within the card.
+        clip: row.aside
 
         Item {
-            x: row.inset + (drag.active ? drag.shown : swipe.value)
-            width: row.width - 2 * row.inset
+            x: drag.active ? drag.shown : swipe.value
+            width: content.width
             height: row.height
 
             Symbol {
@@ -160,12 +188,12 @@ T.AbstractButton {
                     visible: row.symbol.length > 0
                     radius: 8
                     antialiasing: true
-                    color: row.symbolColor
+                    color: row.symbolTile ? row.symbolColor : "transparent"
                     Symbol {
                         anchors.centerIn: parent
                         name: row.symbol
-                        size: 20
-                        color: "white"
+                        size: row.symbolTile ? 20 : 30
+                        color: row.symbolTile ? "white" : row.symbolColor
                     }
                 }
                 Image {
@@ -244,7 +272,11 @@ T.AbstractButton {
                         checked: row.on
                         focusPolicy: Qt.NoFocus
                         Accessible.ignored: true
-                        onToggled: row.switched(checked)
+                        // It shows what the row says, also when that did not follow.
+                        onToggled: {
+                            row.switched(checked);
+                            checked = Qt.binding(() => row.on);
+                        }
                     }
                 }
             }
@@ -288,7 +320,7 @@ T.AbstractButton {
         onClicked: {
             if (moved) return;
             row.forceActiveFocus(Qt.MouseFocusReason);
-            row.clicked();
+            row.press();
         }
 
         function settle(): void {
@@ -319,16 +351,19 @@ T.AbstractButton {
                     id: action
                     required property var modelData
                     required property int index
+                    readonly property color color: modelData.color ?? Theme[modelData.tint]
                     width: Math.max(82, index === 0 && drag.active ? -drag.shown - row.openWidth + 82 : 82)
                     height: tray.height
                     text: modelData.title
                     ringRadius: 4
                     onClicked: {
-                        row.actionTriggered(index);
-                        row.close();
+                        // The actions may be others afterwards, and this button gone.
+                        const own = row;
+                        own.actionTriggered(index);
+                        if (own.closesOnAction) own.close();
                     }
                     background: Rectangle {
-                        color: action.down ? Qt.darker(action.modelData.color, 1.15) : action.modelData.color
+                        color: action.down ? Qt.darker(action.color, 1.15) : action.color
                     }
                     contentItem: Item {
                         Column {
@@ -361,8 +396,5 @@ T.AbstractButton {
         }
     }
 
-    onClicked: {
-        if (row.open) close();
-        else if (hasSwitch) switched(!on);
-    }
+    onClicked: if (hasSwitch) switched(!on)
 }

@@ -42,7 +42,7 @@ QtObject {
     readonly property color elevatedBackground: dark ? "#252528" : "#fbfbfd"
     readonly property color veil: dark ? "#80000000" : "#4d000000"
 
-    readonly property string family: families.find(name => installed.includes(name)) ?? ""
+    readonly property string family: families.find(name => installed.includes(name)) ?? ""  // qmllint disable type
     readonly property string displayFamily:
         installed.includes("Inter Display") ? "Inter Display" : family
     readonly property int normal: Font.Normal
@@ -61,6 +61,11 @@ QtObject {
     function scaled(points: real): real {
         const growth = Appearance.textScale - 1;
         return Math.round(points * (1 + (points >= 28 ? growth / 2 : growth)));
+    }
+
+    // A size for texts of bars, which have no room to grow with the others beyond a quarter.
+    function inBar(points: real): real {
+        return points * Math.min(1, 1.25 / Appearance.textScale);
     }
 
     // How long a motion lasts that is no spring.

@@ -37,8 +37,19 @@ AlertController& AlertController::addSpinner() {
 }
 
 AlertController& AlertController::addTip(const QString& tip) {
-    tip_ = tip;
+    setTip(tip);
     return *this;
+}
+
+AlertController& AlertController::makeArticle() {
+    article_ = true;
+    return *this;
+}
+
+void AlertController::setTip(const QString& tip) {
+    if (tip == tip_) return;
+    tip_ = tip;
+    Q_EMIT tipChanged();
 }
 
 void AlertController::setMessage(const QString& message) {

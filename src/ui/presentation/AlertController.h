@@ -20,8 +20,11 @@ class AlertController : public QObject {
     Q_PROPERTY(Style style READ style CONSTANT)
     Q_PROPERTY(QString title READ title CONSTANT)
     Q_PROPERTY(QString message READ message WRITE setMessage NOTIFY messageChanged)
+    /// Whether the message is a longer text to read, in which a line that begins with "# " is a
+    /// heading and one that begins with "• " an item of a list.
+    Q_PROPERTY(bool article READ article CONSTANT)
     /// A remark under the message, small and grey.
-    Q_PROPERTY(QString tip READ tip CONSTANT)
+    Q_PROPERTY(QString tip READ tip WRITE setTip NOTIFY tipChanged)
     Q_PROPERTY(bool hasTextField READ hasTextField CONSTANT)
     Q_PROPERTY(QString placeholder READ placeholder CONSTANT)
     Q_PROPERTY(QString text READ text WRITE setText NOTIFY textChanged)
@@ -50,12 +53,16 @@ class AlertController : public QObject {
     /// A spinner that turns for as long as the alert is shown.
     AlertController& addSpinner();
     AlertController& addTip(const QString& tip);
+    AlertController& makeArticle();
 
     [[nodiscard]] Style style() const { return style_; }
     [[nodiscard]] const QString& title() const { return title_; }
     [[nodiscard]] const QString& message() const { return message_; }
     void setMessage(const QString& message);
+    [[nodiscard]] bool article() const { return article_; }
+
     [[nodiscard]] const QString& tip() const { return tip_; }
+    void setTip(const QString& tip);
     [[nodiscard]] bool hasTextField() const { return hasTextField_; }
     [[nodiscard]] const QString& placeholder() const { return placeholder_; }
     /// What stands in the text field.
@@ -80,6 +87,7 @@ class AlertController : public QObject {
 
   Q_SIGNALS:
     void messageChanged();
+    void tipChanged();
     void textChanged();
     void progressChanged();
     void actionsChanged();
@@ -97,6 +105,7 @@ class AlertController : public QObject {
     QString tip_;
     QString placeholder_;
     QString text_;
+    bool article_ = false;
     bool hasTextField_ = false;
     bool busy_ = false;
     bool isChosen_ = false;

@@ -4,6 +4,7 @@
 #include "platform/DispatchQueue.h"
 #include "platform/FileManager.h"
 #include "platform/NotificationCenter.h"
+#include "platform/ResourceBundle.h"
 #include "platform/UserDefaults.h"
 #include "ui/presentation/Texts.h"
 #include "ui/presentation/UrlOpener.h"
@@ -24,6 +25,8 @@ class LanguageManager;
 
 namespace ui {
 
+class AppIconStore;
+
 /// What the shell and its screens work with. All of it outlives them.
 struct ScreenServices {
     const platform::Device& device;
@@ -41,6 +44,8 @@ struct ScreenServices {
     localization::LanguageManager& language;
     Texts& texts;
     UrlOpener& opener;
+    const platform::ResourceBundle& resources;
+    AppIconStore& icons;
 };
 
 }  // namespace ui

@@ -13,4 +13,9 @@ QString Texts::operator()(std::string_view key) const {
     return QString::fromStdString(lookup_(key));
 }
 
+QString Texts::operator()(std::string_view key,
+                          std::initializer_list<localization::FormatArgument> arguments) const {
+    return QString::fromStdString(localization::formatLocalized(lookup_(key), arguments));
+}
+
 }  // namespace sweepwright::ui

@@ -3,9 +3,11 @@
 #include <QObject>
 #include <QString>
 #include <functional>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 
+#include "localization/LocalizedFormat.h"
 #include "platform/NotificationCenter.h"
 
 namespace sweepwright::ui {
@@ -25,6 +27,9 @@ class Texts : public QObject {
     Texts(Lookup lookup, platform::NotificationCenter& notifications);
 
     [[nodiscard]] QString operator()(std::string_view key) const;
+    /// The text for a key with its specifiers filled in.
+    [[nodiscard]] QString operator()(
+        std::string_view key, std::initializer_list<localization::FormatArgument> arguments) const;
 
   Q_SIGNALS:
     void changed();

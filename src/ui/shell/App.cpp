@@ -10,6 +10,7 @@
 #include "launch/GlobalOptions.h"
 #include "localization/LanguageManager.h"
 #include "platform/Log.h"
+#include "ui/apps/AppIconProvider.h"
 #include "ui/kit/Appearance.h"
 #include "ui/kit/SymbolProvider.h"
 #include "ui/presentation/MainQueueHook.h"
@@ -54,6 +55,7 @@ int runScene(QGuiApplication& application) {
 
     MainQueueHook hook(platform::MainQueue::shared());
     DesktopUrlOpener opener;
+    AppIconStore icons(files);
     auto& notifications = platform::NotificationCenter::defaultCenter();
     Texts texts([&language](std::string_view key) { return language.localizedStringForKey(key); },
                 notifications);
@@ -71,11 +73,13 @@ int runScene(QGuiApplication& application) {
                                   CleanHistoryManager::sharedManager(),
                                   language,
                                   texts,
-                                  opener};
+                                  opener,
+                                  platform::ResourceBundle::main(),
+                                  icons};
     SceneDelegate scene(services, makeScreens(services));
 
     QQmlApplicationEngine engine;
-    prepareEngine(engine);
+    prepareEngine(engine, icons);
     engine.setInitialProperties({{QStringLiteral("scene"), QVariant::fromValue(&scene)}});
     engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Sweepwright/Shell/Main.qml")));
     if (engine.rootObjects().isEmpty()) return complain(kFailed, QStringLiteral("no window"));
@@ -87,9 +91,10 @@ int runScene(QGuiApplication& application) {
 
 }  // namespace
 
-void prepareEngine(QQmlEngine& engine) {
+void prepareEngine(QQmlEngine& engine, const AppIconStore& icons) {
     engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
     engine.addImageProvider(SymbolProvider::kIdentifier, new SymbolProvider);
+    engine.addImageProvider(AppIconStore::kProvider, new AppIconProvider(icons));
 }
 
 int runApp(QGuiApplication& application, const QStringList& words) {

@@ -7,8 +7,11 @@ class QQmlEngine;
 
 namespace sweepwright::ui {
 
-/// Gives an engine what the views of the kit need: the symbols and the modules' place.
-void prepareEngine(QQmlEngine& engine);
+class AppIconStore;
+
+/// Gives an engine what the views need: the symbols, the apps' icons and the modules' place.
+/// `icons` must outlive the engine.
+void prepareEngine(QQmlEngine& engine, const AppIconStore& icons);
 
 /// Runs the app with the words after the program's name; the process's exit status.
 int runApp(QGuiApplication& application, const QStringList& words);

@@ -33,7 +33,7 @@ class PlaceholderRows : public QAbstractListModel {
 };
 
 /// Stands in a tab whose screen is not there yet: a long list that scrolls under the bar.
-class PlaceholderScreen : public ScreenController {
+class PlaceholderScreen : public sweepwright::ui::ScreenController {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("made by the shell")

@@ -9,6 +9,7 @@ FocusScope {
     id: shell
 
     required property SceneDelegate scene
+    readonly property var controllers: scene.tabBarController.viewControllers  // qmllint disable type
     // Parts of the window that its frame or the device's shape covers.
     property real safeTop: 0
     property real safeBottom: 0
@@ -28,7 +29,7 @@ FocusScope {
         }
 
         Repeater {
-            model: shell.scene.tabBarController.viewControllers
+            model: shell.controllers
             delegate: NavigationStack {
                 required property NavigationController modelData
                 required property int index
@@ -78,7 +79,7 @@ FocusScope {
     }
 
     Repeater {
-        model: shell.scene.tabBarController.viewControllers.length
+        model: shell.controllers.length
         Item {
             id: choice
             required property int index

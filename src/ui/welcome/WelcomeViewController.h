@@ -12,7 +12,7 @@
 namespace sweepwright::ui {
 
 /// The greeting that lies over the tabs until "Get Started" is pressed once.
-class WelcomeViewController : public ScreenController {
+class WelcomeViewController : public sweepwright::ui::ScreenController {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("made by the shell")

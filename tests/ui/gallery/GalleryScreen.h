@@ -9,7 +9,7 @@
 namespace sweepwright::test {
 
 /// A screen that shows pieces of the kit, for pictures and tests.
-class GalleryScreen : public ui::ScreenController {
+class GalleryScreen : public sweepwright::ui::ScreenController {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("made by tests")

@@ -1,4 +1,3 @@
-import QtQml.Models
 import QtQuick
 import Sweepwright.Gallery
 import Sweepwright.Kit
@@ -12,7 +11,7 @@ NavigationPage {
     color: Theme.groupedBackground
     flickable: list
 
-    ListModel {
+    ListModel {  // qmllint disable
         id: rows
         Component.onCompleted: {
             const make = (section, key, symbol, hue, accessory, value, first, last) => append({

@@ -7,7 +7,7 @@
 
 #include "ui/gallery/GalleryScreen.h"
 #include "ui/kit/Appearance.h"
-#include "ui/support/TestApp.h"
+#include "ui/screenshots/Scene.h"
 
 // Draws every screen and state in light and dark, in both languages, on a phone and a tablet, and a
 // contact sheet of each combination. Called by script/screenshots, which gives it a display.
@@ -15,16 +15,9 @@
 namespace {
 
 using namespace sweepwright;
+using test::Scene;
 using ui::AlertAction;
 using ui::AlertController;
-
-struct Scene {
-    QString name;
-    test::TestApp::MakeScreens screens;  ///< the product's own when empty
-    std::function<void(test::TestApp&)> prepare;
-    int osVersion = 26;
-    bool welcome = false;
-};
 
 struct Look {
     platform::Idiom idiom;
@@ -131,7 +124,7 @@ void longSheet(test::TestApp& app) {
     app.presenter().present(std::move(shown));
 }
 
-std::vector<Scene> allScenes() {
+std::vector<Scene> kitScenes() {
     const auto nothing = [](test::TestApp&) {};
     const auto scrolled = [](test::TestApp& app) { scroll(app, 331); };
     const auto second = [](test::TestApp& app) {
@@ -179,11 +172,20 @@ std::vector<Scene> allScenes() {
     };
 }
 
+std::vector<Scene> allScenes() {
+    std::vector<Scene> scenes = kitScenes();
+    for (const auto& more : {test::appScenes(), test::settingsScenes(), test::historyScenes()})
+        scenes.insert(scenes.end(), more.begin(), more.end());
+    return scenes;
+}
+
 QImage picture(const Scene& scene, const Look& look) {
     test::TestApp app({look.idiom, scene.osVersion, look.language, !scene.welcome}, scene.screens);
     ui::Appearance::shared().setStyle(look.dark ? ui::Appearance::Style::Dark
                                                 : ui::Appearance::Style::Light);
     ui::Appearance::shared().setReducedMotion(true);
+    ui::Appearance::shared().setTextScale(scene.textScale);
+    if (scene.device) scene.device(app);
     QQuickView& view = app.show(look.size());
     scene.prepare(app);
     // Textures of textures need a frame each to reach the last.

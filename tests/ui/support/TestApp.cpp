@@ -53,7 +53,8 @@ TestApp::TestApp(const Options& options, const MakeScreens& makeScreens)
              notifications),
       services_{core.device,      core.files,   core.defaults, notifications,  mainQueue,
                 core.engine,      core.storage, apps_,         core.whitelist, appWhitelist_,
-                core.customPaths, core.history, language_,     texts_,         opener} {
+                core.customPaths, core.history, language_,     texts_,         opener,
+                resources_,       icons} {
     ui::Appearance::shared().setStyle(ui::Appearance::Style::Light);
     ui::Appearance::shared().setTextScale(1.0);
     ui::Appearance::shared().setReducedMotion(false);
@@ -76,7 +77,7 @@ TestApp::~TestApp() {
 
 QQuickView& TestApp::show(QSize size) {
     view_ = std::make_unique<QQuickView>();
-    ui::prepareEngine(*view_->engine());
+    ui::prepareEngine(*view_->engine(), icons);
     view_->setResizeMode(QQuickView::SizeRootObjectToView);
     view_->setInitialProperties({{QStringLiteral("scene"), QVariant::fromValue(scene_.get())}});
     view_->setSource(QUrl(QStringLiteral("qrc:/qt/qml/Sweepwright/Shell/ShellView.qml")));

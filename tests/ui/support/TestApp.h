@@ -12,6 +12,7 @@
 #include "localization/LanguageManager.h"
 #include "protection/AppWhitelistManager.h"
 #include "support/engine/EngineDevice.h"
+#include "ui/apps/AppIconStore.h"
 #include "ui/shell/SceneDelegate.h"
 
 namespace sweepwright::test {
@@ -66,6 +67,7 @@ class TestApp {
     platform::NotificationCenter& notifications = core.notifications;
     platform::MainQueue& mainQueue = core.mainQueue;
     FakeUrlOpener opener;
+    ui::AppIconStore icons{core.files};
 
   private:
     platform::ResourceBundle resources_;
