@@ -47,8 +47,7 @@ class StringVector {
 /// and what the shell says of it, or is made to say, would act on the terminal and forge lines.
 class NoStreams {
   public:
-    NoStreams() {
-        failed_ = posix_spawn_file_actions_init(&actions_);
+    NoStreams() : failed_(posix_spawn_file_actions_init(&actions_)) {
         if (failed_ != 0) return;
         for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
             const int mode = stream == STDIN_FILENO ? O_RDONLY : O_WRONLY;
@@ -67,7 +66,7 @@ class NoStreams {
 
   private:
     posix_spawn_file_actions_t actions_{};
-    int failed_ = 0;
+    int failed_;
 };
 
 }  // namespace
