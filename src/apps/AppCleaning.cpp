@@ -1,6 +1,7 @@
 // Emptying apps' caches: one, several, all.
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <exception>
 #include <semaphore>
 
@@ -34,8 +35,9 @@ void ThirdPartyAppCacheManager::startClean(const std::string& bundleIdentifier, 
                        completion = std::move(completion)]() mutable {
         std::optional<Error> error;
         std::uint64_t cleaned = 0;
-        if (const auto ready = readiness(); !ready) {
-            error = ready.error();
+        auto admitted = admission();
+        if (!admitted) {
+            error = admitted.error();
         } else {
             cleaned = cleanNow(bundleIdentifier, progress, error);
         }
@@ -45,6 +47,7 @@ void ThirdPartyAppCacheManager::startClean(const std::string& bundleIdentifier, 
                                                   : std::string("第三方应用缓存")));
             invalidateCacheForApp(bundleIdentifier);
         }
+        if (admitted) admitted->reset();
         postCompletion(std::move(completion), cleaned, std::move(error));
     });
 }
@@ -118,6 +121,7 @@ void ThirdPartyAppCacheManager::noteRefused(const std::string& container, std::s
         if (step && step->type == platform::FileType::SymbolicLink)
             return observer_->kept(path, KeptReason::Link, {});
     }
+    if (error.code == EXDEV) return observer_->kept(path, KeptReason::MountPoint, {});
     observer_->kept(path, KeptReason::Failed, error.description);
 }
 
@@ -196,10 +200,24 @@ void ThirdPartyAppCacheManager::removeEntry(const platform::Directory& directory
     emptied.freed += removal.bytes;
     if (removal.error) {
         log("⚠️ 删除失败: {} 错误: {}", path, removal.error->description);
-        if (observer_ != nullptr)
+        keepMountPoints(removal, emptied);
+        if (observer_ != nullptr && !removal.onlyMountPointsStay)
             observer_->kept(path, KeptReason::Failed, removal.error->description);
     } else if (observer_ != nullptr) {
         observer_->removed(path, removal.bytes);
+    }
+}
+
+void ThirdPartyAppCacheManager::keepMountPoints(const platform::Removal& removal,
+                                                Emptied& emptied) {
+    for (const std::string& path : removal.mountPoints) {
+        const auto attributes = services_.files.attributes(path, LastLink::Refuse);
+        if (attributes && attributes->type == platform::FileType::Directory) {
+            emptied.left += walker_.sizeOfDirectory(path, entryRules());
+        } else if (attributes) {
+            emptied.left += attributes->size;
+        }
+        if (observer_ != nullptr) observer_->kept(path, KeptReason::MountPoint, {});
     }
 }
 
@@ -221,14 +239,23 @@ void ThirdPartyAppCacheManager::startBatch(std::vector<std::string> bundleIdenti
                                            Progress progress, Completion completion) {
     scanQueue_->async([this, identifiers = std::move(bundleIdentifiers),
                        progress = std::move(progress), completion = std::move(completion)] {
-        if (const auto ready = readiness(); !ready)
-            return postCompletion(completion, 0, ready.error());
-        cleanBatch(identifiers, progress, completion);
+        // Held throughout, so that no other process comes between two of the apps.
+        auto admitted = admission();
+        if (!admitted) return postCompletion(completion, 0, admitted.error());
+        const std::uint64_t total = cleanBatch(identifiers, progress);
+        admitted->reset();
+        postCompletion(completion, total, std::nullopt);
     });
 }
 
-void ThirdPartyAppCacheManager::cleanBatch(const std::vector<std::string>& identifiers,
-                                           const Progress& progress, const Completion& completion) {
+platform::Result<std::optional<CleanLock::Share>> ThirdPartyAppCacheManager::admission() {
+    if (auto ready = readiness(); !ready) return std::unexpected(ready.error());
+    if (services_.lock == nullptr) return std::nullopt;
+    return services_.lock->share();
+}
+
+std::uint64_t ThirdPartyAppCacheManager::cleanBatch(const std::vector<std::string>& identifiers,
+                                                    const Progress& progress) {
     std::uint64_t total = 0;
     const auto count = static_cast<double>(identifiers.size());
     for (std::size_t index = 0; index < identifiers.size() && !isStopped(); ++index) {
@@ -252,7 +279,7 @@ void ThirdPartyAppCacheManager::cleanBatch(const std::vector<std::string>& ident
     if (total > 0) record(total, "第三方应用缓存（全部）");
     for (const std::string& identifier : identifiers)
         invalidateCacheForApp(identifier);
-    postCompletion(completion, total, std::nullopt);
+    return total;
 }
 
 void ThirdPartyAppCacheManager::cleanAllThirdPartyAppCaches(Progress progress,

@@ -20,7 +20,7 @@ AppServices AppServices::shared() {
             platform::ResourceBundle::main(),      AppWhitelistManager::sharedManager(),
             PathWhitelistManager::sharedManager(), CleanHistoryManager::sharedManager(),
             CleanStatistics::sharedStatistics(),   platform::NotificationCenter::defaultCenter(),
-            platform::MainQueue::shared()};
+            platform::MainQueue::shared(),         &CleanLock::sharedLock()};
 }
 
 ThirdPartyAppCacheManager& ThirdPartyAppCacheManager::sharedManager() {

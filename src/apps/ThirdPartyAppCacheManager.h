@@ -26,6 +26,7 @@
 #include "platform/TreeWalker.h"
 #include "protection/AppWhitelistManager.h"
 #include "protection/CleanHistoryManager.h"
+#include "protection/CleanLock.h"
 #include "protection/CleanStatistics.h"
 #include "protection/PathWhitelistManager.h"
 
@@ -46,6 +47,8 @@ struct AppServices {
     CleanStatistics& statistics;
     platform::NotificationCenter& notifications;
     platform::MainQueue& mainQueue;
+    /// Keeps other processes from cleaning at the same time; none in a preview.
+    CleanLock* lock = nullptr;
 
     /// The shared ones, on Device::current().
     static AppServices shared();
@@ -183,12 +186,14 @@ class ThirdPartyAppCacheManager {
 
     // Cleaning.
     [[nodiscard]] bool isStopped() const { return stopRequested_; }
+    /// What a clean holds while it may change the device; an error when it must not start.
+    platform::Result<std::optional<CleanLock::Share>> admission();
     void startClean(const std::string& bundleIdentifier, Progress progress, Completion completion);
     void startBatch(std::vector<std::string> bundleIdentifiers, Progress progress,
                     Completion completion);
     /// What became of a folder's entries.
     struct Emptied {
-        std::uint64_t left = 0;   ///< bytes of protected entries
+        std::uint64_t left = 0;   ///< bytes of protected entries and behind mount points
         std::uint64_t freed = 0;  ///< bytes of what went
         bool wasStopped = false;  ///< before the last entry
     };
@@ -208,9 +213,9 @@ class ThirdPartyAppCacheManager {
     void keepEntry(const platform::Directory& directory, const std::string& name, Emptied& emptied);
     void removeEntry(const platform::Directory& directory, const std::string& name,
                      Emptied& emptied);
+    void keepMountPoints(const platform::Removal& removal, Emptied& emptied);
     void record(std::uint64_t cleaned, const std::string& historyName);
-    void cleanBatch(const std::vector<std::string>& identifiers, const Progress& progress,
-                    const Completion& completion);
+    std::uint64_t cleanBatch(const std::vector<std::string>& identifiers, const Progress& progress);
     void postCompletion(Completion completion, std::uint64_t cleaned, std::optional<Error> error);
 
     AppServices services_;

@@ -18,6 +18,8 @@ std::string_view keptReasonName(KeptReason reason) {
             return "Maps";
         case KeptReason::OwnFolder:
             return "own folder";
+        case KeptReason::MountPoint:
+            return "mount point";
         case KeptReason::Failed:
             return "failed";
     }

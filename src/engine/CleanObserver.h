@@ -16,6 +16,7 @@ enum class KeptReason {
     RecentSideFile,  ///< a database's side file changed less than 300 seconds ago
     Maps,            ///< a cache of the Maps app
     OwnFolder,       ///< the app's own cache folder
+    MountPoint,      ///< something else is mounted there
     Failed,          ///< it could not be removed; `by` is the error
 };
 

@@ -33,7 +33,8 @@ std::uint64_t FileCleanerEngine::cleanEntries(const std::string& directory, Name
                                               const Progress& progress) {
     std::uint64_t total = 0;
     for (const std::string& name : cleanableEntriesOf(directory))
-        if (rule(name)) total += removeContentsOfDirectory(joinPath(directory, name), progress);
+        if (rule(name) && !keepsMountPoint(directory, name))
+            total += removeContentsOfDirectory(joinPath(directory, name), progress);
     return total;
 }
 
@@ -73,7 +74,7 @@ std::uint64_t FileCleanerEngine::cleanSupportCaches(const Progress& progress) {
             noteProtected(path);
         } else if (isMapsAppPath(path)) {
             keepMaps(path);
-        } else if (rules::isTemporaryData(name)) {
+        } else if (rules::isTemporaryData(name) && !keepsMountPoint(support, name)) {
             total += removeContentsOfDirectory(path, progress);
         }
     }
@@ -121,7 +122,8 @@ std::uint64_t FileCleanerEngine::cleanSharedCache(const std::string& name,
         keepMaps(path);
         return 0;
     }
-    if (!rules::isSharedCache(name)) return 0;
+    if (!rules::isSharedCache(name) || keepsMountPoint(std::string(rules::kSharedCaches), name))
+        return 0;
     // Asked again: the list may have changed since.
     if (isPathInWhitelist(path)) {
         log("🔒 二次检查：跳过白名单路径: {}", path);

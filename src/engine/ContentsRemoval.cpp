@@ -1,4 +1,6 @@
 // Removing the contents of a directory: the one routine behind every category cleaner.
+#include <cerrno>
+
 #include "engine/CategoryRules.h"
 #include "engine/FileCleanerEngine.h"
 #include "engine/LinkProtection.h"
@@ -26,10 +28,16 @@ void FileCleanerEngine::noteProtected(const std::string& path) {
                  protectingPath(services_.files, services_.pathWhitelist, path));
 }
 
+void FileCleanerEngine::noteMountPoints(const platform::Removal& removal) {
+    for (const std::string& path : removal.mountPoints)
+        noteKept(path, KeptReason::MountPoint);
+}
+
 std::shared_ptr<const ProtectedPlaces> FileCleanerEngine::findProtectedPlaces() {
     const std::string defaults = services_.device.userDefaultsFile();
-    return std::make_shared<const ProtectedPlaces>(ProtectedPlaces::find(
-        services_.files, services_.pathWhitelist, {defaults, defaults + ".lock"}));
+    return std::make_shared<const ProtectedPlaces>(
+        ProtectedPlaces::find(services_.files, services_.pathWhitelist,
+                              {defaults, defaults + ".lock", CleanLock::fileBeside(defaults)}));
 }
 
 LinkProtection FileCleanerEngine::protectionOf(const platform::Directory& directory) {
@@ -40,6 +48,25 @@ LinkProtection FileCleanerEngine::protectionOf(const platform::Directory& direct
 void FileCleanerEngine::keepMaps(const std::string& path) {
     log("🗺️ 跳过地图应用缓存: {} (保护地图图片缓存)", path);
     noteKept(path, KeptReason::Maps);
+}
+
+bool FileCleanerEngine::keepsMountPoint(const std::string& directory, const std::string& name) {
+    const std::string path = platform::joinPath(directory, name);
+    const auto parent = services_.files.openDirectory(directory, LastLink::Refuse);
+    if (!parent) {
+        noteKept(path, KeptReason::Failed, parent.error().description);
+        return true;
+    }
+    const auto opened = services_.files.openBeneath(*parent, name, platform::Mounts::Refuse);
+    if (opened) return false;
+    const auto number = opened.error().code;
+    if (number == ENOTDIR || number == ENOENT || number == ELOOP) return false;
+    if (number == EXDEV) {
+        noteKept(path, KeptReason::MountPoint);
+    } else {
+        noteKept(path, KeptReason::Failed, opened.error().description);
+    }
+    return true;
 }
 
 std::uint64_t FileCleanerEngine::removeContentsOfDirectory(const std::string& directory,
@@ -148,6 +175,8 @@ std::uint64_t FileCleanerEngine::removeEntry(const platform::Directory& director
         return removal.bytes;
     }
     log("⚠️ 无法删除文件: {}, 错误: {}", path, removal.error->description);
+    noteMountPoints(removal);
+    if (removal.onlyMountPointsStay) return removal.bytes;
     noteKept(path, KeptReason::Failed, removal.error->description);
     // What went before the failure is gone and counts; then whatever else can go.
     if (isSystemPath(path)) return removal.bytes + removeContentsOfDirectory(path, {});

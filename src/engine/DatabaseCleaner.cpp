@@ -78,7 +78,9 @@ std::uint64_t FileCleanerEngine::cleanDatabaseFilesWithProgress(const Progress& 
         const auto removal = services_.eraser.removeEntry(*library, name, walkRules());
         if (removal.error) {
             log("⚠️ 无法删除数据库临时文件: {}, 错误: {}", path, removal.error->description);
-            noteKept(path, KeptReason::Failed, removal.error->description);
+            noteMountPoints(removal);
+            if (!removal.onlyMountPointsStay)
+                noteKept(path, KeptReason::Failed, removal.error->description);
             continue;
         }
         noteRemoved(path, removal.bytes);

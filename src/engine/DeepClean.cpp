@@ -23,10 +23,11 @@ constexpr std::array<std::string_view, 2> kSafariHistorySideFiles = {
 
 void FileCleanerEngine::deepCleanWithCompletion(Completion completion) {
     cleanQueue_->async([this, number = ++lastAsked_, completion = std::move(completion)]() mutable {
-        if (const auto ready = readiness(); !ready)
-            return postCompletion(std::move(completion), 0, ready.error());
+        auto admitted = admission();
+        if (!admitted) return postCompletion(std::move(completion), 0, admitted.error());
         ErrorSlot error;
         const std::uint64_t total = runClean(number, {}, [&] { return sweep(error); });
+        admitted->reset();
         postCompletion(std::move(completion), total, std::move(error));
     });
 }
@@ -87,7 +88,10 @@ void FileCleanerEngine::sweepSafari(std::string_view at, std::uint64_t& total) {
         total += size;
         return log("✅ 清理Safari缓存路径: {}, 大小: {} 字节", path, size);
     }
-    const std::uint64_t freed = removal->bytes + removeContentsOfDirectory(path, {});
+    noteMountPoints(*removal);
+    const std::uint64_t rest =
+        removal->onlyMountPointsStay ? 0 : removeContentsOfDirectory(path, {});
+    const std::uint64_t freed = removal->bytes + rest;
     if (freed == 0)
         return log("⚠️ 无法清理Safari缓存: {}（错误: {}）", path, removal->error->description);
     total += freed;
@@ -130,7 +134,7 @@ void FileCleanerEngine::sweepSharedCaches(std::uint64_t& total) {
             continue;
         }
         const std::uint64_t size = sizeOfDirectoryAtPath(path);
-        if (!rules::isSharedCache(name)) continue;
+        if (!rules::isSharedCache(name) || keepsMountPoint(shared, name)) continue;
         if (removeContentsOfDirectory(path, {}) == 0) continue;
         // What it held counts, not what went: deliberate, and unlike the cache cleaner.
         total += size;

@@ -2,6 +2,8 @@
 
 #include <thread>
 
+#include "platform/TreeWalker.h"
+
 namespace sweepwright {
 
 DeviceEraser& DeviceEraser::sharedEraser() {
@@ -26,6 +28,7 @@ std::int32_t DeviceEraser::runShellCommand(const std::string& command,
     const auto folder = files_.hostPath(directory);
     if (!folder) return -1;
     if (folder->contains('\'') && !platform::CommandRunner::confinementAvailable()) return -1;
+    if (!platform::TreeWalker(files_).mountPointsBeneath(directory).empty()) return -1;
     return commands_.run(command, *folder);
 }
 

@@ -52,6 +52,7 @@ class DeviceEraser final : public Eraser {
 
     /// A path may end the command's quoting early. Where the host can't confine the command to the
     /// directory, one with a quote in it is not run (-1), and the file manager empties it instead.
+    /// So it is where something is mounted beneath the directory: a command would go on into it.
     std::int32_t runShellCommand(const std::string& command,
                                  const platform::Directory& directory) override;
     void settle() override;

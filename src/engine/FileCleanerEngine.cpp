@@ -69,7 +69,9 @@ EngineServices EngineServices::shared() {
             CleanStatistics::sharedStatistics(),
             StorageAnalyzer::sharedAnalyzer(),
             platform::NotificationCenter::defaultCenter(),
-            platform::MainQueue::shared()};
+            platform::MainQueue::shared(),
+            std::chrono::system_clock::now,
+            &CleanLock::sharedLock()};
 }
 
 FileCleanerEngine& FileCleanerEngine::sharedEngine() {
@@ -116,12 +118,13 @@ ScanResult FileCleanerEngine::scan(
 void FileCleanerEngine::cleanWithType(CleanType type, Progress progress, Completion completion) {
     cleanQueue_->async([this, type, number = ++lastAsked_, progress = std::move(progress),
                         completion = std::move(completion)]() mutable {
-        if (const auto ready = readiness(); !ready)
-            return postCompletion(std::move(completion), 0, ready.error());
+        auto admitted = admission();
+        if (!admitted) return postCompletion(std::move(completion), 0, admitted.error());
         ErrorSlot error;
         const std::uint64_t cleaned =
             runClean(number, progress, [&] { return cleanCategories(type, progress, error); });
         if (!error && cleaned > 0) recordClean(type, cleaned);
+        admitted->reset();
         postCompletion(std::move(completion), cleaned, std::move(error));
     });
 }
@@ -129,6 +132,12 @@ void FileCleanerEngine::cleanWithType(CleanType type, Progress progress, Complet
 std::uint64_t FileCleanerEngine::cleanNow(CleanType type, const Progress& progress,
                                           ErrorSlot& error) {
     return runClean(++lastAsked_, progress, [&] { return cleanCategories(type, progress, error); });
+}
+
+platform::Result<std::optional<CleanLock::Share>> FileCleanerEngine::admission() {
+    if (auto ready = readiness(); !ready) return std::unexpected(ready.error());
+    if (services_.lock == nullptr) return std::nullopt;
+    return services_.lock->share();
 }
 
 std::uint64_t FileCleanerEngine::runClean(CleanNumber number, const Progress& progress,

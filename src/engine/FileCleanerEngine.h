@@ -22,6 +22,7 @@
 #include "platform/ProgressThrottle.h"
 #include "platform/TreeWalker.h"
 #include "protection/CleanHistoryManager.h"
+#include "protection/CleanLock.h"
 #include "protection/CleanStatistics.h"
 #include "protection/CleanType.h"
 #include "protection/CustomPathManager.h"
@@ -99,6 +100,9 @@ struct EngineServices {
     platform::MainQueue& mainQueue;
     /// What time it is.
     std::function<std::chrono::system_clock::time_point()> now = std::chrono::system_clock::now;
+    /// Keeps other processes from cleaning at the same time; none in a preview, which cleans
+    /// nothing.
+    CleanLock* lock = nullptr;
 
     /// The shared ones, on Device::current().
     static EngineServices shared();
@@ -142,7 +146,8 @@ class FileCleanerEngine {
     ScanResult scan(const std::function<void(std::string_view key, int done)>& onStep = {});
 
     /// Cleans one category, or all nine for CleanType::All. Other values succeed with 0 bytes. When
-    /// a protection list can't be read nothing is cleaned and the completion gets the error.
+    /// a protection list can't be read, or another process cleans, nothing is cleaned and the
+    /// completion gets the error.
     void cleanWithType(CleanType type, Progress progress, Completion completion);
 
     /// The body of a clean on the caller's thread, without statistics, history or notification. Not
@@ -287,6 +292,8 @@ class FileCleanerEngine {
 
     // Cleaning.
     bool isStopped() const { return stoppedUpTo_ >= running_; }
+    /// What a clean holds while it may change the device; an error when it must not start.
+    platform::Result<std::optional<CleanLock::Share>> admission();
     /// Runs `body` as the clean of that number, which a stop ends and whose progress is thinned.
     std::uint64_t runClean(CleanNumber number, const Progress& progress,
                            const std::function<std::uint64_t()>& body);
@@ -297,6 +304,7 @@ class FileCleanerEngine {
     void noteRemoved(const std::string& path, std::uint64_t bytes);
     void noteKept(const std::string& path, KeptReason reason, const std::string& by = {});
     void noteProtected(const std::string& path);
+    void noteMountPoints(const platform::Removal& removal);
     std::shared_ptr<const ProtectedPlaces> findProtectedPlaces();
     LinkProtection protectionOf(const platform::Directory& directory);
     /// The names in a location to be cleaned; none in one that is itself a link.
@@ -308,6 +316,9 @@ class FileCleanerEngine {
                     const std::string& name);
     std::uint64_t removeEntry(const platform::Directory& directory, const std::string& name);
     void keepMaps(const std::string& path);
+    /// Whether something is mounted on a location found by its name, or that can't be told: it
+    /// stays.
+    bool keepsMountPoint(const std::string& directory, const std::string& name);
     std::uint64_t cleanEntries(const std::string& directory, NameRule rule,
                                const Progress& progress);
     std::uint64_t cleanIfPresent(const std::string& path, const Progress& progress);

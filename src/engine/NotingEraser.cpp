@@ -1,6 +1,7 @@
 #include "engine/NotingEraser.h"
 
 #include <algorithm>
+#include <cerrno>
 
 #include "platform/TreeWalker.h"
 
@@ -12,13 +13,53 @@ platform::Removal NotingEraser::removeEntry(const platform::Directory& parent,
     const auto attributes = files_.attributesAt(parent, name);
     if (!attributes) return {0, attributes.error()};
     std::uint64_t size = 0;
+    if (attributes->isMountPoint) return platform::Removal::around(0, {parent.pathOf(name)});
     if (attributes->type == platform::FileType::Directory) {
+        const auto opened = files_.openBeneath(parent, name, platform::Mounts::Refuse);
+        if (!opened && opened.error().code == EXDEV)
+            return platform::Removal::around(0, {parent.pathOf(name)});
+        auto mountPoints = opened ? platform::TreeWalker(files_).mountPointsBeneath(*opened)
+                                  : std::vector<std::string>{};
+        if (!mountPoints.empty()) {
+            size = noteAround(parent, name, rules, mountPoints);
+            return platform::Removal::around(size, std::move(mountPoints));
+        }
         size = platform::TreeWalker(files_).sizeOfDirectory(parent.pathOf(name), rules);
     } else if (attributes->type != platform::FileType::SymbolicLink || rules.countLinks) {
         size = attributes->size;
     }
     files_.hide(parent, name);
     return {size, std::nullopt};
+}
+
+std::uint64_t NotingEraser::noteAround(const platform::Directory& parent, const std::string& name,
+                                       const platform::WalkRules& rules,
+                                       const std::vector<std::string>& mountPoints) {
+    auto opened = files_.openBeneath(parent, name, platform::Mounts::Refuse);
+    if (!opened) return 0;
+    const auto names = files_.contentsOfDirectory(*opened);
+    if (!names) return 0;
+    platform::WalkRules inner = rules;
+    --inner.maxDepth;
+    std::uint64_t total = 0;
+    for (const std::string& each : *names) {
+        const std::string path = opened->pathOf(each);
+        const auto leadsTo = [&path](const std::string& mountPoint) {
+            return mountPoint.starts_with(path + "/");
+        };
+        const bool counts =
+            rules.maxDepth > 0 && (rules.countHiddenEntries || !each.starts_with('.'));
+        std::uint64_t bytes = 0;
+        if (std::ranges::find(mountPoints, path) != mountPoints.end()) continue;
+        if (std::ranges::any_of(mountPoints, leadsTo)) {
+            bytes = noteAround(*opened, each, inner, mountPoints);
+        } else {
+            bytes = removeEntry(*opened, each, inner).bytes;
+            removed(path, counts ? bytes : 0);
+        }
+        if (counts) total += bytes;
+    }
+    return total;
 }
 
 /// A quote in the path ends the command's quoting early. An odd one leaves it open, which the shell
@@ -35,6 +76,7 @@ std::optional<std::int32_t> NotingEraser::statusOfOddCommand(const platform::Dir
 std::int32_t NotingEraser::runShellCommand(const std::string& /*command*/,
                                            const platform::Directory& directory) {
     if (const auto status = statusOfOddCommand(directory)) return *status;
+    if (!platform::TreeWalker(files_).mountPointsBeneath(directory).empty()) return -1;
     // The command removes every visible entry of the directory.
     auto opened = files_.openDirectory(directory.path(), platform::LastLink::Refuse);
     if (!opened) return -1;

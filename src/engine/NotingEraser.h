@@ -4,6 +4,7 @@
 #include <set>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "engine/CleanObserver.h"
 #include "engine/Eraser.h"
@@ -32,6 +33,10 @@ class NotingEraser final : public Eraser, public CleanObserver {
     CleanPreview take(std::uint64_t wouldFree);
 
   private:
+    /// Notes as gone all of directory `name` but what leads to the mount points; their bytes.
+    std::uint64_t noteAround(const platform::Directory& parent, const std::string& name,
+                             const platform::WalkRules& rules,
+                             const std::vector<std::string>& mountPoints);
     /// What the command would come to where the directory's path breaks it.
     std::optional<std::int32_t> statusOfOddCommand(const platform::Directory& directory);
 

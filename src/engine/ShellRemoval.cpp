@@ -90,6 +90,7 @@ std::uint64_t FileCleanerEngine::removeVisibleEntries(const platform::Directory&
         if (isStopped()) break;
         const auto removal = services_.eraser.removeEntry(directory, name, walkRules());
         total += removal.bytes;
+        noteMountPoints(removal);
         if (!removal.error) noteRemoved(directory.pathOf(name), removal.bytes);
     }
     if (total > 0)

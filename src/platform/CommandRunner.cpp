@@ -6,8 +6,10 @@
 #include <thread>
 #include <utility>
 
+#include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include "platform/FolderConfinement.h"
 #include "platform/Log.h"
@@ -41,6 +43,32 @@ class StringVector {
     std::array<char*, n + 1> pointers_{};
 };
 
+/// Where a child's standard streams lead: nowhere. A name in a command may end its quoting early,
+/// and what the shell says of it, or is made to say, would act on the terminal and forge lines.
+class NoStreams {
+  public:
+    NoStreams() : failed_(posix_spawn_file_actions_init(&actions_)) {
+        if (failed_ != 0) return;
+        for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+            const int mode = stream == STDIN_FILENO ? O_RDONLY : O_WRONLY;
+            const int added =
+                posix_spawn_file_actions_addopen(&actions_, stream, "/dev/null", mode, 0);
+            if (failed_ == 0) failed_ = added;
+        }
+    }
+    ~NoStreams() { posix_spawn_file_actions_destroy(&actions_); }
+    NoStreams(const NoStreams&) = delete;
+    NoStreams& operator=(const NoStreams&) = delete;
+
+    /// 0, or the errno value of what could not be prepared.
+    [[nodiscard]] int failed() const { return failed_; }
+    [[nodiscard]] const posix_spawn_file_actions_t* actions() const { return &actions_; }
+
+  private:
+    posix_spawn_file_actions_t actions_{};
+    int failed_;
+};
+
 }  // namespace
 
 bool CommandRunner::confinementAvailable() {
@@ -51,7 +79,10 @@ SpawnCalls SpawnCalls::ofHost() {
     return {.spawn =
                 [](int* child, const char* program, char* const arguments[],
                    char* const environment[]) {
-                    return posix_spawn(child, program, nullptr, nullptr, arguments, environment);
+                    const NoStreams streams;
+                    if (streams.failed() != 0) return streams.failed();
+                    return posix_spawn(child, program, streams.actions(), nullptr, arguments,
+                                       environment);
                 },
             .wait = [](int child, int* status) { return waitpid(child, status, 0); },
             .confine =

@@ -24,7 +24,8 @@ class CommandRunner {
 
 /// The system calls behind SpawnCommandRunner.
 struct SpawnCalls {
-    /// As posix_spawn() without file actions and attributes: 0 or an errno value.
+    /// As posix_spawn() without attributes, the standard streams leading nowhere: 0 or an errno
+    /// value.
     std::function<int(int* child, const char* program, char* const arguments[],
                       char* const environment[])>
         spawn;

@@ -14,8 +14,8 @@ namespace {
 bool isHarmful(char32_t c) {
     const bool control = c < 0x20 || (c >= 0x7F && c < 0xA0);
     const bool separator = c == 0x2028 || c == 0x2029;
-    const bool turnsDirection =
-        c == 0x200E || c == 0x200F || (c >= 0x202A && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069);
+    const bool turnsDirection = c == 0x061C || c == 0x200E || c == 0x200F ||
+                                (c >= 0x202A && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069);
     return control || separator || turnsDirection;
 }
 

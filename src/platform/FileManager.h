@@ -24,6 +24,8 @@ struct FileAttributes {
     std::chrono::system_clock::time_point modificationDate;
     std::uint64_t inode = 0;
     std::uint64_t device = 0;  ///< with the inode, the file's identity
+    /// Something else is mounted there; told where the kernel tells it (Linux 5.8) only.
+    bool isMountPoint = false;
 };
 
 /// Totals of the volume that holds a path, in bytes.
@@ -164,6 +166,9 @@ class FileManager {
     /// Waits for the exclusive lock on `path`, a file that is made if absent, with the owner of its
     /// directory where the process may, and stays.
     virtual Result<FileLock> lock(const std::string& path) = 0;
+    /// The same without waiting: EWOULDBLOCK when it is held, by this process or another. The file
+    /// then holds `note`, which tells others who holds it, where the process may write it.
+    virtual Result<FileLock> tryLock(const std::string& path, std::string_view note) = 0;
 
     // --- Conveniences over the operations above. ---
 

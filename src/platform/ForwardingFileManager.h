@@ -72,6 +72,9 @@ class ForwardingFileManager : public FileManager {
         return target_.rename(from, to);
     }
     Result<FileLock> lock(const std::string& path) override { return target_.lock(path); }
+    Result<FileLock> tryLock(const std::string& path, std::string_view note) override {
+        return target_.tryLock(path, note);
+    }
 
   private:
     FileManager& target_;

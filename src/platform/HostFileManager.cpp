@@ -64,6 +64,16 @@ std::chrono::system_clock::time_point timePoint(std::int64_t seconds, std::int64
         std::chrono::seconds(seconds) + std::chrono::nanoseconds(nanoseconds)));
 }
 
+#ifdef __linux__
+bool isMountRoot([[maybe_unused]] const struct statx& status) {
+#ifdef STATX_ATTR_MOUNT_ROOT
+    return (status.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0;
+#else
+    return false;
+#endif
+}
+#endif
+
 /// Attributes by one system call; 0 or an errno value.
 int readAttributes(int directory, const char* name, Calls calls, FileAttributes& out) {
 #ifdef __linux__
@@ -71,9 +81,12 @@ int readAttributes(int directory, const char* name, Calls calls, FileAttributes&
         struct statx status{};
         constexpr unsigned kMask = STATX_TYPE | STATX_SIZE | STATX_MTIME | STATX_INO;
         if (statx(directory, name, AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT, kMask, &status) == 0) {
-            out = {typeFromMode(status.stx_mode), status.stx_size,
-                   timePoint(status.stx_mtime.tv_sec, status.stx_mtime.tv_nsec), status.stx_ino,
-                   (std::uint64_t{status.stx_dev_major} << 32U) | status.stx_dev_minor};
+            out = {typeFromMode(status.stx_mode),
+                   status.stx_size,
+                   timePoint(status.stx_mtime.tv_sec, status.stx_mtime.tv_nsec),
+                   status.stx_ino,
+                   (std::uint64_t{status.stx_dev_major} << 32U) | status.stx_dev_minor,
+                   isMountRoot(status)};
             return 0;
         }
         if (errno != ENOSYS && errno != EPERM) return errno;
@@ -88,8 +101,12 @@ int readAttributes(int directory, const char* name, Calls calls, FileAttributes&
 #else
     const timespec modified = status.st_mtim;
 #endif
-    out = {typeFromMode(status.st_mode), static_cast<std::uint64_t>(status.st_size),
-           timePoint(modified.tv_sec, modified.tv_nsec), status.st_ino, status.st_dev};
+    out = {typeFromMode(status.st_mode),
+           static_cast<std::uint64_t>(status.st_size),
+           timePoint(modified.tv_sec, modified.tv_nsec),
+           status.st_ino,
+           status.st_dev,
+           false};
     return 0;
 }
 

@@ -55,8 +55,11 @@ class HostFileManager final : public FileManager {
                                  std::chrono::system_clock::time_point date) override;
     Result<> rename(const std::string& from, const std::string& to) override;
     Result<FileLock> lock(const std::string& path) override;
+    Result<FileLock> tryLock(const std::string& path, std::string_view note) override;
 
   private:
+    Result<UniqueDescriptor> openLock(const std::string& path);
+
     std::shared_ptr<const DeviceRoot> root_;
     BeneathRoot beneath_;
     Calls calls_;

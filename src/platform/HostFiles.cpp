@@ -217,7 +217,8 @@ Result<> HostFileManager::rename(const std::string& from, const std::string& to)
     return {};
 }
 
-Result<FileLock> HostFileManager::lock(const std::string& path) {
+/// Opens the file of a lock, which is made if absent.
+Result<UniqueDescriptor> HostFileManager::openLock(const std::string& path) {
     const auto entry = beneath_.locate(path, LastLink::Refuse);
     if (!entry) return failed(entry.error(), path);
     const int directory = entry->parent.get();
@@ -232,9 +233,25 @@ Result<FileLock> HostFileManager::lock(const std::string& path) {
     if (!opened.valid() && errno == EACCES)
         opened = UniqueDescriptor(openat(directory, name, O_RDONLY | kFlags));
     if (!opened.valid()) return failed(errno, path);
-    while (flock(opened.get(), LOCK_EX) != 0)
+    return opened;
+}
+
+Result<FileLock> HostFileManager::lock(const std::string& path) {
+    auto opened = openLock(path);
+    if (!opened) return std::unexpected(opened.error());
+    while (flock(opened->get(), LOCK_EX) != 0)
         if (errno != EINTR) return failed(errno, path);
-    return FileLock(std::move(opened));
+    return FileLock(std::move(*opened));
+}
+
+Result<FileLock> HostFileManager::tryLock(const std::string& path, std::string_view note) {
+    auto opened = openLock(path);
+    if (!opened) return std::unexpected(opened.error());
+    while (flock(opened->get(), LOCK_EX | LOCK_NB) != 0)
+        if (errno != EINTR) return failed(errno, path);
+    // The lock holds whether or not the note can be written: a full disk is no reason to refuse.
+    if (ftruncate(opened->get(), 0) == 0) static_cast<void>(writeAll(opened->get(), note));
+    return FileLock(std::move(*opened));
 }
 
 }  // namespace sweepwright::platform

@@ -98,7 +98,7 @@ PropertyList integerOf(plist_t node) {
 PropertyList dateOf(plist_t node) {
     const std::string list = binaryOf(node);
     const std::uint64_t bits = bigEndian(std::string_view(list).substr(kHeader.size() + 1, 8));
-    return dateSince1970(std::bit_cast<double>(bits) + kStartOf2001);
+    return dateSince(kStartOf2001, std::bit_cast<double>(bits));
 }
 
 PropertyList arrayOf(plist_t node) {
@@ -217,7 +217,7 @@ class NodeMaker {
     Node operator()(PropertyList::Date date) const {
         // In two parts: nanoseconds since 1970 are too many for a double to hold each.
         const auto whole = std::chrono::floor<std::chrono::seconds>(date);
-        auto seconds = static_cast<double>(whole.time_since_epoch().count()) - kStartOf2001;
+        auto seconds = static_cast<double>((whole.time_since_epoch() - kStartOf2001).count());
         if (format_ == Format::Binary)
             seconds += std::chrono::duration<double>(date - whole).count();
         std::string object(1, static_cast<char>(kDateMarker));

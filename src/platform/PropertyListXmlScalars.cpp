@@ -102,7 +102,7 @@ std::optional<PropertyList> dateFromXml(std::string_view text) {
     if (!date.ok() || *hour > 23 || *minute > 59 || *second > 60) return {};
     const std::int64_t days = std::chrono::sys_days(date).time_since_epoch().count();
     const std::int64_t seconds = ((days * 24 + *hour) * 60 + *minute) * 60 + *second;
-    return PropertyList(dateSince1970(static_cast<double>(seconds)));
+    return PropertyList(dateSince({}, static_cast<double>(seconds)));
 }
 
 std::optional<PropertyList> dataFromXml(std::string_view text) {

@@ -72,15 +72,29 @@ struct Run {
     std::atomic<std::uint64_t> bytes{0};
     std::mutex mutex{};
     std::optional<Error> firstError{};
+    std::vector<std::string> mountPoints{};
 
     void fail(const Error& error) {
         const std::lock_guard lock(mutex);
         if (!firstError) firstError = error;
     }
+    void keepMountPoint(std::string path) {
+        const std::lock_guard lock(mutex);
+        mountPoints.push_back(std::move(path));
+    }
     [[nodiscard]] bool isCounted(std::string_view name) const {
         return rules.countHiddenEntries || !name.starts_with('.');
     }
 };
+
+/// Whether an entry that is busy, or can't be entered, is so because something is mounted there.
+bool isMountPoint(FileManager& files, const Directory& directory, std::string_view name) {
+    if (const auto attributes = files.attributesAt(directory, name);
+        attributes && attributes->isMountPoint)
+        return true;
+    const auto opened = files.openBeneath(directory, name, Mounts::Refuse);
+    return !opened && opened.error().code == EXDEV;
+}
 
 /// The directories that one thread has open.
 class OpenDirectories {
@@ -181,6 +195,11 @@ class Remover {
         if (node->counts && isLimit(*node) && run_->rules.onDepthLimit)
             run_->rules.onDepthLimit((*above)->pathOf(node->name));
         auto opened = run_->files.openBeneath(**above, node->name, Mounts::Refuse);
+        if (!opened && opened.error().code == EXDEV) {
+            node->keepsSomething = true;
+            run_->keepMountPoint((*above)->pathOf(node->name));
+            return {};
+        }
         if (!opened) return std::unexpected(opened.error());
         for (;;) {
             const auto entries = run_->files.readEntries(*opened, buffer_);
@@ -215,7 +234,16 @@ class Remover {
             noteSubdirectory(node, entry.name);
         } else if (removed.error().code != ENOENT) {
             node.keepsSomething = true;
-            run_->fail(removed.error());
+            fail(removed.error(), directory, entry.name);
+        }
+    }
+
+    /// Tells why an entry stays.
+    void fail(const Error& error, const Directory& directory, std::string_view name) {
+        if (error.code == EBUSY && isMountPoint(run_->files, directory, name)) {
+            run_->keepMountPoint(directory.pathOf(name));
+        } else {
+            run_->fail(error);
         }
     }
 
@@ -250,11 +278,20 @@ class Remover {
                 }
                 if (!removed) {
                     node->keepsSomething = true;
-                    run_->fail(node->listingError.value_or(removed.error()));
+                    failEmptied(*node, removed.error());
                 }
             }
             if (node->keepsSomething && node->parent) node->parent->keepsSomething = true;
             node = node->parent;
+        }
+    }
+
+    void failEmptied(const Node& node, const Error& error) {
+        const auto above = opened_.of(node.parent);
+        if (node.listingError || !above) {
+            run_->fail(node.listingError.value_or(error));
+        } else {
+            fail(error, **above, node.name);  // something may have been mounted there meanwhile
         }
     }
 
@@ -286,6 +323,11 @@ class Remover {
 
 }  // namespace
 
+Removal Removal::around(std::uint64_t bytes, std::vector<std::string> mountPoints) {
+    Error error{std::string(kPosixErrorDomain), EXDEV, mountPoints.front() + ": is a mount point"};
+    return {bytes, std::move(error), std::move(mountPoints), true};
+}
+
 TreeRemover::TreeRemover(FileManager& files, unsigned threads) : files_(files), threads_(threads) {}
 
 Removal TreeRemover::remove(const Directory& parent, const std::string& name,
@@ -294,6 +336,8 @@ Removal TreeRemover::remove(const Directory& parent, const std::string& name,
     const auto attributes = files_.attributesAt(parent, name);
     if (!attributes || attributes->type != FileType::Directory) {
         const auto removed = files_.removeFileAt(parent, name);
+        if (!removed && removed.error().code == EBUSY && isMountPoint(files_, parent, name))
+            return Removal::around(0, {parent.pathOf(name)});
         if (!removed) return {0, removed.error()};
         const bool counts =
             attributes && (attributes->type != FileType::SymbolicLink || rules.countLinks);
@@ -301,7 +345,9 @@ Removal TreeRemover::remove(const Directory& parent, const std::string& name,
     }
     Run run{files_, rules, parent};
     SharedWork<Waiting>(threads_).run({nullptr, name}, [&run] { return Remover(run); });
-    return {run.bytes, run.firstError};
+    if (!run.firstError && !run.mountPoints.empty())
+        return Removal::around(run.bytes, std::move(run.mountPoints));
+    return {run.bytes, std::move(run.firstError), std::move(run.mountPoints)};
 }
 
 }  // namespace sweepwright::platform

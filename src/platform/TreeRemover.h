@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "platform/FileManager.h"
 #include "platform/TreeWalker.h"
@@ -14,12 +15,21 @@ struct Removal {
     /// Bytes of what went, by the rules given, each file's size taken right before it was removed.
     /// Of a removal that failed, what went before it failed.
     std::uint64_t bytes = 0;
-    /// The first thing that could not be removed; none when all is gone.
+    /// The first thing that could not be removed, a mount point only if nothing else stayed; none
+    /// when all is gone.
     std::optional<Error> error;
+    /// Device paths of the mount points that were kept, with the folders on the way to them.
+    std::vector<std::string> mountPoints{};
+    /// Nothing else stayed.
+    bool onlyMountPointsStay = false;
+
+    /// What became of what holds, or is, these mount points and lost all else.
+    static Removal around(std::uint64_t bytes, std::vector<std::string> mountPoints);
 };
 
-/// Removes whole trees by descriptor: no link is followed, no mount point entered, and nothing
-/// outside the directory it starts from is touched, whatever is renamed or swapped meanwhile.
+/// Removes whole trees by descriptor: no link is followed, no mount point entered or removed, and
+/// nothing outside the directory it starts from is touched, whatever is renamed or swapped
+/// meanwhile.
 class TreeRemover {
   public:
     explicit TreeRemover(FileManager& files, unsigned threads = kDefaultThreads);

@@ -1,6 +1,10 @@
 #include "platform/TreeWalker.h"
 
+#include <algorithm>
 #include <atomic>
+#include <cerrno>
+#include <limits>
+#include <mutex>
 #include <vector>
 
 #include "platform/SharedWork.h"
@@ -74,8 +78,12 @@ class Walker {
     }
 
     void visit(Waiting waiting) {
-        auto directory = walk_->files.openBeneath(walk_->root, waiting.relative, Mounts::Cross);
-        if (!directory) return;
+        auto directory =
+            walk_->files.openBeneath(walk_->root, waiting.relative, walk_->rules.mounts);
+        if (!directory) {
+            if (directory.error().code == EXDEV) tellMountPoint(walk_->root, waiting.relative);
+            return;
+        }
         Frame frame{std::move(waiting), {}};
         for (;;) {
             const auto entries = walk_->files.readEntries(*directory, buffer_);
@@ -97,6 +105,8 @@ class Walker {
             (type == FileType::SymbolicLink && rules.countLinks)) {
             const auto attributes = walk_->files.attributesAt(directory, entry.name);
             if (!attributes) return;
+            if (attributes->isMountPoint && rules.mounts == Mounts::Refuse)
+                return tellMountPoint(directory, entry.name);
             type = attributes->type;
             size = attributes->size;
         }
@@ -113,6 +123,10 @@ class Walker {
         } else if (walk_->rules.onDepthLimit) {
             walk_->rules.onDepthLimit(directory.pathOf(name));
         }
+    }
+
+    void tellMountPoint(const Directory& directory, std::string_view relative) const {
+        if (walk_->rules.onMountPoint) walk_->rules.onMountPoint(directory.pathOf(relative));
     }
 
     [[nodiscard]] bool isProtected(const std::string& path) const {
@@ -142,8 +156,28 @@ std::uint64_t TreeWalker::sizeOfDirectory(const std::string& path, const WalkRul
     }
     const auto root = files_.openDirectory(path, LastLink::Refuse);
     if (!root) return 0;
-    Walk walk{files_, rules, *root};
-    const bool guarded = rules.protection != nullptr && !rules.protection->isFree(path);
+    return walk(*root, rules);
+}
+
+std::vector<std::string> TreeWalker::mountPointsBeneath(const Directory& directory) const {
+    std::vector<std::string> found;
+    std::mutex mutex;
+    WalkRules rules;
+    rules.countHiddenEntries = true;
+    rules.maxDepth = std::numeric_limits<int>::max();
+    rules.mounts = Mounts::Refuse;
+    rules.onMountPoint = [&](const std::string& path) {
+        const std::lock_guard lock(mutex);
+        found.push_back(path);
+    };
+    walk(directory, rules);
+    std::ranges::sort(found);
+    return found;
+}
+
+std::uint64_t TreeWalker::walk(const Directory& root, const WalkRules& rules) const {
+    Walk walk{files_, rules, root};
+    const bool guarded = rules.protection != nullptr && !rules.protection->isFree(root.path());
     SharedWork<Waiting>(threads_).run({"", rules.maxDepth, guarded},
                                       [&walk] { return Walker(walk); });
     return walk.total;

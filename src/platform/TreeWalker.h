@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "platform/FileManager.h"
 
@@ -27,10 +28,12 @@ struct WalkRules {
     bool countHiddenEntries = false;  ///< names that begin with "."
     bool countLinks = false;          ///< a link by its own size; never followed
     int maxDepth = kDefaultMaxDepth;  ///< entries of the root are at this depth
+    Mounts mounts = Mounts::Cross;    ///< refused: a mount point counts 0 and is told
     const TreeProtection* protection = nullptr;
     std::function<void(const std::string& path)> onProtectedRoot;
     std::function<void(const std::string& path)> onProtectedEntry;
     std::function<void(const std::string& path)> onDepthLimit;
+    std::function<void(const std::string& path)> onMountPoint;
 };
 
 /// The one measurer of directories. It reads each directory once, on several threads, asks for the
@@ -50,7 +53,13 @@ class TreeWalker {
     [[nodiscard]] std::uint64_t sizeOfDirectory(const std::string& path,
                                                 const WalkRules& rules) const;
 
+    /// Device paths of the mount points beneath an open directory, however deep, sorted. What lies
+    /// behind them is not looked at; what can't be read holds none.
+    [[nodiscard]] std::vector<std::string> mountPointsBeneath(const Directory& directory) const;
+
   private:
+    std::uint64_t walk(const Directory& root, const WalkRules& rules) const;
+
     FileManager& files_;
     unsigned threads_;
 };

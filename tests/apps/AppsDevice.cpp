@@ -147,7 +147,7 @@ void AppsDevice::ownIcon(const std::string& png) {
 
 AppServices AppsDevice::services(platform::FileManager& over, Eraser& with) {
     return {device,        over,    with,       workspace,     resources, appWhitelist,
-            pathWhitelist, history, statistics, notifications, mainQueue};
+            pathWhitelist, history, statistics, notifications, mainQueue, &lock};
 }
 
 ThirdPartyAppCacheManager::AppList AppsDevice::scanAll(ThirdPartyAppCacheManager& manager) {

@@ -113,6 +113,7 @@ class AppsDevice {
     PathWhitelistManager pathWhitelist{defaults};
     CleanHistoryManager history{defaults};
     CleanStatistics statistics{defaults};
+    CleanLock lock{tree.files(), CleanLock::fileBeside(kDefaultsFile)};
     platform::NotificationCenter notifications;
     platform::MainQueue mainQueue;
     DeviceEraser eraser;

@@ -83,6 +83,11 @@ TEST(CleanCommand, OnATerminalYesCleansWithProgress) {
 }
 
 TEST(CleanCommand, AnInterruptAtTheQuestionEndsTheProgramWithNothingRemoved) {
+#ifdef __SANITIZE_THREAD__
+    // It hands a signal on when a call that it knows returns; reading a line in the C++ library is
+    // none, so the signal would wait for the answer. A program of ten lines shows the same.
+    GTEST_SKIP() << "GCC's thread sanitizer holds signals back while a line is read";
+#endif
     for (const int signal : {SIGINT, SIGTERM}) {
         Sweepctl sweepctl;
         sweepctl.device().file("/var/mobile/tmp/a", 10);

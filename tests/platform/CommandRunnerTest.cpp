@@ -214,6 +214,15 @@ TEST_F(RealCommandTest, TheShellRunsWithItsEnvironment) {
                                           "❌ 命令被信号终止: 15, 命令: kill -TERM $$"));
 }
 
+TEST_F(RealCommandTest, ACommandCanNeitherWriteOnTheTerminalNorReadFromIt) {
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    const std::int32_t status = runner_.run("echo forged; echo forged >&2; read answer", folder());
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(status, 1) << "there was something to read";
+}
+
 TEST_F(RealCommandTest, TheFolderIsEmptiedAndStays) {
     std::ofstream(folder() + "/.hidden") << "kept";
     EXPECT_EQ(runner_.run("find '" + folder() +

@@ -125,6 +125,16 @@ TEST(PropertyList, ADateKeepsMicrosecondsInBinaryAndSecondsInXml) {
     EXPECT_EQ(throughXml(PropertyList(Date(5s + 250ms))), PropertyList(Date(5s)));
 }
 
+TEST(PropertyList, ADateDoesNotMoveByBeingReadAndWritten) {
+    // A double that counts from 1970 holds this one half a microsecond beside.
+    const PropertyList date((Date(2'440'112'488'203'984us)));
+    EXPECT_EQ(throughBinary(date), date);
+    for (auto part = 0us; part < 2000us; part += 1us) {
+        const PropertyList near((Date(8'000'000'000s + part)));
+        ASSERT_EQ(throughBinary(near), near) << part.count();
+    }
+}
+
 TEST(PropertyList, ADateFarAwaySurvives) {
     for (const auto seconds : {-9'000'000'000s, 7'000'000'000s}) {  // 1684 and 2191
         const PropertyList date((Date(seconds)));

@@ -1,4 +1,4 @@
-#include <chrono>
+#include <ctime>
 #include <map>
 
 #include <gtest/gtest.h>
@@ -183,9 +183,10 @@ TEST(StringsTable, AFileThatIsNoTableIsGivenUpAfterSoManyProblems) {
         while (text.size() < StringsTable::kMaxBytes - 100)
             text += line;
         text += "*/";
-        const auto start = std::chrono::steady_clock::now();
+        // Of the processor, not of the clock on the wall: others may be at work, too.
+        const std::clock_t start = std::clock();
         const StringsTable table = parsed(text);
-        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20)) << line;
+        EXPECT_LT(std::clock() - start, 30 * CLOCKS_PER_SEC) << line;
         EXPECT_EQ(table.entries(), (Entries{{"a", "1"}}));
         EXPECT_LE(table.problems().size(), StringsTable::kMaxProblems + 1);
     }

@@ -164,4 +164,10 @@ Result<platform::FileLock> FaultyFileManager::lock(const std::string& path) {
     return through(Operation::Lock, path, [&] { return ForwardingFileManager::lock(path); });
 }
 
+Result<platform::FileLock> FaultyFileManager::tryLock(const std::string& path,
+                                                      std::string_view note) {
+    return through(Operation::TryLock, path,
+                   [&] { return ForwardingFileManager::tryLock(path, note); });
+}
+
 }  // namespace sweepwright::test

@@ -33,6 +33,7 @@ enum class Operation {
     SetModificationDate,
     Rename,
     Lock,
+    TryLock,
 };
 
 /// Every call that changes the disk.
@@ -46,7 +47,8 @@ inline constexpr std::initializer_list<Operation> kChangingOperations = {
     Operation::CreateSymbolicLink,
     Operation::SetModificationDate,
     Operation::Rename,
-    Operation::Lock};
+    Operation::Lock,
+    Operation::TryLock};
 
 /// Counts the calls to a chosen set of operations, from 1, and lets the n-th of them fail or end
 /// the process. Calls to other operations are forwarded uncounted. Thread-safe; set it up before
@@ -105,6 +107,8 @@ class FaultyFileManager final : public platform::ForwardingFileManager {
                                            std::chrono::system_clock::time_point date) override;
     platform::Result<> rename(const std::string& from, const std::string& to) override;
     platform::Result<platform::FileLock> lock(const std::string& path) override;
+    platform::Result<platform::FileLock> tryLock(const std::string& path,
+                                                 std::string_view note) override;
 
   private:
     /// Counts a call; the errno value that it must fail with, or 0.

@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "ui/kit/Appearance.h"
-#include "ui/shell/App.h"
+#include "ui/kit/SymbolProvider.h"
 #include "ui/support/TestApp.h"
 
 namespace sweepwright::ui {
@@ -47,7 +47,8 @@ class AnimationHelperTest : public testing::Test {
   protected:
     void SetUp() override {
         Appearance::shared().setReducedMotion(false);
-        prepareEngine(engine_, app_.icons);
+        engine_.addImportPath(QStringLiteral("qrc:/qt/qml"));
+        engine_.addImageProvider(SymbolProvider::kIdentifier, new SymbolProvider);
         QQmlComponent component(&engine_);
         component.setData(kScene, {});
         scene_.reset(qobject_cast<QQuickItem*>(component.create()));
@@ -75,7 +76,6 @@ class AnimationHelperTest : public testing::Test {
         return seen;
     }
 
-    test::TestApp app_;
     QQmlEngine engine_;
     std::unique_ptr<QQuickItem> scene_;
     QQuickItem* view_ = nullptr;

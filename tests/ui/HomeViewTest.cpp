@@ -279,9 +279,9 @@ TEST_F(HomeView, AWholeCleanGoesFromTheTapToTheRefreshedRing) {
     scrollToEnd();
     click(app_.item("cleanAllButton"));
     ASSERT_TRUE(alertComes("Clean Everything?"));
-    choose("Clean");
     // There is more room afterwards.
     files_->volume = platform::FileSystemAttributes{100 * kGigabyte, 45 * kGigabyte};
+    choose("Clean");
     ASSERT_TRUE(alertComes("Clean Completed"));
     EXPECT_EQ(app_.presenter().alert()->message(), QStringLiteral("2.0 KB freed."));
     choose("OK");

@@ -11,13 +11,11 @@ QtObject {
 
     // Swells from half its size, on a spring.
     function bounceAnimationForView(view: Item, completion: var): void {
-        const motion = bounce.createObject(view, {view: view, completion: completion ?? null});
-        motion.jump(0.5);
-        motion.to = 1;
+        bounce.createObject(view, {view: view, completion: completion ?? null});
     }
     // Swells and shrinks for ever.
     function pulseAnimationForView(view: Item): void {
-        if (!still) pulse.createObject(view, {view: view}).start();
+        if (!still) pulse.createObject(view, {view: view});
     }
     // Shakes its head, sideways.
     function shakeAnimationForView(view: Item): void {
@@ -28,18 +26,17 @@ QtObject {
             shift = sideways.createObject(view);
             view.transform = [...moves, shift];
         }
-        shake.createObject(shift, {shift: shift}).start();
+        shake.createObject(shift, {shift: shift});
     }
     function fadeInView(view: Item, duration: int): void {
-        view.opacity = 0;
-        fade.createObject(view, {target: view, to: 1, duration: Theme.duration(duration)}).start();
+        fade.createObject(view, {target: view, from: 0, to: 1, span: duration});
     }
     function fadeOutView(view: Item, duration: int): void {
-        fade.createObject(view, {target: view, to: 0, duration: Theme.duration(duration)}).start();
+        fade.createObject(view, {target: view, from: view.opacity, to: 0, span: duration});
     }
     // Turns for ever, one turn in `duration` milliseconds.
     function rotateView(view: Item, duration: int): void {
-        if (!still) turn.createObject(view, {target: view, duration: duration}).start();
+        if (!still) turn.createObject(view, {target: view, duration: duration});
     }
     // A green badge with a check mark in the middle of `view`, for a moment.
     function showSuccessAnimationInView(view: Item, completion: var): void {
@@ -68,14 +65,19 @@ QtObject {
             onValueChanged: view.scale = value
             onSettled: {
                 if (to !== 1) return;
-                if (completion) completion();
+                if (spring.completion) spring.completion.call();
                 spring.destroy();
+            }
+            Component.onCompleted: {
+                spring.jump(0.5);
+                spring.to = 1;
             }
         }
     }
     readonly property Component pulse: Component {
         SequentialAnimation {
             id: beat
+            running: true
             required property Item view
             loops: Animation.Infinite
             NumberAnimation { target: beat.view; property: "scale"; to: 1.1; duration: 300; easing.type: Easing.InOutQuad }
@@ -92,6 +94,7 @@ QtObject {
     readonly property Component shake: Component {
         NumberAnimation {
             id: way
+            running: true
             required property Translate shift
             property real reached: 0
             target: way
@@ -111,6 +114,9 @@ QtObject {
     readonly property Component fade: Component {
         NumberAnimation {
             id: fading
+            required property int span
+            running: true
+            duration: Theme.duration(span)
             property: "opacity"
             easing.type: Easing.InOutQuad
             onFinished: fading.destroy()
@@ -118,6 +124,7 @@ QtObject {
     }
     readonly property Component turn: Component {
         NumberAnimation {
+            running: true
             property: "rotation"
             from: 0
             to: 360

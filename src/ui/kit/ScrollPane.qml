@@ -48,8 +48,7 @@ Flickable {
     Connections {
         target: root.Window.window
         function onActiveFocusItemChanged(): void {
-            // Why it has the focus is known a moment later.
-            Qt.callLater(root.revealFocus);
+            root.revealFocus();
         }
     }
 

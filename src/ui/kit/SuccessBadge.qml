@@ -44,7 +44,7 @@ Rectangle {
             easing.type: Easing.InQuad
         }
         onFinished: {
-            if (root.completion) root.completion();
+            if (root.completion) root.completion.call();
             root.destroy();
         }
     }

@@ -58,6 +58,7 @@ EngineDevice::EngineDevice(platform::DeviceOptions options)
       history(defaults, [this] { return time; }),
       statistics(defaults, [this] { return time; }),
       storage(device, files),
+      lock(tree.files(), CleanLock::fileBeside(device.userDefaultsFile())),
       deviceEraser(files, commands, webStorage),
       eraser(deviceEraser),
       engine(services()) {
@@ -75,7 +76,8 @@ EngineServices EngineDevice::services() {
             storage,
             notifications,
             mainQueue,
-            [this] { return time; }};
+            [this] { return time; },
+            &lock};
 }
 
 std::string EngineDevice::home(const std::string& relative) const {

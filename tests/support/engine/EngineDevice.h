@@ -38,6 +38,7 @@ class EngineDevice {
     CleanHistoryManager history;
     CleanStatistics statistics;
     StorageAnalyzer storage;
+    CleanLock lock;
     platform::NotificationCenter notifications;
     platform::MainQueue mainQueue;
     FakeCommandRunner commands;

@@ -28,7 +28,7 @@ NavigationPage {
         objectName: "list"
         topInset: page.topInset
         bottomInset: page.bottomInset
-        model: 60
+        model: 2000
         onScrolled: offsetY => page.screen.scrolling.didScroll(offsetY)
         onScrollEnded: offsetY => page.screen.scrolling.didEnd(offsetY)
         header: Label {

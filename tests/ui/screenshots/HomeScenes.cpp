@@ -1,8 +1,6 @@
 #include <QTest>
 
 #include "ui/home/ViewController.h"
-#include "ui/kit/Appearance.h"
-#include "ui/presentation/MainQueueHook.h"
 #include "ui/screenshots/Scene.h"
 #include "ui/shell/Screens.h"
 #include "ui/support/SampleContent.h"
@@ -71,11 +69,6 @@ void scrollTo(TestApp& app, double y) {
 }
 
 constexpr double kBottom = 1e6;
-
-void setTextScale(double scale) {
-    ui::Appearance::shared().setTextScale(scale);
-    QCoreApplication::processEvents();
-}
 
 void expand(TestApp& app, int index) {
     screenOf(app).cards()[index]->toggleExpanded(false);
@@ -181,24 +174,36 @@ std::vector<Scene> homeScenes() {
              extremes(app);
              scrollTo(app, 300);
          }},
-        {QStringLiteral("home-large-text"), usual,
+        {QStringLiteral("home-large-text"),
+         usual,
          [](TestApp& app) {
              fill(app);
-             setTextScale(1.5);
              expand(app, 0);
-         }},
-        {QStringLiteral("home-large-text-bottom"), usual,
+         },
+         26,
+         false,
+         {},
+         1.5},
+        {QStringLiteral("home-large-text-bottom"),
+         usual,
          [](TestApp& app) {
              extremes(app);
-             setTextScale(1.5);
              scrollTo(app, kBottom);
-         }},
-        {QStringLiteral("home-largest-text"), usual,
+         },
+         26,
+         false,
+         {},
+         1.5},
+        {QStringLiteral("home-largest-text"),
+         usual,
          [](TestApp& app) {
              fill(app);
-             setTextScale(2.0);
              scrollTo(app, 260);
-         }},
+         },
+         26,
+         false,
+         {},
+         2.0},
     };
 }
 

@@ -20,7 +20,7 @@ struct Scene {
     double textScale = 1.0;
 };
 
-/// The home tab.
+/// The ring, the cards, scans and cleans.
 std::vector<Scene> homeScenes();
 /// The apps and the protected apps.
 std::vector<Scene> appScenes();

@@ -8,7 +8,6 @@
 #include "ui/gallery/GalleryScreen.h"
 #include "ui/kit/Appearance.h"
 #include "ui/screenshots/Scene.h"
-#include "ui/support/TestApp.h"
 
 // Draws every screen and state in light and dark, in both languages, on a phone and a tablet, and a
 // contact sheet of each combination. Called by script/screenshots, which gives it a display.
