@@ -109,7 +109,7 @@ class AppScreensTest : public ViewTest {
         return scans;
     }
 
-    TestApp app_;
+    TestApp app_{{}, withoutHome};
 };
 
 }  // namespace sweepwright::test
