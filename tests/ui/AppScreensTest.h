@@ -6,7 +6,6 @@
 #include "ui/ViewTest.h"
 #include "ui/apps/AppListViewController.h"
 #include "ui/apps/WhitelistViewController.h"
-#include "ui/shell/Screens.h"
 #include "ui/support/InstalledApps.h"
 
 namespace sweepwright::test {
@@ -110,14 +109,7 @@ class AppScreensTest : public ViewTest {
         return scans;
     }
 
-    // In place of the home tab, which looks for apps too, stands a page of the gallery.
-    static ui::SceneDelegate::Screens tabs(const ui::ScreenServices& services) {
-        ui::SceneDelegate::Screens screens = ui::makeScreens(services);
-        screens.front() = std::move(gallery("Controls")(services).front());
-        return screens;
-    }
-
-    TestApp app_{{}, tabs};
+    TestApp app_{{}, withoutHome};
 };
 
 }  // namespace sweepwright::test

@@ -137,11 +137,17 @@ NavigationPage {
     }
     // Its lines are about equally long, so that no word is left alone on the last.
     component Note: Label {
-        readonly property int lines: Math.ceil(implicitWidth / parent.width)
+        id: note
+        readonly property int lines: Math.ceil(oneRow.advanceWidth / parent.width)
         anchors.horizontalCenter: parent.horizontalCenter
-        width: Math.min(parent.width, implicitWidth / lines * 1.08 + 2 * font.pixelSize)
+        width: Math.min(parent.width, oneRow.advanceWidth / lines * 1.08 + 2 * font.pixelSize)
         lineHeight: 1.1
         horizontalAlignment: Text.AlignHCenter
         wrapMode: Text.Wrap
+
+        readonly property TextMetrics oneRow: TextMetrics {
+            font: note.font
+            text: note.text
+        }
     }
 }

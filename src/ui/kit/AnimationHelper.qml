@@ -11,7 +11,9 @@ QtObject {
 
     // Swells from half its size, on a spring.
     function bounceAnimationForView(view: Item, completion: var): void {
-        bounce.createObject(view, {view: view, completion: completion ?? null});
+        const motion = bounce.createObject(view, {view: view, completion: completion ?? null}) as SpringMotion;
+        motion.jump(0.5);
+        motion.to = 1;
     }
     // Swells and shrinks for ever.
     function pulseAnimationForView(view: Item): void {
@@ -29,10 +31,14 @@ QtObject {
         shake.createObject(shift, {shift: shift});
     }
     function fadeInView(view: Item, duration: int): void {
-        fade.createObject(view, {target: view, from: 0, to: 1, span: duration});
+        run(fade.createObject(view, {target: view, from: 0, to: 1, span: duration}) as NumberAnimation);
     }
     function fadeOutView(view: Item, duration: int): void {
-        fade.createObject(view, {target: view, from: view.opacity, to: 0, span: duration});
+        run(fade.createObject(view, {target: view, from: view.opacity, to: 0, span: duration}) as NumberAnimation);
+    }
+    // It may end, and go, as soon as it begins; so not while it is being made.
+    function run(motion: NumberAnimation): void {
+        motion.start();
     }
     // Turns for ever, one turn in `duration` milliseconds.
     function rotateView(view: Item, duration: int): void {
@@ -67,10 +73,6 @@ QtObject {
                 if (to !== 1) return;
                 if (spring.completion) spring.completion.call();
                 spring.destroy();
-            }
-            Component.onCompleted: {
-                spring.jump(0.5);
-                spring.to = 1;
             }
         }
     }
@@ -115,7 +117,6 @@ QtObject {
         NumberAnimation {
             id: fading
             required property int span
-            running: true
             duration: Theme.duration(span)
             property: "opacity"
             easing.type: Easing.InOutQuad

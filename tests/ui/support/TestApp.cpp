@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "ui/gallery/GalleryScreen.h"
 #include "ui/kit/Appearance.h"
 #include "ui/shell/App.h"
 #include "ui/shell/Screens.h"
@@ -112,6 +113,13 @@ QQuickItem* TestApp::findItem(const char* objectName) const {
 
 QPoint TestApp::middleOf(const QQuickItem* item) {
     return item->mapToScene(QPointF(item->width() / 2.0, item->height() / 2.0)).toPoint();
+}
+
+ui::SceneDelegate::Screens withoutHome(const ui::ScreenServices& services) {
+    ui::SceneDelegate::Screens screens = ui::makeScreens(services);
+    screens.front() = std::make_unique<GalleryScreen>(QStringLiteral("Controls"), services.texts,
+                                                      "Tab Home", services.notifications);
+    return screens;
 }
 
 bool waitUntil(const std::function<bool()>& done) {

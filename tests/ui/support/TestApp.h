@@ -93,6 +93,10 @@ class TestApp {
     std::unique_ptr<QQuickView> view_;
 };
 
+/// The product's screens but for the home screen, whose first scan of the apps would mingle with
+/// what a test counts.
+ui::SceneDelegate::Screens withoutHome(const ui::ScreenServices& services);
+
 /// Runs the event loop until `done` answers true; false when it does not within five seconds.
 bool waitUntil(const std::function<bool()>& done);
 
