@@ -50,8 +50,9 @@ T.AbstractButton {
     readonly property bool settled: !swipe.running
     readonly property bool aside: open || swipe.running || drag.active
 
-    // Kept by its list for later use, and not to be seen.
+    // Kept by its list for later use, and not to be seen. A list with transitions does not hide it.
     property bool pooled: false
+    visible: !pooled
 
     signal switched(bool on)
     signal actionTriggered(int index)
@@ -101,7 +102,6 @@ T.AbstractButton {
     Accessible.checked: editing ? selected : on
     Accessible.selected: selected
     Accessible.focusable: true
-    Accessible.ignored: pooled
     Accessible.onPressAction: press()
 
     SpringMotion {
