@@ -75,6 +75,10 @@ std::uint64_t ThirdPartyAppCacheManager::cleanNow(const std::string& bundleIdent
             error = Error{std::string(kErrorDomain), kNoDataDirectory, "无法获取应用数据目录"};
             return 0;
         }
+        if (const auto ours = mayEmpty(*container, bundleIdentifier); !ours) {
+            interrupt(ours.error().description);
+            return 0;
+        }
         log("🧹 清理应用: {} 数据路径: {}", bundleIdentifier, *container);
         for (const std::string_view folder : kCleanedFolders)
             cleaned += cleanFolder(*container, folder, progress, bundleIdentifier).value_or(0);
@@ -86,6 +90,18 @@ std::uint64_t ThirdPartyAppCacheManager::cleanNow(const std::string& bundleIdent
         interrupt({});
     }
     return cleaned;
+}
+
+/// An app that was found while its metadata could not be read goes by its container's name, which
+/// no whitelist holds.
+platform::Result<> ThirdPartyAppCacheManager::mayEmpty(const std::string& container,
+                                                       const std::string& bundleIdentifier) {
+    if (!services_.files.fileExists(container)) return {};
+    const auto owner = ownerOfContainer(services_.files, container);
+    if (!owner) return std::unexpected(owner.error());
+    if (*owner == bundleIdentifier || !services_.appWhitelist.isAppInWhitelist(*owner)) return {};
+    return std::unexpected(Error{std::string(kErrorDomain), kInterrupted,
+                                 container + ": belongs to whitelisted " + *owner});
 }
 
 std::optional<std::uint64_t> ThirdPartyAppCacheManager::cleanFolder(const std::string& container,
@@ -106,8 +122,9 @@ std::optional<std::uint64_t> ThirdPartyAppCacheManager::cleanFolder(const std::s
     }
     const auto emptied = removeEntries(*folder, progress, name);
     if (!emptied) return std::nullopt;
-    // What merely failed to go counts all the same: the figure is what was there.
-    return emptied->wasStopped ? emptied->freed : size - std::min(size, emptied->left);
+    // What merely failed to go counts all the same: the figure is what was there. But what had to
+    // stay does not.
+    return emptied->wasStopped || emptied->keptSomething ? emptied->freed : size;
 }
 
 void ThirdPartyAppCacheManager::noteRefused(const std::string& container, std::string_view relative,
@@ -187,7 +204,7 @@ void ThirdPartyAppCacheManager::keepEntry(const platform::Directory& directory,
                                           const std::string& name, Emptied& emptied) {
     const std::string path = directory.pathOf(name);
     log("🔒 跳过白名单路径: {}", path);
-    emptied.left += sizeOfEntry(directory, name);
+    emptied.keptSomething = true;
     if (observer_ != nullptr)
         observer_->kept(path, KeptReason::Protected,
                         protectingPath(services_.files, services_.pathWhitelist, path));
@@ -200,33 +217,14 @@ void ThirdPartyAppCacheManager::removeEntry(const platform::Directory& directory
     emptied.freed += removal.bytes;
     if (removal.error) {
         log("⚠️ 删除失败: {} 错误: {}", path, removal.error->description);
-        keepMountPoints(removal, emptied);
+        emptied.keptSomething = emptied.keptSomething || !removal.mountPoints.empty();
+        for (const std::string& mountPoint : removal.mountPoints)
+            if (observer_ != nullptr) observer_->kept(mountPoint, KeptReason::MountPoint, {});
         if (observer_ != nullptr && !removal.onlyMountPointsStay)
             observer_->kept(path, KeptReason::Failed, removal.error->description);
     } else if (observer_ != nullptr) {
         observer_->removed(path, removal.bytes);
     }
-}
-
-void ThirdPartyAppCacheManager::keepMountPoints(const platform::Removal& removal,
-                                                Emptied& emptied) {
-    for (const std::string& path : removal.mountPoints) {
-        const auto attributes = services_.files.attributes(path, LastLink::Refuse);
-        if (attributes && attributes->type == platform::FileType::Directory) {
-            emptied.left += walker_.sizeOfDirectory(path, entryRules());
-        } else if (attributes) {
-            emptied.left += attributes->size;
-        }
-        if (observer_ != nullptr) observer_->kept(path, KeptReason::MountPoint, {});
-    }
-}
-
-std::uint64_t ThirdPartyAppCacheManager::sizeOfEntry(const platform::Directory& directory,
-                                                     const std::string& name) {
-    const auto attributes = services_.files.attributesAt(directory, name);
-    if (!attributes) return 0;
-    if (attributes->type != platform::FileType::Directory) return attributes->size;
-    return walker_.sizeOfDirectory(directory.pathOf(name), entryRules());
 }
 
 void ThirdPartyAppCacheManager::cleanCacheForApps(std::vector<std::string> bundleIdentifiers,

@@ -1,5 +1,7 @@
 #include "apps/ContainerIndex.h"
 
+#include <cerrno>
+
 #include "platform/PropertyList.h"
 
 namespace sweepwright {
@@ -9,11 +11,13 @@ using platform::PropertyList;
 
 namespace {
 
-std::optional<std::string> identifierByMetadata(platform::FileManager& files,
-                                                const std::string& container) {
-    const auto bytes =
-        files.readFile(joinPath(container, ".com.apple.mobile_container_manager.metadata.plist"),
-                       PropertyList::Limits{}.bytes);
+platform::Result<std::string> readMetadata(platform::FileManager& files,
+                                           const std::string& container) {
+    return files.readFile(joinPath(container, ".com.apple.mobile_container_manager.metadata.plist"),
+                          PropertyList::Limits{}.bytes);
+}
+
+std::optional<std::string> identifierByMetadata(const platform::Result<std::string>& bytes) {
     if (!bytes) return std::nullopt;
     const auto list = PropertyList::parse(*bytes);
     if (!list || list->dictionary() == nullptr) return std::nullopt;
@@ -26,8 +30,18 @@ std::optional<std::string> identifierByMetadata(platform::FileManager& files,
 }  // namespace
 
 std::string containerIdentifier(platform::FileManager& files, const std::string& container) {
-    return identifierByMetadata(files, container)
+    return identifierByMetadata(readMetadata(files, container))
         .value_or(std::string(platform::lastPathComponent(container)));
+}
+
+platform::Result<std::string> ownerOfContainer(platform::FileManager& files,
+                                               const std::string& container) {
+    auto bytes = readMetadata(files, container);
+    // What is said to be absent is looked for once more.
+    if (!bytes && bytes.error().code == ENOENT) bytes = readMetadata(files, container);
+    if (!bytes && bytes.error().code != ENOENT) return std::unexpected(bytes.error());
+    return identifierByMetadata(bytes).value_or(
+        std::string(platform::lastPathComponent(container)));
 }
 
 std::optional<std::string> ContainerIndex::find(const std::string& identifier) {

@@ -15,6 +15,10 @@ inline constexpr std::string_view kDataContainers = "/var/mobile/Containers/Data
 
 /// The bundle identifier that a data container's metadata names, else the container's own name.
 std::string containerIdentifier(platform::FileManager& files, const std::string& container);
+/// The same for who must not mistake one app for another: an error when metadata is there that
+/// can't be read.
+platform::Result<std::string> ownerOfContainer(platform::FileManager& files,
+                                               const std::string& container);
 
 /// Finds data containers by their identifier. What was found is remembered and checked again before
 /// it is handed out. Thread-safe.

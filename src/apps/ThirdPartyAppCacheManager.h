@@ -178,7 +178,6 @@ class ThirdPartyAppCacheManager {
     // Sizing.
     void calculate(AppCacheInfo& info, HiddenRoots& hiddenRoots);
     std::uint64_t sizeBeneath(const std::string& container, std::string_view relative);
-    std::uint64_t sizeOfEntry(const platform::Directory& directory, const std::string& name);
     [[nodiscard]] static platform::WalkRules walkRules(int maxDepth);
     /// What counts of an entry of an emptied folder: as walkRules() count it from the folder, which
     /// has told of the depth limit already.
@@ -193,16 +192,19 @@ class ThirdPartyAppCacheManager {
                     Completion completion);
     /// What became of a folder's entries.
     struct Emptied {
-        std::uint64_t left = 0;   ///< bytes of protected entries and behind mount points
-        std::uint64_t freed = 0;  ///< bytes of what went
-        bool wasStopped = false;  ///< before the last entry
+        std::uint64_t freed = 0;     ///< bytes of what went
+        bool keptSomething = false;  ///< that is protected, or a mount point
+        bool wasStopped = false;     ///< before the last entry
     };
 
-    /// Bytes that were there less those that had to stay; of a clean that was stopped, those that
-    /// went. None when there was nothing to empty.
+    /// Bytes that were there; where something had to stay, or a clean was stopped, those that went.
+    /// None when there was nothing to empty.
     std::optional<std::uint64_t> cleanFolder(const std::string& container,
                                              std::string_view relative, const Progress& progress,
                                              const std::string& name);
+    /// An error when the container is that of a whitelisted app of another identifier, or can't be
+    /// told whose it is.
+    platform::Result<> mayEmpty(const std::string& container, const std::string& bundleIdentifier);
     void cleanHiddenRoots(const std::string& identifier, const Progress& progress,
                           std::uint64_t& cleaned);
     /// Tells why a folder is not entered: a link on its way, else `error`.
@@ -213,7 +215,6 @@ class ThirdPartyAppCacheManager {
     void keepEntry(const platform::Directory& directory, const std::string& name, Emptied& emptied);
     void removeEntry(const platform::Directory& directory, const std::string& name,
                      Emptied& emptied);
-    void keepMountPoints(const platform::Removal& removal, Emptied& emptied);
     void record(std::uint64_t cleaned, const std::string& historyName);
     std::uint64_t cleanBatch(const std::vector<std::string>& identifiers, const Progress& progress);
     void postCompletion(Completion completion, std::uint64_t cleaned, std::optional<Error> error);

@@ -135,6 +135,13 @@ std::uint64_t FileCleanerEngine::removeEntriesOf(platform::Directory& directory,
     return total;
 }
 
+platform::Result<platform::FileAttributes> FileCleanerEngine::attributesOf(
+    const platform::Directory& directory, const std::string& name) {
+    auto attributes = services_.files.attributesAt(directory, name);
+    if (attributes) return attributes;
+    return services_.files.attributes(directory.pathOf(name), LastLink::Refuse);
+}
+
 bool FileCleanerEngine::keepsEntry(const platform::Directory& directory,
                                    const LinkProtection& protection, const std::string& name) {
     const std::string path = directory.pathOf(name);
@@ -147,7 +154,7 @@ bool FileCleanerEngine::keepsEntry(const platform::Directory& directory,
         noteProtected(path);
         return true;
     }
-    const auto attributes = services_.files.attributesAt(directory, name);
+    const auto attributes = attributesOf(directory, name);
     if (attributes && attributes->type == FileType::SymbolicLink) {
         noteKept(path, KeptReason::Link);
         return true;

@@ -25,7 +25,8 @@ std::string mainDatabaseOf(std::string_view sideFile) {
 
 bool FileCleanerEngine::isInUse(const platform::Directory& library, const std::string& name,
                                 const platform::FileAttributes& attributes) {
-    if (!exists(library.pathOf(mainDatabaseOf(name)))) return false;
+    const std::string database = mainDatabaseOf(name);
+    if (!exists(library.pathOf(database)) && !attributesOf(library, database)) return false;
     const double age =
         std::chrono::duration<double>(services_.now() - attributes.modificationDate).count();
     if (age >= kRecentSeconds) return false;
@@ -47,7 +48,7 @@ bool FileCleanerEngine::isRemovableSideFile(const platform::Directory& library,
         noteProtected(path);
         return false;
     }
-    const auto attributes = services_.files.attributesAt(library, name);
+    const auto attributes = attributesOf(library, name);
     if (!attributes) return true;
     if (attributes->type == FileType::SymbolicLink) {
         noteKept(path, KeptReason::Link);

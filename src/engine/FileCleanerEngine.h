@@ -311,6 +311,9 @@ class FileCleanerEngine {
     std::vector<std::string> cleanableEntriesOf(const std::string& directory);
     std::optional<platform::Directory> openToEmpty(const std::string& directory);
     std::uint64_t removeEntriesOf(platform::Directory& directory, const Progress& progress);
+    /// Attributes of an entry, asked for a second way before it counts as one that tells none.
+    platform::Result<platform::FileAttributes> attributesOf(const platform::Directory& directory,
+                                                            const std::string& name);
     /// Whether the entry must stay.
     bool keepsEntry(const platform::Directory& directory, const LinkProtection& protection,
                     const std::string& name);

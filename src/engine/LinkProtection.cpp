@@ -1,6 +1,7 @@
 #include "engine/LinkProtection.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <iterator>
 #include <utility>
 #include <vector>
@@ -30,6 +31,20 @@ std::optional<std::string> placeOf(platform::FileManager& files,
     return folder->substr(above.size() - 1);
 }
 
+/// Whether a path that can't be resolved leads nowhere, or where this process can't go either.
+bool leadsNowhere(const platform::Error& error) {
+    switch (error.code) {
+        case ENOENT:
+        case ENOTDIR:
+        case ELOOP:
+        case ENAMETOOLONG:
+        case EACCES:
+            return true;
+        default:
+            return false;
+    }
+}
+
 /// Each link on the way along `path` and, last, where the way ends; what is not there is taken by
 /// its name.
 std::vector<std::string> placesOf(platform::FileManager& files, const std::string& path) {
@@ -50,10 +65,20 @@ std::vector<std::string> placesOf(platform::FileManager& files, const std::strin
     return places;
 }
 
-PathIndex placesOfAll(platform::FileManager& files, const std::vector<std::string>& paths) {
+/// `areKnown` becomes false when one of them could not be found out.
+PathIndex placesOfAll(platform::FileManager& files, const std::vector<std::string>& paths,
+                      bool& areKnown) {
     std::vector<std::string> places;
-    for (const std::string& path : paths)
+    for (const std::string& path : paths) {
         std::ranges::move(placesOf(files, path), std::back_inserter(places));
+        // A link that could not be looked at was passed by as a name: where it all ends is asked
+        // once more as a whole.
+        if (auto end = files.resolvedPath(path)) {
+            places.push_back(*std::move(end));
+        } else if (!leadsNowhere(end.error())) {
+            areKnown = false;
+        }
+    }
     return PathIndex(places);
 }
 
@@ -62,7 +87,10 @@ PathIndex placesOfAll(platform::FileManager& files, const std::vector<std::strin
 ProtectedPlaces ProtectedPlaces::find(platform::FileManager& files,
                                       const PathWhitelistManager& whitelist,
                                       const std::vector<std::string>& ownFiles) {
-    return {placesOfAll(files, whitelist.getAllWhitelistedPaths()), placesOfAll(files, ownFiles)};
+    ProtectedPlaces found;
+    found.whitelisted = placesOfAll(files, whitelist.getAllWhitelistedPaths(), found.areKnown);
+    found.ownFiles = placesOfAll(files, ownFiles, found.areKnown);
+    return found;
 }
 
 LinkProtection::LinkProtection(platform::FileManager& files, const PathWhitelistManager& whitelist,
@@ -77,11 +105,11 @@ LinkProtection::LinkProtection(platform::FileManager& files,
     : place_(placeOf(files, directory)), places_(std::move(places)) {}
 
 bool LinkProtection::coversDirectory() const {
-    return !place_ || places_->whitelisted.touches(*place_);
+    return !place_ || !places_->areKnown || places_->whitelisted.touches(*place_);
 }
 
 bool LinkProtection::covers(std::string_view name) const {
-    if (!place_) return true;
+    if (!place_ || !places_->areKnown) return true;
     const std::string entry = platform::joinPath(*place_, name);
     return places_->whitelisted.touches(entry) || places_->ownFiles.touches(entry);
 }

@@ -18,6 +18,8 @@ struct ProtectedPlaces {
     PathIndex whitelisted;
     PathIndex ownFiles;  ///< must not go with a folder that holds them, which may be emptied
 
+    bool areKnown = true;  ///< false when one could not be found out: then everything is protected
+
     static ProtectedPlaces find(platform::FileManager& files, const PathWhitelistManager& whitelist,
                                 const std::vector<std::string>& ownFiles = {});
 };

@@ -55,8 +55,11 @@ UserDefaults& UserDefaults::standard() {
 Result<PropertyList::Dictionary> UserDefaults::load() const {
     const auto bytes = files_.readFile(file_, PropertyList::Limits{}.bytes);
     if (!bytes) {
-        if (isErrno(bytes.error(), ENOENT)) return {};
-        return std::unexpected(bytes.error());
+        if (!isErrno(bytes.error(), ENOENT)) return std::unexpected(bytes.error());
+        // Taken for absent, the lists would protect nothing and be written over: looked at twice.
+        const auto there = files_.attributes(file_, LastLink::Follow);
+        if (there || !isErrno(there.error(), ENOENT)) return std::unexpected(bytes.error());
+        return {};
     }
     auto list = PropertyList::parse(*bytes);
     if (!list) return std::unexpected(formatError(file_, list.error().description));

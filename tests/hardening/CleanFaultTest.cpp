@@ -1,0 +1,126 @@
+// One call of the file system fails, whichever it is, in every clean there is.
+#include <array>
+#include <cerrno>
+#include <cstdlib>
+
+#include <gtest/gtest.h>
+
+#include "hardening/SmallDevice.h"
+
+namespace sweepwright {
+namespace {
+
+using test::Operation;
+using test::SmallDevice;
+using test::Worker;
+
+constexpr std::array kErrors = {EACCES, ENOSPC, EROFS, EIO, EMFILE, ENOENT, ENAMETOOLONG, EINTR};
+
+/// Every call with one error, taking turns; with SWEEPWRIGHT_ALL_FAULTS every call with each.
+std::size_t rounds() {
+    return std::getenv("SWEEPWRIGHT_ALL_FAULTS") == nullptr ? 1 : kErrors.size();
+}
+
+class CleanFaults : public testing::TestWithParam<int> {
+  protected:
+    CleanFaults() {
+        Worker worker(device_.tree());
+        const std::uint64_t before = worker.files.calls();
+        const auto outcome = worker.clean(GetParam());
+        EXPECT_TRUE(outcome.success);
+        calls_ = worker.files.calls() - before;
+        healthy_ = outcome.bytes;
+        EXPECT_EQ(device_.damage(), "");
+        EXPECT_EQ(device_.bytesGone(), healthy_);
+        device_.restore();
+        EXPECT_GT(calls_, 20U);
+    }
+
+    static bool isOfApps() { return GetParam() >= test::kOneApp; }
+    static bool isRemoval(Operation operation) {
+        return operation == Operation::RemoveFileAt || operation == Operation::RemoveDirectoryAt;
+    }
+
+    /// What was claimed is what went. Where a figure is taken before a removal (apps; the shared
+    /// folder of a deep clean) the removal's failure does not lower it; where something can't be
+    /// measured, it counts 0.
+    void expectHonestFigure(const Worker::Outcome& outcome, bool removalFailed,
+                            bool queryFailed) const {
+        const std::uint64_t gone = device_.bytesGone();
+        const bool countsBefore = isOfApps() || GetParam() == test::kDeep;
+        if (queryFailed) {
+            EXPECT_LE(outcome.bytes, countsBefore ? healthy_ : gone);
+        } else if (removalFailed && countsBefore) {
+            EXPECT_GE(outcome.bytes, gone);
+            EXPECT_LE(outcome.bytes, healthy_);
+        } else {
+            EXPECT_EQ(outcome.bytes, gone);
+        }
+    }
+
+    void expectTheNextCleanWorks() {
+        Worker worker(device_.tree());
+        EXPECT_FALSE(worker.defaults.damage().has_value());
+        EXPECT_GE(worker.history.getAllCleanHistory().size(), 1U);
+        EXPECT_EQ(worker.pathWhitelist.getUserDefinedPaths().size(), 7U);
+        const std::uint64_t before = device_.bytesGone();
+        const auto again = worker.clean(GetParam());
+        EXPECT_TRUE(again.success);
+        EXPECT_EQ(device_.bytesGone(), healthy_);
+        EXPECT_EQ(again.bytes, healthy_ - before);
+        EXPECT_EQ(device_.damage(), "");
+    }
+
+    SmallDevice device_;
+    std::uint64_t calls_ = 0;
+    std::uint64_t healthy_ = 0;  ///< bytes of a clean in which nothing fails
+};
+
+TEST_P(CleanFaults, WhicheverCallFailsNothingProtectedGoesAndTheFigureIsHonest) {
+    for (std::uint64_t n = 1; n <= calls_; ++n) {
+        for (std::size_t round = 0; round < rounds(); ++round) {
+            const int number = kErrors[(n + round) % kErrors.size()];
+            Worker worker(device_.tree());
+            Operation failed{};
+            std::uint64_t seen = 0;
+            worker.files.before([&](Operation operation, const std::string&) {
+                if (++seen == n) failed = operation;
+            });
+            worker.failNext(n, number);
+            const auto outcome = worker.clean(GetParam());
+            SCOPED_TRACE(testing::Message()
+                         << "call " << n << " (" << static_cast<int>(failed) << ") about "
+                         << worker.files.failedPath() << " failed with " << number);
+            EXPECT_EQ(device_.damage(), "");
+            const bool changes = std::set<Operation>(test::kChangingOperations).contains(failed);
+            expectHonestFigure(outcome, isRemoval(failed), !changes);
+            if (!outcome.success && !isOfApps()) {
+                EXPECT_EQ(device_.bytesGone(), 0U);
+            }
+            expectTheNextCleanWorks();
+            device_.restore();
+            if (HasFailure()) return;
+        }
+    }
+}
+
+TEST_P(CleanFaults, ADiskThatFailsFromOneCallOnLosesNothingProtected) {
+    for (std::uint64_t n = 1; n <= calls_; ++n) {
+        const int number = kErrors[n % kErrors.size()];
+        Worker worker(device_.tree());
+        worker.failFromNext(n, number);
+        static_cast<void>(worker.clean(GetParam()));
+        SCOPED_TRACE(testing::Message() << "from call " << n << " about "
+                                        << worker.files.failedPath() << " on: " << number);
+        EXPECT_EQ(device_.damage(), "");
+        expectTheNextCleanWorks();
+        device_.restore();
+        if (HasFailure()) return;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(, CleanFaults, testing::Range(0, int{test::kCleans}),
+                         [](const auto& each) { return test::cleanName(each.param); });
+
+}  // namespace
+}  // namespace sweepwright
