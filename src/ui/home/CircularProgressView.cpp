@@ -25,8 +25,8 @@ constexpr Shadow kProgressShadow{2.0, 4.0, 0.3};
 
 struct Arc {
     QRectF box;
-    double width;
-    double share;
+    double width = 0.0;
+    double share = 0.0;
 
     void draw(QPainter& painter, const QColor& color, double penWidth) const {
         painter.setPen(QPen(color, penWidth, Qt::SolidLine, Qt::RoundCap));
