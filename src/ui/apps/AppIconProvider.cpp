@@ -88,7 +88,7 @@ QImage AppIconProvider::rounded(const platform::Image& picture, int pixels) {
     drawn.fill(Qt::transparent);
     if (picture.empty()) return drawn;
     const QImage whole(picture.rgba.data(), static_cast<int>(picture.width),
-                       static_cast<int>(picture.height), static_cast<int>(picture.width) * 4,
+                       static_cast<int>(picture.height), static_cast<qsizetype>(picture.width) * 4,
                        QImage::Format_RGBA8888);
     const QImage icon =
         squareOf(whole)

@@ -218,6 +218,8 @@ T.AbstractButton {
                     size: row.titleSize
                     weight: row.titleWeight
                     color: row.destructive ? Theme.systemRed : Theme.label
+                    // Names of right-to-left scripts, too, stand beside the icon.
+                    horizontalAlignment: Text.AlignLeft
                     wrapMode: Text.Wrap
                     maximumLineCount: 2
                     elide: Text.ElideRight
