@@ -122,8 +122,10 @@ ui::SceneDelegate::Screens withoutHome(const ui::ScreenServices& services) {
     return screens;
 }
 
+constexpr int kPatience = 30000;  // milliseconds
+
 bool waitUntil(const std::function<bool()>& done) {
-    return QTest::qWaitFor(done, 5000);
+    return QTest::qWaitFor(done, kPatience);
 }
 
 }  // namespace sweepwright::test

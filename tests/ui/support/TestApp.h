@@ -97,7 +97,8 @@ class TestApp {
 /// what a test counts.
 ui::SceneDelegate::Screens withoutHome(const ui::ScreenServices& services);
 
-/// Runs the event loop until `done` answers true; false when it does not within five seconds.
+/// Runs the event loop until `done` answers true; false when it does not within half a minute,
+/// which only a machine that hangs needs.
 bool waitUntil(const std::function<bool()>& done);
 
 }  // namespace sweepwright::test
