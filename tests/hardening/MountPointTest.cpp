@@ -125,6 +125,7 @@ class MountPoints : public testing::TestWithParam<int> {
             case test::kOneApp:
                 return previewAppsClean(worker.appServices(), {"com.example.one"});
             case test::kAppBatch:
+            case test::kAllApps:
                 return previewAppsClean(worker.appServices(),
                                         {"com.example.one", "com.example.two"});
             default:
@@ -167,7 +168,6 @@ TEST_P(MountPoints, AreKeptWithWhatIsBehindThemAndTellTheirReason) {
 }
 
 TEST_P(MountPoints, APreviewTellsThemAndTheSameFigure) {
-    if (GetParam() == test::kAllApps) GTEST_SKIP() << "a preview is given the apps by name";
     withMounts([&](platform::FileManager& files) {
         Worker worker(device_.tree().root(), files);
         useRealShell(worker);
