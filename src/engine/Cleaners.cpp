@@ -9,6 +9,7 @@ namespace sweepwright {
 
 using platform::joinPath;
 using platform::log;
+using platform::Mounts;
 
 namespace {
 
@@ -33,13 +34,13 @@ std::uint64_t FileCleanerEngine::cleanEntries(const std::string& directory, Name
                                               const Progress& progress) {
     std::uint64_t total = 0;
     for (const std::string& name : cleanableEntriesOf(directory))
-        if (rule(name) && !keepsMountPoint(directory, name))
-            total += removeContentsOfDirectory(joinPath(directory, name), progress);
+        if (rule(name))
+            total += removeContentsOfDirectory(joinPath(directory, name), progress, Mounts::Refuse);
     return total;
 }
 
 std::optional<FileCleanerEngine::Emptying> FileCleanerEngine::cleanMeasured(
-    const std::string& path, const Progress& progress) {
+    const std::string& path, const Progress& progress, Mounts mounts) {
     if (isStopped() || !exists(path)) return std::nullopt;
     if (isPathInWhitelist(path)) {
         noteProtected(path);
@@ -47,7 +48,7 @@ std::optional<FileCleanerEngine::Emptying> FileCleanerEngine::cleanMeasured(
     }
     const std::uint64_t size = sizeOfDirectoryAtPath(path);
     if (size == 0) return std::nullopt;
-    return Emptying{size, removeContentsOfDirectory(path, progress)};
+    return Emptying{size, removeContentsOfDirectory(path, progress, mounts)};
 }
 
 std::uint64_t FileCleanerEngine::cleanCacheWithProgress(const Progress& progress,
@@ -74,8 +75,8 @@ std::uint64_t FileCleanerEngine::cleanSupportCaches(const Progress& progress) {
             noteProtected(path);
         } else if (isMapsAppPath(path)) {
             keepMaps(path);
-        } else if (rules::isTemporaryData(name) && !keepsMountPoint(support, name)) {
-            total += removeContentsOfDirectory(path, progress);
+        } else if (rules::isTemporaryData(name)) {
+            total += removeContentsOfDirectory(path, progress, Mounts::Refuse);
         }
     }
     return total;
@@ -122,14 +123,13 @@ std::uint64_t FileCleanerEngine::cleanSharedCache(const std::string& name,
         keepMaps(path);
         return 0;
     }
-    if (!rules::isSharedCache(name) || keepsMountPoint(std::string(rules::kSharedCaches), name))
-        return 0;
+    if (!rules::isSharedCache(name)) return 0;
     // Asked again: the list may have changed since.
     if (isPathInWhitelist(path)) {
         log("🔒 二次检查：跳过白名单路径: {}", path);
         return 0;
     }
-    const auto done = cleanMeasured(path, progress);
+    const auto done = cleanMeasured(path, progress, Mounts::Refuse);
     if (!done) return 0;
     if (done->freed > 0) {
         log("✅ 清理用户库缓存: {}, 大小: {} 字节", name, done->freed);

@@ -12,6 +12,22 @@ namespace sweepwright {
 using platform::FileType;
 using platform::LastLink;
 using platform::log;
+using platform::Mounts;
+
+namespace {
+
+/// Opens a directory that is no link and, where mounts are refused, no mount point.
+platform::Result<platform::Directory> openItself(platform::FileManager& files,
+                                                 const std::string& directory, Mounts mounts) {
+    if (mounts == Mounts::Cross) return files.openDirectory(directory, LastLink::Refuse);
+    const std::string_view name = platform::lastPathComponent(directory);
+    const auto parent =
+        files.openDirectory(directory.substr(0, directory.rfind(name)), LastLink::Refuse);
+    if (!parent) return std::unexpected(parent.error());
+    return files.openBeneath(*parent, name, mounts);
+}
+
+}  // namespace
 
 void FileCleanerEngine::noteRemoved(const std::string& path, std::uint64_t bytes) {
     if (observer_ != nullptr) observer_->removed(path, bytes);
@@ -50,27 +66,9 @@ void FileCleanerEngine::keepMaps(const std::string& path) {
     noteKept(path, KeptReason::Maps);
 }
 
-bool FileCleanerEngine::keepsMountPoint(const std::string& directory, const std::string& name) {
-    const std::string path = platform::joinPath(directory, name);
-    const auto parent = services_.files.openDirectory(directory, LastLink::Refuse);
-    if (!parent) {
-        noteKept(path, KeptReason::Failed, parent.error().description);
-        return true;
-    }
-    const auto opened = services_.files.openBeneath(*parent, name, platform::Mounts::Refuse);
-    if (opened) return false;
-    const auto number = opened.error().code;
-    if (number == ENOTDIR || number == ENOENT || number == ELOOP) return false;
-    if (number == EXDEV) {
-        noteKept(path, KeptReason::MountPoint);
-    } else {
-        noteKept(path, KeptReason::Failed, opened.error().description);
-    }
-    return true;
-}
-
 std::uint64_t FileCleanerEngine::removeContentsOfDirectory(const std::string& directory,
-                                                           const Progress& progress) {
+                                                           const Progress& progress,
+                                                           Mounts mounts) {
     if (isStopped()) return 0;
     if (isPathInWhitelist(directory)) {
         log("🔒 白名单目录跳过删除: {}", directory);
@@ -83,19 +81,24 @@ std::uint64_t FileCleanerEngine::removeContentsOfDirectory(const std::string& di
     }
     if (isSystemPath(directory)) {
         log("🔧 检测到系统路径，使用posix_spawn删除: {}", directory);
-        return removeSystemPathWithSystemCommand(directory);
+        return removeSystemPathWithSystemCommand(directory, mounts);
     }
-    auto opened = openToEmpty(directory);
+    auto opened = openToEmpty(directory, mounts);
     return opened ? removeEntriesOf(*opened, progress) : 0;
 }
 
 /// Opens a directory once for all that follows: whatever is renamed or swapped for a link
 /// meanwhile, we stay in this one. None when it must stay as it is.
-std::optional<platform::Directory> FileCleanerEngine::openToEmpty(const std::string& directory) {
-    auto opened = services_.files.openDirectory(directory, LastLink::Refuse);
+std::optional<platform::Directory> FileCleanerEngine::openToEmpty(const std::string& directory,
+                                                                  Mounts mounts) {
+    auto opened = openItself(services_.files, directory, mounts);
     if (!opened) {
         const auto itself = services_.files.attributes(directory, LastLink::Refuse);
-        if (itself && itself->type == FileType::SymbolicLink) noteKept(directory, KeptReason::Link);
+        if (itself && itself->type == FileType::SymbolicLink) {
+            noteKept(directory, KeptReason::Link);
+        } else if (opened.error().code == EXDEV) {
+            noteKept(directory, KeptReason::MountPoint);
+        }
         return std::nullopt;
     }
     if (protectionOf(*opened).coversDirectory()) {
@@ -186,8 +189,9 @@ std::uint64_t FileCleanerEngine::removeEntry(const platform::Directory& director
     if (removal.onlyMountPointsStay) return removal.bytes;
     noteKept(path, KeptReason::Failed, removal.error->description);
     // What went before the failure is gone and counts; then whatever else can go.
-    if (isSystemPath(path)) return removal.bytes + removeContentsOfDirectory(path, {});
-    auto rest = services_.files.openBeneath(directory, name, platform::Mounts::Refuse);
+    if (isSystemPath(path))
+        return removal.bytes + removeContentsOfDirectory(path, {}, Mounts::Refuse);
+    auto rest = services_.files.openBeneath(directory, name, Mounts::Refuse);
     return removal.bytes + (rest ? removeEntriesOf(*rest, {}) : 0);
 }
 

@@ -11,6 +11,7 @@ namespace sweepwright {
 using platform::FileType;
 using platform::LastLink;
 using platform::log;
+using platform::Mounts;
 
 namespace {
 
@@ -90,7 +91,7 @@ void FileCleanerEngine::sweepSafari(std::string_view at, std::uint64_t& total) {
     }
     noteMountPoints(*removal);
     const std::uint64_t rest =
-        removal->onlyMountPointsStay ? 0 : removeContentsOfDirectory(path, {});
+        removal->onlyMountPointsStay ? 0 : removeContentsOfDirectory(path, {}, Mounts::Refuse);
     const std::uint64_t freed = removal->bytes + rest;
     if (freed == 0)
         return log("⚠️ 无法清理Safari缓存: {}（错误: {}）", path, removal->error->description);
@@ -134,8 +135,8 @@ void FileCleanerEngine::sweepSharedCaches(std::uint64_t& total) {
             continue;
         }
         const std::uint64_t size = sizeOfDirectoryAtPath(path);
-        if (!rules::isSharedCache(name) || keepsMountPoint(shared, name)) continue;
-        if (removeContentsOfDirectory(path, {}) == 0) continue;
+        if (!rules::isSharedCache(name)) continue;
+        if (removeContentsOfDirectory(path, {}, Mounts::Refuse) == 0) continue;
         // What it held counts, not what went: deliberate, and unlike the cache cleaner.
         total += size;
         log("✅ 清理用户库缓存: {}, 大小: {} 字节", name, size);

@@ -230,8 +230,10 @@ class FileCleanerEngine {
     /// Removes what may go of the entries of `directory`, never the directory itself: whitelisted
     /// and hidden entries, links, databases, the caches of Maps and the user defaults, which hold
     /// the protection lists, stay; system locations are emptied by the shell. A directory that is
-    /// itself a link is left alone. Bytes freed.
-    std::uint64_t removeContentsOfDirectory(const std::string& directory, const Progress& progress);
+    /// itself a link is left alone, and one on which something is mounted with Mounts::Refuse.
+    /// Bytes freed.
+    std::uint64_t removeContentsOfDirectory(const std::string& directory, const Progress& progress,
+                                            platform::Mounts mounts = platform::Mounts::Cross);
 
     [[nodiscard]] static bool isMapsAppPath(std::string_view path);
     [[nodiscard]] static bool isSQLiteDatabaseFile(std::string_view path);
@@ -241,7 +243,8 @@ class FileCleanerEngine {
     [[nodiscard]] static bool isSystemPath(std::string_view path);
     /// Empties a system directory by a shell command, measures what went, and falls back to the
     /// file manager where the shell could not run. Bytes freed.
-    std::uint64_t removeSystemPathWithSystemCommand(const std::string& directory);
+    std::uint64_t removeSystemPathWithSystemCommand(
+        const std::string& directory, platform::Mounts mounts = platform::Mounts::Cross);
 
     // --- Deep clean ---
 
@@ -309,7 +312,8 @@ class FileCleanerEngine {
     LinkProtection protectionOf(const platform::Directory& directory);
     /// The names in a location to be cleaned; none in one that is itself a link.
     std::vector<std::string> cleanableEntriesOf(const std::string& directory);
-    std::optional<platform::Directory> openToEmpty(const std::string& directory);
+    std::optional<platform::Directory> openToEmpty(const std::string& directory,
+                                                   platform::Mounts mounts);
     std::uint64_t removeEntriesOf(platform::Directory& directory, const Progress& progress);
     /// Attributes of an entry, asked for a second way before it counts as one that tells none.
     platform::Result<platform::FileAttributes> attributesOf(const platform::Directory& directory,
@@ -319,14 +323,12 @@ class FileCleanerEngine {
                     const std::string& name);
     std::uint64_t removeEntry(const platform::Directory& directory, const std::string& name);
     void keepMaps(const std::string& path);
-    /// Whether something is mounted on a location found by its name, or that can't be told: it
-    /// stays.
-    bool keepsMountPoint(const std::string& directory, const std::string& name);
     std::uint64_t cleanEntries(const std::string& directory, NameRule rule,
                                const Progress& progress);
     std::uint64_t cleanIfPresent(const std::string& path, const Progress& progress);
     /// Cleans a location that exists, is not whitelisted and measures more than 0.
-    std::optional<Emptying> cleanMeasured(const std::string& path, const Progress& progress);
+    std::optional<Emptying> cleanMeasured(const std::string& path, const Progress& progress,
+                                          platform::Mounts mounts = platform::Mounts::Cross);
     std::uint64_t cleanSupportCaches(const Progress& progress);
     std::uint64_t cleanSystemCaches(const Progress& progress);
     std::uint64_t cleanSharedCache(const std::string& name, const Progress& progress);

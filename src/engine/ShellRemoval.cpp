@@ -23,7 +23,8 @@ std::int32_t FileCleanerEngine::emptyByShell(const platform::Directory& director
     return services_.eraser.runShellCommand(fallback, directory);
 }
 
-std::uint64_t FileCleanerEngine::removeSystemPathWithSystemCommand(const std::string& directory) {
+std::uint64_t FileCleanerEngine::removeSystemPathWithSystemCommand(const std::string& directory,
+                                                                   platform::Mounts mounts) {
     if (isPathInWhitelist(directory)) {
         log("🔒 白名单系统路径跳过删除: {}", directory);
         noteProtected(directory);
@@ -32,7 +33,7 @@ std::uint64_t FileCleanerEngine::removeSystemPathWithSystemCommand(const std::st
     const std::uint64_t before = sizeOfDirectoryAtPath(directory);
     if (before == 0) return 0;
     // Opened before its name is put into a command, so that no link leads the command elsewhere.
-    const auto opened = openToEmpty(directory);
+    const auto opened = openToEmpty(directory, mounts);
     if (!opened) return 0;
     const auto hostFolder = services_.files.hostPath(*opened);
     if (!hostFolder) return 0;

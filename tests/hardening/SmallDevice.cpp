@@ -45,9 +45,9 @@ std::string contentOf(const std::string& hostPath) {
     return {std::istreambuf_iterator<char>(in), {}};
 }
 
-platform::Device openDevice(const TemporaryDevice& tree) {
+platform::Device openDevice(const std::string& root) {
     platform::DeviceOptions options;
-    options.rootFolder = tree.root();
+    options.rootFolder = root;
     options.home = SmallDevice::kHome;
     return platform::Device::open(options).value();
 }
@@ -108,7 +108,6 @@ void SmallDevice::fillHome() {
     junk(home("Library/Caches/WebKit/c"), 4);
     junk(home("Library/Caches/Kingfisher/d"), 8);
     junk(home("Library/Caches/plain"), 16);
-    kept(home("Library/Caches/white/listed"));
     kept(home("Library/Caches/.hidden"));
     kept(home("Library/Caches/data.sqlite"));
     kept(home("Library/Caches/data.sqlite-wal"));
@@ -120,6 +119,7 @@ void SmallDevice::fillHome() {
     junk(home("Library/Application Support/OfflineMaps/a"), 64);
     junk(home("Library/Application Support/LocalStorage/a"), 128);
     kept(home("Library/Application Support/Profiles/a"));
+    kept(home("Library/Application Support/WhiteCache/listed/a"));
     junk(home("Library/Cookies/a"), 256);
     junk(home("Library/WebKit/a"), 512);
     junk(home("Library/Safari/LocalStorage/a"), 1'024);
@@ -157,7 +157,7 @@ void SmallDevice::fillSystem() {
     kept(shared + "/LinkedCache/listed");  // protected by the name of a link to it
     keptLink("/var/alias", "mobile/Library/Caches");
     kept("/var/mobile/Media/DCIM/photo");
-    kept("/var/mobile/Media/Custom/listed/file");
+    kept("/var/mobile/Media/Other/listed/file");
     kept("/var/db/other");
 }
 
@@ -183,8 +183,9 @@ void SmallDevice::storeLists() {
     restore();
     Worker worker(tree_);
     for (const std::string& path :
-         {home("Library/Caches/white"), std::string(kShared) + "/com.apple.white",
-          std::string("/var/alias/LinkedCache"), std::string("/var/mobile/Media/Custom/listed")})
+         {home("Library/Application Support/WhiteCache/listed"),
+          std::string(kShared) + "/com.apple.white", std::string("/var/alias/LinkedCache"),
+          std::string("/var/mobile/Media/Other/listed")})
         EXPECT_TRUE(worker.pathWhitelist.addPathToWhitelist(path));
     for (const char* name : kAppNames)
         EXPECT_TRUE(worker.pathWhitelist.addPathToWhitelist(
@@ -192,6 +193,7 @@ void SmallDevice::storeLists() {
     EXPECT_TRUE(worker.appWhitelist.addAppToWhitelist(kAppNames[2]));
     EXPECT_TRUE(worker.appWhitelist.addAppToWhitelist(kOwnName));
     EXPECT_TRUE(worker.customPaths.addCustomPath("/var/mobile/Media/Custom"));
+    EXPECT_TRUE(worker.customPaths.addCustomPath("/var/mobile/Media/Other"));
     EXPECT_TRUE(worker.history.saveCleanHistoryWithType(CleanType::Cache, 7, "before"));
     defaultsAtFirst_ = contentOf(tree_.host(worker.device.userDefaultsFile()));
 }
@@ -243,9 +245,12 @@ std::uint64_t SmallDevice::bytesAtFirst() const {
     return bytes;
 }
 
-Worker::Worker(TemporaryDevice& tree)
-    : device(openDevice(tree)),
-      files(tree.files(), everyOperation()),
+Worker::Worker(TemporaryDevice& tree, std::set<Operation> watched)
+    : Worker(tree.root(), tree.files(), std::move(watched)) {}
+
+Worker::Worker(const std::string& root, platform::FileManager& target, std::set<Operation> watched)
+    : device(openDevice(root)),
+      files(target, std::move(watched)),
       defaults(files, device.userDefaultsFile()),
       pathWhitelist(defaults),
       appWhitelist(defaults),
@@ -257,7 +262,7 @@ Worker::Worker(TemporaryDevice& tree)
       deviceEraser(files, commands, webStorage),
       eraser(deviceEraser),
       engine(engineServices()),
-      resources(tree.root()),
+      resources(root),
       apps(appServices()) {}
 
 EngineServices Worker::engineServices() {

@@ -62,10 +62,16 @@ class SmallDevice {
     std::string defaultsAtFirst_;
 };
 
+/// Every operation of a FileManager.
+std::set<Operation> everyOperation();
+
 /// What a process has that works on the device, every file-system call going through `files`.
 class Worker {
   public:
-    explicit Worker(TemporaryDevice& tree);
+    explicit Worker(TemporaryDevice& tree, std::set<Operation> watched = everyOperation());
+    /// On the same device as mounts made since it was opened look to a new process.
+    Worker(const std::string& root, platform::FileManager& target,
+           std::set<Operation> watched = everyOperation());
 
     platform::Device device;
     FaultyFileManager files;
@@ -105,8 +111,5 @@ class Worker {
   private:
     void start(int which, const FileCleanerEngine::Completion& completion);
 };
-
-/// Every operation of a FileManager.
-std::set<Operation> everyOperation();
 
 }  // namespace sweepwright::test

@@ -1,0 +1,57 @@
+// The process ends at any call that changes the disk, in every clean there is.
+#include <gtest/gtest.h>
+
+#include "hardening/SmallDevice.h"
+#include "support/ChildProcess.h"
+
+namespace sweepwright {
+namespace {
+
+using test::SmallDevice;
+using test::Worker;
+
+constexpr int kEnded = 42;
+
+class CleanCrashes : public testing::TestWithParam<int> {};
+
+TEST_P(CleanCrashes, WhereverTheProcessEndsNothingProtectedGoesAndTheNextCleanWorks) {
+    SmallDevice device;
+    std::uint64_t healthy = 0;
+    std::uint64_t calls = 0;
+    {
+        Worker worker(device.tree(), test::kChangingOperations);
+        healthy = worker.clean(GetParam()).bytes;
+        calls = worker.files.calls();
+        device.restore();
+    }
+    ASSERT_GT(calls, 4U);
+    for (std::uint64_t n = 1; n <= calls + 1; ++n) {
+        SCOPED_TRACE(n);
+        const int status = test::exitStatusOfChild([&] {
+            Worker worker(device.tree(), test::kChangingOperations);
+            worker.files.exitAt(n, kEnded);
+            EXPECT_TRUE(worker.clean(GetParam()).success);
+        });
+        EXPECT_EQ(status, n <= calls ? kEnded : 0);
+        EXPECT_EQ(device.damage(), "");
+
+        Worker next(device.tree());
+        EXPECT_FALSE(next.defaults.damage().has_value());
+        EXPECT_EQ(next.pathWhitelist.getUserDefinedPaths().size(), 7U);
+        EXPECT_GE(next.history.getAllCleanHistory().size(), 1U);
+        const std::uint64_t gone = device.bytesGone();
+        const auto outcome = next.clean(GetParam());
+        EXPECT_TRUE(outcome.success);  // the lock of the one that ended holds nobody back
+        EXPECT_EQ(outcome.bytes, healthy - gone);
+        EXPECT_EQ(device.bytesGone(), healthy);
+        EXPECT_EQ(device.damage(), "");
+        device.restore();
+        if (HasFailure()) return;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(, CleanCrashes, testing::Range(0, int{test::kCleans}),
+                         [](const auto& each) { return test::cleanName(each.param); });
+
+}  // namespace
+}  // namespace sweepwright
