@@ -12,6 +12,7 @@ if(SWEEPWRIGHT_SANITIZE)
   target_link_options(sweepwright_flags INTERFACE -fsanitize=${SWEEPWRIGHT_SANITIZE})
 endif()
 if(SWEEPWRIGHT_COVERAGE)
-  target_compile_options(sweepwright_flags INTERFACE --coverage -O0)
+  # Threads count at once; without atomic updates counts get lost, or negative.
+  target_compile_options(sweepwright_flags INTERFACE --coverage -fprofile-update=atomic -O0)
   target_link_options(sweepwright_flags INTERFACE --coverage)
 endif()

@@ -253,6 +253,16 @@ TEST_F(CleanersTest, CustomPathsThatAreWhitelistedMissingOrEmptyAreNotVisited) {
     EXPECT_THAT(d_.eraser.removed, IsEmpty());
 }
 
+TEST_F(CleanersTest, MapsStayAsACustomPathThoughACommandWouldEmptySuchAFolder) {
+    // Its prefix makes it a system path, and none of the built-in paths protects it.
+    d_.tree.file(EngineDevice::shared("com.apple.MapsExtra/sub/a"), 10);
+    d_.addCustomPath(EngineDevice::shared("com.apple.MapsExtra"));
+    const auto before = d_.everything();
+    EXPECT_EQ(cleanCache(), 0U);
+    EXPECT_EQ(d_.everything(), before);
+    EXPECT_TRUE(d_.commands.commands().empty());
+}
+
 TEST_F(CleanersTest, AnExceptionInTheSystemCachesIsLoggedAndCustomPathsFollow) {
     d_.tree.file(d_.caches("a"), 1);
     d_.tree.file("/var/mobile/Library/Safari/WebKitCache/a", 10);
