@@ -7,6 +7,7 @@
 
 #include "apps/ThirdPartyAppCacheManager.h"
 #include "engine/LinkProtection.h"
+#include "platform/EntryNames.h"
 #include "platform/Log.h"
 
 namespace sweepwright {
@@ -172,7 +173,7 @@ bool ThirdPartyAppCacheManager::removeContentsOfDirectory(const std::string& pat
 
 std::optional<ThirdPartyAppCacheManager::Emptied> ThirdPartyAppCacheManager::removeEntries(
     platform::Directory& directory, const Progress& progress, const std::string& appName) {
-    const auto names = services_.files.contentsOfDirectory(directory);
+    auto names = platform::namesOf(services_.files, directory);
     if (!names) {
         log("⚠️ 无法读取目录: {} 错误: {}", directory.path(), names.error().description);
         return std::nullopt;
@@ -183,7 +184,9 @@ std::optional<ThirdPartyAppCacheManager::Emptied> ThirdPartyAppCacheManager::rem
     Emptied emptied;
     std::size_t done = 0;
     platform::ProgressThrottle throttle(services_.mainQueue, progress);
-    for (const std::string& name : *names) {
+    const auto count = static_cast<double>(names->size());
+    while (names->size() > 0) {
+        const std::string name = names->take();
         if (isStopped()) {
             emptied.wasStopped = true;
             break;
@@ -194,7 +197,7 @@ std::optional<ThirdPartyAppCacheManager::Emptied> ThirdPartyAppCacheManager::rem
         } else {
             removeEntry(directory, name, emptied);
         }
-        throttle.report(appName, static_cast<double>(++done) / static_cast<double>(names->size()));
+        throttle.report(appName, static_cast<double>(++done) / count);
     }
     throttle.flush();
     return emptied;

@@ -4,6 +4,7 @@
 #include "engine/CategoryRules.h"
 #include "engine/FileCleanerEngine.h"
 #include "engine/LinkProtection.h"
+#include "platform/EntryNames.h"
 #include "platform/Log.h"
 #include "platform/ProgressThrottle.h"
 
@@ -117,22 +118,22 @@ std::vector<std::string> FileCleanerEngine::cleanableEntriesOf(const std::string
 
 std::uint64_t FileCleanerEngine::removeEntriesOf(platform::Directory& directory,
                                                  const Progress& progress) {
-    const auto names = services_.files.contentsOfDirectory(directory);
+    auto names = platform::namesOf(services_.files, directory);
     if (!names) return 0;
+    const auto count = static_cast<double>(names->size());
     const LinkProtection protection = protectionOf(directory);
     // A cleaner that is called on its own has no throttle yet.
     platform::ProgressThrottle own(services_.mainQueue, progress);
     platform::ProgressThrottle& throttle = throttle_ ? *throttle_ : own;
     std::uint64_t total = 0;
     std::size_t handled = 0;
-    for (const std::string& name : *names) {
+    while (names->size() > 0) {
+        const std::string name = names->take();
         if (isStopped()) break;
         ++handled;
         if (keepsEntry(directory, protection, name)) continue;
         total += removeEntry(directory, name);
-        if (progress)
-            throttle.report(name,
-                            static_cast<double>(handled) / static_cast<double>(names->size()));
+        if (progress) throttle.report(name, static_cast<double>(handled) / count);
     }
     own.flush();
     return total;

@@ -111,6 +111,14 @@ TEST_F(DatabaseCleanerTest, ASideFileWhoseDateCannotBeReadGoes) {
     EXPECT_FALSE(isThere("x.db-wal"));
 }
 
+TEST_F(DatabaseCleanerTest, ADateThatIsToldAtASecondAskingCounts) {
+    d_.tree.file(d_.library("x.db"), 1);
+    sideFile("x.db-wal", 1);
+    failAbout(d_.library("x.db-wal"), {Operation::AttributesAt}, EIO);
+    clean();
+    EXPECT_TRUE(isThere("x.db-wal"));
+}
+
 TEST_F(DatabaseCleanerTest, ASideFileThatCannotBeRemovedIsToldOfAndNotCounted) {
     sideFile("x.db-wal", 1);
     sideFile("y.db-wal", 1);
