@@ -19,7 +19,7 @@ class AppDelegateTest : public testing::Test {
     const std::string caches_ = "/var/mobile/Library/Caches";
     const std::string tmp_ = "/var/mobile/tmp";
     const std::string logs_ = "/var/mobile/Library/Logs";
-    test::TestApp app_;
+    test::TestApp app_{{}, test::withoutHome};
 };
 
 TEST_F(AppDelegateTest, WritesThirtySampleFilesOfTheSizesSaid) {

@@ -37,8 +37,7 @@ class AppListView : public AppScreensTest {
         for (QQuickItem* each :
              flickable()->property("contentItem").value<QQuickItem*>()->childItems()) {
             const bool isRow = each->objectName().startsWith(QLatin1String("app "));
-            if (isRow && each->isVisible() && each->opacity() > 0.0)
-                result.push_back(each);
+            if (isRow && each->isVisible() && each->opacity() > 0.0) result.push_back(each);
         }
         std::sort(
             result.begin(), result.end(),

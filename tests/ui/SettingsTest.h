@@ -77,7 +77,7 @@ class SettingsTest : public testing::Test {
 
     static constexpr const char* kDamaged = "bplist00 and nothing that follows it";
 
-    TestApp app_;
+    TestApp app_{{}, test::withoutHome};
 };
 
 }  // namespace sweepwright::test
