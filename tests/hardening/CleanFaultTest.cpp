@@ -34,6 +34,7 @@ class CleanFaults : public testing::TestWithParam<int> {
         EXPECT_EQ(device_.bytesGone(), healthy_);
         device_.restore();
         EXPECT_GT(calls_, 20U);
+        RecordProperty("calls", static_cast<int>(calls_));
     }
 
     static bool isOfApps() { return GetParam() >= test::kOneApp; }
