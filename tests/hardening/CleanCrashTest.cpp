@@ -10,8 +10,6 @@ namespace {
 using test::SmallDevice;
 using test::Worker;
 
-constexpr int kEnded = 42;
-
 class CleanCrashes : public testing::TestWithParam<int> {};
 
 TEST_P(CleanCrashes, WhereverTheProcessEndsNothingProtectedGoesAndTheNextCleanWorks) {
@@ -29,10 +27,10 @@ TEST_P(CleanCrashes, WhereverTheProcessEndsNothingProtectedGoesAndTheNextCleanWo
         SCOPED_TRACE(n);
         const int status = test::exitStatusOfChild([&] {
             Worker worker(device.tree(), test::kChangingOperations);
-            worker.files.exitAt(n, kEnded);
+            worker.files.killAt(n);
             EXPECT_TRUE(worker.clean(GetParam()).success);
         });
-        EXPECT_EQ(status, n <= calls ? kEnded : 0);
+        EXPECT_EQ(status, n <= calls ? test::kKilled : 0);
         EXPECT_EQ(device.damage(), "");
 
         Worker next(device.tree());

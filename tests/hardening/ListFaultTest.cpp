@@ -16,7 +16,6 @@ using test::SmallDevice;
 using test::Worker;
 
 constexpr std::array kErrors = {EACCES, ENOSPC, EROFS, EIO, EMFILE, ENOENT, ENAMETOOLONG, EINTR};
-constexpr int kEnded = 42;
 
 struct Change {
     const char* name;
@@ -111,10 +110,10 @@ TEST_P(ListFaults, AProcessThatEndsAtAnyCallLeavesTheOldOrTheNewList) {
     for (std::uint64_t n = 1; n <= calls_ + 1; ++n) {
         const int status = test::exitStatusOfChild([&] {
             Worker worker(device_.tree());
-            worker.files.exitAt(worker.files.calls() + n, kEnded);
+            worker.files.killAt(worker.files.calls() + n);
             EXPECT_TRUE(GetParam().make(worker));
         });
-        EXPECT_EQ(status, n <= calls_ ? kEnded : 0) << n;
+        EXPECT_EQ(status, n <= calls_ ? test::kKilled : 0) << n;
         const std::string left = state();
         EXPECT_TRUE(left == before_ || left == after_) << n << ": " << left;
         device_.restore();

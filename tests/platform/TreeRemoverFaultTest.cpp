@@ -138,15 +138,14 @@ TEST_P(TreeRemoverFaultTest, OnADiskThatTurnsReadOnlyTheBytesAreThoseThatWent) {
 }
 
 TEST_P(TreeRemoverFaultTest, AProcessThatEndsMidwayHasTouchedNothingElse) {
-    constexpr int kEnded = 42;
     fill();
     for (const std::uint64_t n : {1U, 7U, 20U}) {
         const int status = test::exitStatusOfChild([&] {
             FaultyFileManager files(files_, test::kChangingOperations);
-            files.exitAt(n, kEnded);
+            files.killAt(n);
             (void)removeThrough(files, 1);
         });
-        EXPECT_EQ(status, kEnded);
+        EXPECT_EQ(status, test::kKilled);
         EXPECT_TRUE(device_.exists("/t"));
         EXPECT_EQ(device_.content("/canary"), "alive");
     }

@@ -23,7 +23,6 @@ using Dictionary = PropertyList::Dictionary;
 
 constexpr auto kDirectory = "/Preferences";
 constexpr auto kFile = "/Preferences/com.example.plist";
-constexpr int kEnded = 7;
 
 /// Runs `work` in a process of its own, which ends with what it answers.
 pid_t start(const std::function<int()>& work) {
@@ -53,10 +52,10 @@ void endAtEveryCall(std::uint64_t calls, const std::function<void(TemporaryDevic
         prepare(device);
         const int status = test::exitStatusOfChild([&] {
             test::FaultyFileManager files(device.files(), kCalls);
-            files.exitAt(call, kEnded);
+            files.killAt(call);
             EXPECT_TRUE(UserDefaults(files, kFile).set("a", "new"));
         });
-        EXPECT_EQ(status, call <= calls ? kEnded : 0);
+        EXPECT_EQ(status, call <= calls ? test::kKilled : 0);
         check(device);
         if (status != 0) continue;
         EXPECT_EQ(UserDefaults(device.files(), kFile).string("a"), "new");

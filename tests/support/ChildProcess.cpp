@@ -51,7 +51,7 @@ int exitStatusOfChild(const std::function<void()>& body) {
     int status = 0;
     while (waitpid(child, &status, 0) < 0)
         if (errno != EINTR) return -1;
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
 void inChildProcess(const std::function<void()>& body) {

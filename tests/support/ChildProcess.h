@@ -1,5 +1,6 @@
 #pragma once
 
+#include <csignal>
 #include <functional>
 #include <string>
 
@@ -11,8 +12,10 @@ namespace sweepwright::test {
 void inChildProcess(const std::function<void()>& body);
 
 /// The status that a child which runs `body` ends with: 0 if `body` returns and its expectations
-/// hold, 1 if one fails, else what it ended by; -1 if a signal did.
+/// hold, 1 if one fails, else what it ended by; 128 and the signal's number if a signal did.
 int exitStatusOfChild(const std::function<void()>& body);
+/// That status of a child that was killed.
+inline constexpr int kKilled = 128 + SIGKILL;
 
 /// inChildProcess() by a user without rights, where this process may become one.
 void asOrdinaryUser(const std::function<void()>& body);

@@ -1,9 +1,8 @@
 #include "support/FaultyFileManager.h"
 
+#include <csignal>
 #include <limits>
 #include <utility>
-
-#include <unistd.h>
 
 namespace sweepwright::test {
 
@@ -28,9 +27,8 @@ void FaultyFileManager::failWhere(std::function<bool(Operation, const std::strin
     number_ = number;
 }
 
-void FaultyFileManager::exitAt(std::uint64_t n, int status) {
-    exitAt_ = n;
-    status_ = status;
+void FaultyFileManager::killAt(std::uint64_t n) {
+    killAt_ = n;
 }
 
 void FaultyFileManager::before(std::function<void(Operation, const std::string&)> hook) {
@@ -52,7 +50,7 @@ int FaultyFileManager::arrive(Operation operation, const std::string& path) {
     if (hook_) hook_(operation, path);
     const std::lock_guard lock(mutex_);
     ++calls_;
-    if (exitAt_ != 0 && calls_ == exitAt_) _exit(status_);
+    if (killAt_ != 0 && calls_ == killAt_) std::raise(SIGKILL);
     const bool counted = failFirst_ != 0 && calls_ >= failFirst_ && calls_ <= failLast_;
     if (!counted && !(shouldFail_ && shouldFail_(operation, path))) return 0;
     if (failedPath_.empty()) failedPath_ = path;

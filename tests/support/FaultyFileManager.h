@@ -65,8 +65,8 @@ class FaultyFileManager final : public platform::ForwardingFileManager {
     void failFrom(std::uint64_t n, int number);
     /// A watched call about which `shouldFail` says so fails with errno value `number`.
     void failWhere(std::function<bool(Operation, const std::string& path)> shouldFail, int number);
-    /// Ends the process by _exit(status) at the n-th watched call, before it is forwarded.
-    void exitAt(std::uint64_t n, int status);
+    /// Kills the process at the n-th watched call, before it is forwarded.
+    void killAt(std::uint64_t n);
     /// Runs `hook` before each watched call, on the calling thread.
     void before(std::function<void(Operation, const std::string& path)> hook);
 
@@ -124,9 +124,8 @@ class FaultyFileManager final : public platform::ForwardingFileManager {
     std::set<Operation> watched_;
     std::uint64_t failFirst_ = 0;  // 0: none
     std::uint64_t failLast_ = 0;
-    std::uint64_t exitAt_ = 0;
+    std::uint64_t killAt_ = 0;
     int number_ = 0;
-    int status_ = 0;
     std::function<bool(Operation, const std::string&)> shouldFail_;
     std::function<void(Operation, const std::string&)> hook_;
     mutable std::mutex mutex_;

@@ -24,8 +24,12 @@ void removeVisibleEntries(const std::string& hostFolder) {
 platform::Removal ForwardingEraser::removeEntry(const platform::Directory& parent,
                                                 const std::string& name,
                                                 const platform::WalkRules& rules) {
-    removed.push_back(parent.pathOf(name));
-    if (onRemove) onRemove(removed.back());
+    const std::string path = parent.pathOf(name);
+    {
+        const std::lock_guard lock(mutex_);
+        removed.push_back(path);
+    }
+    if (onRemove) onRemove(path);
     if (remover) return remover(parent, name);
     return target_.removeEntry(parent, name, rules);
 }

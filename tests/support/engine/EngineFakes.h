@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -57,13 +58,15 @@ class FakeWebStorage final : public platform::WebStorage {
     }
 };
 
-/// Forwards to another eraser and counts; but it does not wait for a system to settle.
+/// Forwards to another eraser and counts; but it does not wait for a system to settle. Several
+/// threads may remove at once.
 class ForwardingEraser final : public Eraser {
   public:
     /// `target` must outlive this.
     explicit ForwardingEraser(Eraser& target) : target_(target) {}
 
-    std::vector<std::string> removed;                       ///< paths handed on, in order
+    std::vector<std::string> removed;                       ///< paths handed on, in order;
+                                                            ///< to be read between cleans
     int settled = 0;                                        ///< calls of settle()
     std::function<void(const std::string& path)> onRemove;  ///< before a removal
     std::function<void()> onSettle;
@@ -84,6 +87,7 @@ class ForwardingEraser final : public Eraser {
 
   private:
     Eraser& target_;
+    std::mutex mutex_;
 };
 
 }  // namespace sweepwright::test
