@@ -10,18 +10,22 @@ namespace {
 using test::SmallDevice;
 using test::Worker;
 
+/// A clean that comes through.
+struct Healthy {
+    std::uint64_t bytes;
+    std::uint64_t calls;  ///< that change something
+};
+
 class CleanCrashes : public testing::TestWithParam<int> {};
 
 TEST_P(CleanCrashes, WhereverTheProcessEndsNothingProtectedGoesAndTheNextCleanWorks) {
     SmallDevice device;
-    std::uint64_t healthy = 0;
-    std::uint64_t calls = 0;
-    {
+    const auto [healthy, calls] = test::answerOfChild<Healthy>([&] {
         Worker worker(device.tree(), test::kChangingOperations);
-        healthy = worker.clean(GetParam()).bytes;
-        calls = worker.files.calls();
-        device.restore();
-    }
+        const std::uint64_t bytes = worker.clean(GetParam()).bytes;
+        return Healthy{bytes, worker.files.calls()};
+    });
+    device.restore();
     ASSERT_GT(calls, 4U);
     for (std::uint64_t n = 1; n <= calls + 1; ++n) {
         SCOPED_TRACE(n);
@@ -33,16 +37,18 @@ TEST_P(CleanCrashes, WhereverTheProcessEndsNothingProtectedGoesAndTheNextCleanWo
         EXPECT_EQ(status, n <= calls ? test::kKilled : 0);
         EXPECT_EQ(device.damage(), "");
 
-        Worker next(device.tree());
-        EXPECT_FALSE(next.defaults.damage().has_value());
-        EXPECT_EQ(next.pathWhitelist.getUserDefinedPaths().size(), 7U);
-        EXPECT_GE(next.history.getAllCleanHistory().size(), 1U);
-        const std::uint64_t gone = device.bytesGone();
-        const auto outcome = next.clean(GetParam());
-        EXPECT_TRUE(outcome.success);  // the lock of the one that ended holds nobody back
-        EXPECT_EQ(outcome.bytes, healthy - gone);
-        EXPECT_EQ(device.bytesGone(), healthy);
-        EXPECT_EQ(device.damage(), "");
+        test::inChildProcess([&] {
+            Worker next(device.tree());
+            EXPECT_FALSE(next.defaults.damage().has_value());
+            EXPECT_EQ(next.pathWhitelist.getUserDefinedPaths().size(), 7U);
+            EXPECT_GE(next.history.getAllCleanHistory().size(), 1U);
+            const std::uint64_t gone = device.bytesGone();
+            const auto outcome = next.clean(GetParam());
+            EXPECT_TRUE(outcome.success);  // the lock of the one that ended holds nobody back
+            EXPECT_EQ(outcome.bytes, healthy - gone);
+            EXPECT_EQ(device.bytesGone(), healthy);
+            EXPECT_EQ(device.damage(), "");
+        });
         device.restore();
         if (HasFailure()) return;
     }

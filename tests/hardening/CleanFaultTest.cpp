@@ -42,6 +42,10 @@ class CleanFaults : public testing::TestWithParam<int> {
         return operation == Operation::RemoveFileAt || operation == Operation::RemoveDirectoryAt;
     }
 
+    static bool isQuery(Operation operation) {
+        return !std::set<Operation>(test::kChangingOperations).contains(operation);
+    }
+
     /// What was claimed is what went. Where a figure is taken before a removal (apps; the shared
     /// folder of a deep clean) the removal's failure does not lower it; where something can't be
     /// measured, it counts 0.
@@ -83,19 +87,14 @@ TEST_P(CleanFaults, WhicheverCallFailsNothingProtectedGoesAndTheFigureIsHonest) 
         for (std::size_t round = 0; round < rounds(); ++round) {
             const int number = kErrors[(n + round) % kErrors.size()];
             Worker worker(device_.tree());
-            Operation failed{};
-            std::uint64_t seen = 0;
-            worker.files.before([&](Operation operation, const std::string&) {
-                if (++seen == n) failed = operation;
-            });
             worker.failNext(n, number);
             const auto outcome = worker.clean(GetParam());
+            const std::optional failed = worker.files.failedOperation();
             SCOPED_TRACE(testing::Message()
-                         << "call " << n << " (" << static_cast<int>(failed) << ") about "
-                         << worker.files.failedPath() << " failed with " << number);
+                         << "call " << n << " (" << (failed ? static_cast<int>(*failed) : -1)
+                         << ") about " << worker.files.failedPath() << " failed with " << number);
             EXPECT_EQ(device_.damage(), "");
-            const bool changes = std::set<Operation>(test::kChangingOperations).contains(failed);
-            expectHonestFigure(outcome, isRemoval(failed), !changes);
+            expectHonestFigure(outcome, failed && isRemoval(*failed), failed && isQuery(*failed));
             if (!outcome.success && !isOfApps()) {
                 EXPECT_EQ(device_.bytesGone(), 0U);
             }

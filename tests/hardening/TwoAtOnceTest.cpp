@@ -104,9 +104,11 @@ class TwoAtOnce : public testing::TestWithParam<bool> {};
 
 TEST_P(TwoAtOnce, NoEntryIsLostAndNoByteIsCountedTwice) {
     SmallDevice device;
-    Worker before(device.tree());
-    ASSERT_TRUE(before.clean(static_cast<int>(CleanType::TempFiles)).success);
-    const auto total = before.statistics.totals().totalCleanedBytes;
+    const auto total = test::answerOfChild<std::uint64_t>([&] {
+        Worker before(device.tree());
+        EXPECT_TRUE(before.clean(static_cast<int>(CleanType::TempFiles)).success);
+        return before.statistics.totals().totalCleanedBytes;
+    });
     std::array<int, 2> told{};
     ASSERT_EQ(pipe(told.data()), 0);
     std::array<pid_t, 2> children{};

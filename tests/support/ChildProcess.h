@@ -1,8 +1,13 @@
 #pragma once
 
+#include <array>
 #include <csignal>
 #include <functional>
 #include <string>
+#include <type_traits>
+
+#include <gtest/gtest.h>
+#include <unistd.h>
 
 namespace sweepwright::test {
 
@@ -16,6 +21,24 @@ void inChildProcess(const std::function<void()>& body);
 int exitStatusOfChild(const std::function<void()>& body);
 /// That status of a child that was killed.
 inline constexpr int kKilled = 128 + SIGKILL;
+
+/// What `body` answers in a child process, for what must not leave threads in this one: a fork
+/// takes none of them along, and what they held stays held.
+template <class Answer>
+Answer answerOfChild(const std::function<Answer()>& body) {
+    static_assert(std::is_trivially_copyable_v<Answer>);
+    std::array<int, 2> telling{};
+    EXPECT_EQ(pipe(telling.data()), 0);
+    inChildProcess([&] {
+        const Answer answer = body();
+        EXPECT_EQ(write(telling[1], &answer, sizeof answer), ssize_t{sizeof answer});
+    });
+    close(telling[1]);
+    Answer answer{};
+    EXPECT_EQ(read(telling[0], &answer, sizeof answer), ssize_t{sizeof answer});
+    close(telling[0]);
+    return answer;
+}
 
 /// inChildProcess() by a user without rights, where this process may become one.
 void asOrdinaryUser(const std::function<void()>& body);

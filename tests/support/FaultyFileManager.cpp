@@ -45,6 +45,11 @@ std::string FaultyFileManager::failedPath() const {
     return failedPath_;
 }
 
+std::optional<Operation> FaultyFileManager::failedOperation() const {
+    const std::lock_guard lock(mutex_);
+    return failedOperation_;
+}
+
 int FaultyFileManager::arrive(Operation operation, const std::string& path) {
     if (!watched_.contains(operation)) return 0;
     if (hook_) hook_(operation, path);
@@ -53,7 +58,10 @@ int FaultyFileManager::arrive(Operation operation, const std::string& path) {
     if (killAt_ != 0 && calls_ == killAt_) std::raise(SIGKILL);
     const bool counted = failFirst_ != 0 && calls_ >= failFirst_ && calls_ <= failLast_;
     if (!counted && !(shouldFail_ && shouldFail_(operation, path))) return 0;
-    if (failedPath_.empty()) failedPath_ = path;
+    if (!failedOperation_) {
+        failedOperation_ = operation;
+        failedPath_ = path;
+    }
     return number_;
 }
 

@@ -4,6 +4,7 @@
 #include <functional>
 #include <initializer_list>
 #include <mutex>
+#include <optional>
 #include <set>
 #include <string>
 
@@ -74,6 +75,8 @@ class FaultyFileManager final : public platform::ForwardingFileManager {
     [[nodiscard]] std::uint64_t calls() const;
     /// The path that the first failed call was about; empty when none has failed.
     [[nodiscard]] std::string failedPath() const;
+    /// What that call was; none when none has failed.
+    [[nodiscard]] std::optional<Operation> failedOperation() const;
 
     platform::Result<platform::Directory> openDirectory(const std::string& path,
                                                         platform::LastLink lastLink) override;
@@ -131,6 +134,7 @@ class FaultyFileManager final : public platform::ForwardingFileManager {
     mutable std::mutex mutex_;
     std::uint64_t calls_ = 0;
     std::string failedPath_;
+    std::optional<Operation> failedOperation_;
 };
 
 }  // namespace sweepwright::test

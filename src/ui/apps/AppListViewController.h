@@ -23,7 +23,8 @@ namespace sweepwright::ui {
 
 /// Every installed app with what can be cleaned of it: user apps in one segment, system apps in the
 /// other. One app is cleaned by a tap or a swipe, several in edit mode; a swipe protects an app.
-class AppListViewController : public ScreenController {
+class AppListViewController : public sweepwright::ui::ScreenController {
+    // The base is named in full, as Qt's type registrar takes it as written.
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("made by the shell")

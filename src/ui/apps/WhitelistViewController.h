@@ -17,7 +17,8 @@
 namespace sweepwright::ui {
 
 /// The installed apps that are protected from cleaning. Its texts are Chinese in every language.
-class WhitelistViewController : public ScreenController {
+class WhitelistViewController : public sweepwright::ui::ScreenController {
+    // The base is named in full, as Qt's type registrar takes it as written.
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("made by the settings screen")

@@ -69,7 +69,7 @@ NavigationPage {
             spacing: 12
 
             Repeater {
-                model: page.screen.cards
+                model: page.screen.cards  // qmllint disable type
                 CleanItemCard {
                     required property int index
                     objectName: "card" + index

@@ -26,7 +26,8 @@ namespace sweepwright::ui {
 ///
 /// Used on the main thread. What runs elsewhere holds the screen weakly; its results are dropped
 /// when the screen is gone.
-class ViewController : public ScreenController, public CleanItemCardViewDelegate {
+class ViewController : public sweepwright::ui::ScreenController, public CleanItemCardViewDelegate {
+    // The base is named in full, as Qt's type registrar takes it as written.
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("made by the shell")

@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Templates as T
 import Sweepwright.Presentation
 
 // An alert: title, message, remark, text field, spinner, buttons.
