@@ -64,7 +64,8 @@ void scrollTo(TestApp& app, double y) {
     QQuickItem* pane = app.item("homePane");
     const double end = pane->property("contentHeight").toDouble() +
                        pane->property("bottomMargin").toDouble() - pane->height();
-    pane->setProperty("contentY", std::min(y, end));
+    const double start = -pane->property("topMargin").toDouble();
+    pane->setProperty("contentY", std::max(start, std::min(y, end)));
     app.scene().showTabBar();
 }
 
