@@ -143,7 +143,9 @@ void reportScan(test::TestApp& app) {
     std::printf("showing a scan that changed nothing: %.1f ms\n", milliseconds(longest));
 }
 
+// Once what still moves has come to rest.
 void reportIdle() {
+    runFor(std::chrono::seconds(1));
     const std::clock_t before = std::clock();
     constexpr std::chrono::seconds kIdle(3);
     runFor(kIdle);
@@ -160,9 +162,8 @@ int main(int argc, char** argv) {
     app.show();
     (void)app.window().grabWindow();
     std::printf("first frame drawn after %.0f ms\n", sinceProcessStart());
-    runFor(std::chrono::seconds(1));
-    std::printf("resident memory %.0f MB\n", residentMegabytes());
     reportIdle();
+    std::printf("resident memory %.0f MB\n", residentMegabytes());
 
     constexpr int kApps = 2000;
     for (const test::InstalledApp& each : test::manyApps(kApps, true))
