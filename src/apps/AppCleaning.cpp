@@ -27,30 +27,34 @@ constexpr std::array<std::string_view, 3> kCleanedFolders = {"Library/Caches", "
 void ThirdPartyAppCacheManager::cleanCacheForApp(const std::string& bundleIdentifier,
                                                  Progress progress, Completion completion) {
     stopRequested_ = false;
-    startClean(bundleIdentifier, std::move(progress), std::move(completion));
+    startClean(bundleIdentifier, std::move(progress),
+               [this, completion = std::move(completion)](std::uint64_t cleaned,
+                                                          std::optional<Error> error) {
+                   postCompletion(completion, cleaned, std::move(error));
+               });
 }
 
 void ThirdPartyAppCacheManager::startClean(const std::string& bundleIdentifier, Progress progress,
-                                           Completion completion) {
-    scanQueue_->async([this, bundleIdentifier, progress = std::move(progress),
-                       completion = std::move(completion)]() mutable {
-        std::optional<Error> error;
-        std::uint64_t cleaned = 0;
-        auto admitted = admission();
-        if (!admitted) {
-            error = admitted.error();
-        } else {
-            cleaned = cleanNow(bundleIdentifier, progress, error);
-        }
-        if (!error && cleaned > 0) {
-            record(cleaned, "第三方应用: " + (bundleIdentifier.contains('.')
-                                                  ? bundleIdentifier
-                                                  : std::string("第三方应用缓存")));
-            invalidateCacheForApp(bundleIdentifier);
-        }
-        if (admitted) admitted->reset();
-        postCompletion(std::move(completion), cleaned, std::move(error));
-    });
+                                           Cleaned done) {
+    scanQueue_->async(
+        [this, bundleIdentifier, progress = std::move(progress), done = std::move(done)] {
+            std::optional<Error> error;
+            std::uint64_t cleaned = 0;
+            auto admitted = admission();
+            if (!admitted) {
+                error = admitted.error();
+            } else {
+                cleaned = cleanNow(bundleIdentifier, progress, error);
+            }
+            if (!error && cleaned > 0) {
+                record(cleaned, "第三方应用: " + (bundleIdentifier.contains('.')
+                                                      ? bundleIdentifier
+                                                      : std::string("第三方应用缓存")));
+                invalidateCacheForApp(bundleIdentifier);
+            }
+            if (admitted) admitted->reset();
+            done(cleaned, std::move(error));
+        });
 }
 
 std::uint64_t ThirdPartyAppCacheManager::cleanNow(const std::string& bundleIdentifier,
@@ -262,16 +266,13 @@ std::uint64_t ThirdPartyAppCacheManager::cleanBatch(const std::vector<std::strin
     for (std::size_t index = 0; index < identifiers.size() && !isStopped(); ++index) {
         Progress inner;
         if (progress) {
-            inner = [&mainQueue = services_.mainQueue, progress, index, count](
-                        const std::string& name, double fraction) {
-                mainQueue.async([progress, name, index, fraction, count] {
-                    progress(name, (static_cast<double>(index) + fraction) / count);
-                });
+            inner = [progress, index, count](const std::string& name, double fraction) {
+                progress(name, (static_cast<double>(index) + fraction) / count);
             };
         }
         std::binary_semaphore finished(0);
         startClean(identifiers[index], std::move(inner),
-                   [&](bool, std::uint64_t cleaned, const std::optional<Error>&) {
+                   [&](std::uint64_t cleaned, const std::optional<Error>&) {
                        total += cleaned;
                        finished.release();
                    });

@@ -187,7 +187,9 @@ class ThirdPartyAppCacheManager {
     [[nodiscard]] bool isStopped() const { return stopRequested_; }
     /// What a clean holds while it may change the device; an error when it must not start.
     platform::Result<std::optional<CleanLock::Share>> admission();
-    void startClean(const std::string& bundleIdentifier, Progress progress, Completion completion);
+    /// Told on the queue of the cleans, so that who waits there needs no main queue that runs.
+    using Cleaned = std::function<void(std::uint64_t cleaned, std::optional<Error> error)>;
+    void startClean(const std::string& bundleIdentifier, Progress progress, Cleaned done);
     void startBatch(std::vector<std::string> bundleIdentifiers, Progress progress,
                     Completion completion);
     /// What became of a folder's entries.

@@ -52,16 +52,25 @@ UserDefaults& UserDefaults::standard() {
     return defaults;
 }
 
-Result<PropertyList::Dictionary> UserDefaults::load() const {
-    const auto bytes = files_.readFile(file_, PropertyList::Limits{}.bytes);
-    if (!bytes) {
-        if (!isErrno(bytes.error(), ENOENT)) return std::unexpected(bytes.error());
-        // Taken for absent, the lists would protect nothing and be written over: looked at twice.
+/// The file's bytes; none when there is no file. Taken for absent by mistake, the lists would
+/// protect nothing and be written over: that is looked at twice. A file that is there at the second
+/// look came to be meanwhile, and is read after all.
+Result<std::optional<std::string>> UserDefaults::storedBytes() const {
+    constexpr int kAttempts = 3;
+    for (int attempt = 1;; ++attempt) {
+        auto bytes = files_.readFile(file_, PropertyList::Limits{}.bytes);
+        if (bytes || !isErrno(bytes.error(), ENOENT)) return bytes;
         const auto there = files_.attributes(file_, LastLink::Follow);
-        if (there || !isErrno(there.error(), ENOENT)) return std::unexpected(bytes.error());
-        return {};
+        if (!there && isErrno(there.error(), ENOENT)) return std::nullopt;
+        if (!there || attempt == kAttempts) return std::unexpected(bytes.error());
     }
-    auto list = PropertyList::parse(*bytes);
+}
+
+Result<PropertyList::Dictionary> UserDefaults::load() const {
+    const auto bytes = storedBytes();
+    if (!bytes) return std::unexpected(bytes.error());
+    if (!*bytes) return {};
+    auto list = PropertyList::parse(**bytes);
     if (!list) return std::unexpected(formatError(file_, list.error().description));
     auto* dictionary = list->dictionary();
     if (dictionary == nullptr) {

@@ -65,6 +65,7 @@ class UserDefaults {
     [[nodiscard]] const std::string& file() const { return file_; }
 
   private:
+    Result<std::optional<std::string>> storedBytes() const;
     Result<PropertyList::Dictionary> load() const;
     Result<> setAside() const;
     FileManager& files_;

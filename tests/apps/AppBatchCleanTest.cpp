@@ -16,6 +16,7 @@ using test::AppsDevice;
 using test::FaultyFileManager;
 using test::linesWith;
 using test::Operation;
+using ::testing::_;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::Pair;
@@ -149,6 +150,19 @@ TEST(AppBatchClean, WhatAnInterruptedAppFreedCountsInTheSumAlone) {
     EXPECT_EQ(outcome.bytes, 120U);
     EXPECT_THAT(historyOf(device), ElementsAre(Pair("第三方应用缓存（全部）", 120),
                                                Pair("第三方应用: com.example.b", 20)));
+}
+
+// As when the app's window is closed in the middle of it.
+TEST(AppBatchClean, EndsThoughNothingRunsOnTheMainQueueAnyMore) {
+    AppsDevice device;
+    installTwo(device);
+    {
+        ThirdPartyAppCacheManager manager(device.services());
+        manager.cleanCacheForApps({kA, kB}, {}, [](bool, std::uint64_t, const auto&) { FAIL(); });
+    }
+    EXPECT_EQ(device.statistics.totals().totalCleanedBytes, 240U);
+    EXPECT_THAT(historyOf(device),
+                ElementsAre(Pair("第三方应用缓存（全部）", 120), Pair(_, 20), Pair(_, 100)));
 }
 
 TEST(AppBatchClean, ManyAppsDoNotStarveTheQueue) {

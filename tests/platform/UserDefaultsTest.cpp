@@ -258,6 +258,28 @@ TEST_F(UserDefaultsTest, ADamagedFileReadsAsAbsentAndIsReported) {
     }
 }
 
+// As when the first change of all is made on another thread.
+TEST_F(UserDefaultsTest, AFileThatAppearsAfterTheFirstLookIsRead) {
+    test::FaultyFileManager watching(device.files(), {Operation::Attributes});
+    watching.before([this](Operation, const std::string&) {
+        device.fileWith(kFile, PropertyList(Dictionary{{"a", 1}}).toBinary());
+    });
+    const UserDefaults late(watching, kFile);
+    EXPECT_EQ(late.damage(), std::nullopt);
+    EXPECT_EQ(late.integer("a"), 1);
+}
+
+TEST_F(UserDefaultsTest, AFileThatIsThereButNeverFoundIsAnErrorAndNotAbsent) {
+    ASSERT_TRUE(defaults.set("a", 1));
+    files.failWhere([](Operation call, const std::string&) { return call == Operation::ReadFile; },
+                    ENOENT);
+    const auto read = defaults.read("a");
+    ASSERT_FALSE(read.has_value());
+    EXPECT_EQ(read.error().code, ENOENT);
+    EXPECT_FALSE(defaults.set("b", 2));
+    EXPECT_EQ(defaults.damage()->code, ENOENT);
+}
+
 TEST_F(UserDefaultsTest, TheFirstChangeSetsADamagedFileAsideAndLogsIt) {
     device.fileWith(kFile, "junk");
     const LogCapture log;
