@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 #include "platform/PropertyList.h"
+#include "support/NoWorkspace.h"
 
 namespace sweepwright::test {
 
@@ -25,20 +26,6 @@ constexpr const char* kOwnName = "com.sweepwright.app";
 constexpr const char* kShared = "/var/mobile/Library/Caches";
 constexpr std::array<const char*, 3> kAppNames = {"com.example.one", "com.example.two",
                                                   "com.example.kept"};
-
-/// An iPhone without the workspace service: apps are found by their containers.
-class NoWorkspace final : public platform::ApplicationWorkspace {
-  public:
-    Availability availability() override { return Availability::ClassMissing; }
-    platform::Result<std::optional<Applications>> allInstalledApplications() override {
-        return std::nullopt;
-    }
-    platform::Result<std::optional<Applications>> allApplications() override {
-        return std::nullopt;
-    }
-};
-
-NoWorkspace noWorkspace;
 
 std::string contentOf(const std::string& hostPath) {
     std::ifstream in(hostPath, std::ios::binary);

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "support/NoWorkspace.h"
 #include "ui/gallery/GalleryScreen.h"
 #include "ui/kit/Appearance.h"
 #include "ui/shell/App.h"
@@ -26,20 +27,6 @@ platform::DeviceOptions described(const TestAppOptions& options) {
     wanted.osVersion = platform::OperatingSystemVersion{options.osVersion, 0};
     return wanted;
 }
-
-/// Of a device whose system has no such service.
-class NoWorkspace final : public platform::ApplicationWorkspace {
-  public:
-    Availability availability() override { return Availability::ClassMissing; }
-    platform::Result<std::optional<Applications>> allInstalledApplications() override {
-        return std::nullopt;
-    }
-    platform::Result<std::optional<Applications>> allApplications() override {
-        return std::nullopt;
-    }
-};
-
-NoWorkspace noWorkspace;
 
 }  // namespace
 
