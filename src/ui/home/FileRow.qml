@@ -32,6 +32,7 @@ Pressable {
         text: row.text
         size: 11
         color: Theme.secondaryLabel
+        horizontalAlignment: Text.AlignLeft
         // The size at the end stays in sight.
         elide: Text.ElideMiddle
         maximumLineCount: 1
