@@ -195,6 +195,25 @@ TEST(AppCleanSafety, AProtectedContainerKeepsEverything) {
     }
 }
 
+// So goes an app that was found while its metadata could not be read.
+TEST(AppCleanSafety, AWhitelistedAppIsNotCleanedByItsContainersName) {
+    AppsDevice device;
+    const std::string file = device.container("C1", kApp) + "/tmp/x";
+    device.tree.file(file, 5);
+    ASSERT_TRUE(device.appWhitelist.addAppToWhitelist(kApp));
+    ThirdPartyAppCacheManager manager(device.services());
+    const auto refused = device.clean(manager, "C1");
+    ASSERT_TRUE(refused.error.has_value());
+    EXPECT_EQ(refused.error->description,
+              AppsDevice::containerPath("C1") + ": belongs to whitelisted " + kApp);
+    EXPECT_EQ(refused.bytes, 0U);
+    EXPECT_TRUE(device.tree.exists(file));
+
+    // By its own name it may be cleaned, as a tap on a protected app is asked for.
+    EXPECT_TRUE(device.clean(manager, kApp).success);
+    EXPECT_FALSE(device.tree.exists(file));
+}
+
 TEST(AppCleanSafety, ProtectionHoldsByWhateverNameAPathIsGiven) {
     AppsDevice device;
     device.tree.folder("/private/var");
