@@ -80,8 +80,8 @@ bool WindowProbe::answer(Request& request) {
     return true;
 }
 
-QObject* WindowProbePlugin::create(const QString& key, const QString& specification) {
-    return key == QLatin1String("windowprobe") ? new WindowProbe(specification) : nullptr;
+QObject* WindowProbePlugin::create(const QString& key, const QString& parameters) {
+    return key == QLatin1String("windowprobe") ? new WindowProbe(parameters) : nullptr;
 }
 
 }  // namespace sweepwright::test
