@@ -2,6 +2,7 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <filesystem>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -69,6 +70,15 @@ test::ProcessResult sweepctl(SmallDevice& device, std::vector<std::string> words
     return test::Process::run(options);
 }
 
+/// A folder of two files that appears in the temporary folder at once, whoever empties it.
+void plant(SmallDevice& device, const std::string& name) {
+    test::TemporaryDevice& tree = device.tree();
+    const std::string made = SmallDevice::home("Documents/" + name);
+    tree.file(made + "/deep/file", 1'000);
+    tree.file(made + "/file", 1'000);
+    std::filesystem::rename(tree.host(made), tree.host(SmallDevice::home("tmp/" + name)));
+}
+
 /// Adds to every list, plants a file and cleans it away, again and again; `telling` gets the bytes
 /// that the cleans claimed.
 void work(SmallDevice& device, const std::string& who, bool locked, int telling) {
@@ -83,8 +93,7 @@ void work(SmallDevice& device, const std::string& who, bool locked, int telling)
         EXPECT_TRUE(worker.appWhitelist.addAppToWhitelist(name));
         EXPECT_TRUE(worker.customPaths.addCustomPath("/custom/" + name));
         EXPECT_TRUE(worker.history.saveCleanHistoryWithType(CleanType::Cache, 1, name));
-        device.tree().file(SmallDevice::home("tmp/" + name + "/deep/file"), 1'000);
-        device.tree().file(SmallDevice::home("tmp/" + name + "/file"), 1'000);
+        plant(device, name);
         bool done = false;
         engine.cleanWithType(CleanType::TempFiles, {},
                              [&](bool success, std::uint64_t bytes, const auto& error) {
@@ -112,19 +121,12 @@ TEST_P(TwoAtOnce, NoEntryIsLostAndNoByteIsCountedTwice) {
     std::array<int, 2> told{};
     ASSERT_EQ(pipe(told.data()), 0);
     std::array<pid_t, 2> children{};
-    for (std::size_t i = 0; i < children.size(); ++i) {
-        children[i] = fork();
-        if (children[i] == 0) {
-            work(device, i == 0 ? "a" : "b", GetParam(), told[1]);
-            _exit(HasFailure() ? 1 : 0);
-        }
-    }
+    for (std::size_t i = 0; i < children.size(); ++i)
+        children[i] =
+            test::startChild([&, i] { work(device, i == 0 ? "a" : "b", GetParam(), told[1]); });
     close(told[1]);
-    for (const pid_t child : children) {
-        int status = 0;
-        ASSERT_EQ(waitpid(child, &status, 0), child);
-        EXPECT_EQ(status, 0);
-    }
+    for (const pid_t child : children)
+        EXPECT_EQ(test::exitStatusOf(child), 0);
     std::array<std::uint64_t, 2> claimed{};
     ASSERT_EQ(read(told[0], claimed.data(), sizeof claimed), ssize_t{sizeof claimed});
     close(told[0]);

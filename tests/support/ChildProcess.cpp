@@ -35,23 +35,29 @@ void takeOwnMounts() {
 
 }  // namespace
 
-int exitStatusOfChild(const std::function<void()>& body) {
+pid_t startChild(const std::function<void()>& body) {
     std::fflush(nullptr);
     const pid_t child = fork();
-    if (child < 0) return -1;
-    if (child == 0) {
-        try {
-            body();
-        } catch (const std::exception& error) {
-            ADD_FAILURE() << error.what();
-        }
-        std::fflush(nullptr);
-        _exit(::testing::Test::HasFailure() ? 1 : 0);
+    if (child != 0) return child;
+    try {
+        body();
+    } catch (const std::exception& error) {
+        ADD_FAILURE() << error.what();
     }
+    std::fflush(nullptr);
+    _exit(::testing::Test::HasFailure() ? 1 : 0);
+}
+
+int exitStatusOf(pid_t child) {
+    if (child < 0) return -1;
     int status = 0;
     while (waitpid(child, &status, 0) < 0)
         if (errno != EINTR) return -1;
     return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+int exitStatusOfChild(const std::function<void()>& body) {
+    return exitStatusOf(startChild(body));
 }
 
 void inChildProcess(const std::function<void()>& body) {

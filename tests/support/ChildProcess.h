@@ -19,6 +19,10 @@ void inChildProcess(const std::function<void()>& body);
 /// The status that a child which runs `body` ends with: 0 if `body` returns and its expectations
 /// hold, 1 if one fails, else what it ended by; 128 and the signal's number if a signal did.
 int exitStatusOfChild(const std::function<void()>& body);
+/// The same in two steps, for children that run side by side: starts one; -1 when it can't.
+pid_t startChild(const std::function<void()>& body);
+/// Waits for it to end, and gives its status as above.
+int exitStatusOf(pid_t child);
 /// That status of a child that was killed.
 inline constexpr int kKilled = 128 + SIGKILL;
 
