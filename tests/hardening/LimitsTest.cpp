@@ -62,7 +62,8 @@ class Descriptors : public testing::TestWithParam<int> {};
 
 TEST_P(Descriptors, SixtyFourAreEnough) {
     SmallDevice device;
-    const std::uint64_t healthy = Worker(device.tree()).clean(GetParam()).bytes;
+    const auto healthy = test::answerOfChild<std::uint64_t>(
+        [&] { return Worker(device.tree()).clean(GetParam()).bytes; });
     device.restore();
     test::inChildProcess([&] {
         test::limitDescriptors(64);
