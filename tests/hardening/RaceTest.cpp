@@ -9,9 +9,11 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/mount.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "hardening/SmallDevice.h"
+#include "platform/UniqueDescriptor.h"
 #include "support/ChildProcess.h"
 
 namespace sweepwright {
@@ -19,6 +21,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
+using platform::UniqueDescriptor;
 using test::SmallDevice;
 using test::Worker;
 
@@ -30,31 +33,38 @@ int wantedRounds() {
 
 constexpr int kFewestCleans = 20;
 
-/// Folders that cleans go into, above and beneath what they empty.
-std::vector<std::string> targets() {
+/// A folder that cleans go into, above or beneath what they empty.
+struct Target {
+    std::string path;
+    /// Emptied under its own name, it is so even with something mounted on it (a temporary folder
+    /// may be a volume of its own): there mounts come and go inside.
+    bool named = false;
+};
+
+std::vector<Target> targets() {
     const std::string app = "/var/mobile/Containers/Data/Application/UUID-com.example.one";
-    return {SmallDevice::home("Library/Caches/folder"),
-            SmallDevice::home("Library/Caches/folder/deep"),
-            SmallDevice::home("Library/Caches/Kingfisher"),
-            SmallDevice::home("Library/Application Support/AppCache"),
-            SmallDevice::home("Library/Application Support/OfflineMaps"),
-            SmallDevice::home("Library/Cookies"),
-            SmallDevice::home("Library/WebKit"),
-            SmallDevice::home("Library/Safari/LocalStorage"),
-            SmallDevice::home("Library/Logs"),
-            SmallDevice::home("Library/Logs/CrashReporter"),
-            SmallDevice::home("Documents/Downloads"),
-            SmallDevice::home("tmp"),
-            SmallDevice::home("tmp/a"),
-            "/var/mobile/Library/Caches/com.apple.springboard",
-            "/var/mobile/Library/Caches/SomeCache",
-            "/var/mobile/Library/Safari/WebKitCache",
-            "/var/MobileAsset/AssetsV2",
-            "/var/MobileAsset/AssetsV2/folder",
-            "/var/db/uuidtext",
-            app + "/Library/Caches/a",
-            app + "/tmp",
-            app + "/Library/WebKit"};
+    return {{SmallDevice::home("Library/Caches/folder")},
+            {SmallDevice::home("Library/Caches/folder/deep")},
+            {SmallDevice::home("Library/Caches/Kingfisher")},
+            {SmallDevice::home("Library/Application Support/AppCache")},
+            {SmallDevice::home("Library/Application Support/OfflineMaps")},
+            {SmallDevice::home("Library/Cookies"), true},
+            {SmallDevice::home("Library/WebKit"), true},
+            {SmallDevice::home("Library/Safari/LocalStorage")},
+            {SmallDevice::home("Library/Logs"), true},
+            {SmallDevice::home("Library/Logs/CrashReporter"), true},
+            {SmallDevice::home("Documents/Downloads"), true},
+            {SmallDevice::home("tmp"), true},
+            {SmallDevice::home("tmp/a")},
+            {"/var/mobile/Library/Caches/com.apple.springboard"},
+            {"/var/mobile/Library/Caches/SomeCache"},
+            {"/var/mobile/Library/Safari/WebKitCache", true},
+            {"/var/MobileAsset/AssetsV2"},
+            {"/var/MobileAsset/AssetsV2/folder"},
+            {"/var/db/uuidtext"},
+            {app + "/Library/Caches/a"},
+            {app + "/tmp"},
+            {app + "/Library/WebKit"}};
 }
 
 /// Changes the tree in random ways, from its own thread, until destroyed; then puts back what it
@@ -65,8 +75,10 @@ class Meddler {
         : device_(device), mounts_(mounts), random_(seed), rounds_(rounds) {
         stash_ = device.tree().host("/stash");
         fs::create_directories(stash_);
-        for (const std::string& path : targets())
+        for (const auto& [path, named] : targets()) {
             targets_.push_back(device.tree().host(path));
+            mountPlaces_.push_back(targets_.back() + (named ? "/inner" : ""));
+        }
         thread_ = std::thread([this] { run(); });
     }
     ~Meddler() {
@@ -106,7 +118,7 @@ class Meddler {
                 return mkdir(folder.c_str(), 0755) == 0 && rmdir(folder.c_str()) == 0;
             }
             default:
-                return mountOver(target);
+                return mountOver(mountPlaces_[which]);
         }
     }
 
@@ -115,8 +127,22 @@ class Meddler {
     bool mountOver(const std::string& target) {
         if (FileCleanerEngine::isSystemPath(target.substr(device_.tree().root().size())))
             return false;
-        return mount(device_.outside().c_str(), target.c_str(), nullptr, MS_BIND, nullptr) == 0 &&
-               umount2(target.c_str(), MNT_DETACH) == 0;
+        // A link in its place is not followed, and what was found is what is mounted on and freed:
+        // by its path one would mount on what a link leads to, and leave it so when the link is
+        // cleaned.
+        const fs::path path(target);
+        const UniqueDescriptor above(
+            open(path.parent_path().c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+        const std::string name = path.filename();
+        static_cast<void>(mkdirat(above.get(), name.c_str(), 0755));
+        const UniqueDescriptor place(
+            openat(above.get(), name.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+        if (!place.valid()) return false;
+        const std::string opened = "/proc/self/fd/";
+        const std::string on = opened + std::to_string(place.get());
+        const std::string off = opened + std::to_string(above.get()) + "/" + name;
+        return mount(device_.outside().c_str(), on.c_str(), nullptr, MS_BIND, nullptr) == 0 &&
+               umount2(off.c_str(), MNT_DETACH | UMOUNT_NOFOLLOW) == 0;
     }
 
     /// The folder, or the link that stands in its place, and what is in the stash change places.
@@ -151,6 +177,7 @@ class Meddler {
     std::atomic<bool> done_{false};
     std::string stash_;
     std::vector<std::string> targets_;
+    std::vector<std::string> mountPlaces_;  ///< of each target, in their order
     std::thread thread_;
 };
 
