@@ -64,11 +64,14 @@ Opened openAt2(int directory, const std::string& path, int flags, unsigned long 
 }
 #endif
 
-/// Whether the component-wise road has to find out what openat2 could not.
+/// Whether the component-wise road has to find out what openat2 could not. Links can be too many by
+/// mistake: a lookup that the kernel begins anew, as when something is mounted elsewhere meanwhile,
+/// counts those of the first attempt, too.
 bool mustWalk(const Opened& outcome) {
     if (outcome.has_value()) return false;
     const int number = outcome.error();
-    return number == ENOSYS || number == EPERM || number == EAGAIN || number == ENAMETOOLONG;
+    return number == ENOSYS || number == EPERM || number == EAGAIN || number == ENAMETOOLONG ||
+           number == ELOOP;
 }
 
 void splitInto(std::deque<std::string>& front, std::string_view path) {
@@ -226,7 +229,8 @@ Opened BeneathRoot::openBeneath(int base, std::string_view relative, Mounts moun
         const unsigned noMounts = mounts == Mounts::Refuse ? RESOLVE_NO_XDEV : 0U;
         Opened opened = openAt2(base, std::string(relative), kList | O_NOFOLLOW,
                                 RESOLVE_NO_SYMLINKS | RESOLVE_BENEATH | noMounts);
-        if (!mustWalk(opened)) return opened;
+        // Here a single link is one too many.
+        if (!mustWalk(opened) || opened.error() == ELOOP) return opened;
     }
 #endif
     if (relative.starts_with('/')) return std::unexpected(EXDEV);  // as the kernel's own road says
