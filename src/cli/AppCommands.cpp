@@ -14,8 +14,6 @@ namespace sweepwright::cli {
 
 namespace {
 
-constexpr const char* kGroup = "Apps";
-
 using AppList = ThirdPartyAppCacheManager::AppList;
 
 void setText(Json& object, const std::string& key, const std::optional<std::string>& text) {
@@ -131,6 +129,7 @@ Outcome cleanApps(Context& context, const Call& call) {
 }  // namespace
 
 void addAppCommands(Commands& commands) {
+    constexpr const char* kGroup = "Apps";
     commands.push_back(
         {.words = "apps",
          .group = kGroup,

@@ -14,8 +14,6 @@ namespace sweepwright::cli {
 
 namespace {
 
-constexpr const char* kGroup = "Clean";
-
 /// Counts what could not be removed, which a clean goes past.
 class FailureCounter final : public CleanObserver {
   public:
@@ -90,6 +88,7 @@ Outcome deepClean(Context& context, const Call& call) {
 }  // namespace
 
 void addCleanCommands(Commands& commands) {
+    constexpr const char* kGroup = "Clean";
     const std::vector<Option> options{
         {.name = "--yes", .value = "", .help = "do it without a question"},
         {.name = "--dry-run",

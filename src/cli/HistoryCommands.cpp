@@ -14,8 +14,6 @@ namespace sweepwright::cli {
 
 namespace {
 
-constexpr const char* kGroup = "Records";
-
 Json dateValue(const std::optional<CleanHistoryItem::Date>& date) {
     return date ? Json(platform::dateText(*date)) : Json(nullptr);
 }
@@ -91,6 +89,7 @@ Outcome stats(Context& context, const Call& /*call*/) {
 }  // namespace
 
 void addHistoryCommands(Commands& commands) {
+    constexpr const char* kGroup = "Records";
     commands.push_back({.words = "history",
                         .group = kGroup,
                         .summary = "list the recorded cleans, newest first",

@@ -11,8 +11,6 @@ namespace {
 
 using localization::LanguageManager;
 
-constexpr const char* kGroup = "Language";
-
 std::vector<std::string> languageCodes() {
     std::vector<std::string> codes;
     for (const auto& language : LanguageManager::supportedLanguages())
@@ -45,6 +43,7 @@ Outcome text(Context& context, const Call& call) {
 }  // namespace
 
 void addLanguageCommands(Commands& commands) {
+    constexpr const char* kGroup = "Language";
     commands.push_back(
         {.words = "language",
          .group = kGroup,

@@ -16,7 +16,6 @@ namespace sweepwright::cli {
 
 namespace {
 
-constexpr const char* kGroup = "Look";
 /// What the app's settings begin with as the size of a large file, in bytes.
 constexpr std::uint64_t kLargeFile = std::uint64_t{50} << 20U;
 
@@ -197,6 +196,7 @@ Outcome analyze(Context& context, const Call& call) {
 }  // namespace
 
 void addLookCommands(Commands& commands) {
+    constexpr const char* kGroup = "Look";
     commands.push_back(
         {.words = "list",
          .group = kGroup,

@@ -20,7 +20,7 @@ namespace {
 using platform::Result;
 using Words = std::vector<std::string>;
 
-constexpr const char* kGroup = "Protect and add";
+constexpr const char* kProtectionGroup = "Protect and add";
 
 /// A stored list as its commands need it: shown, added to, removed from, emptied.
 struct StoredList {
@@ -105,12 +105,12 @@ void addListCommands(Commands& commands, const StoredList& list) {
     const Positional entries{.name = list.positional, .help = "one or more", .many = true};
     commands.push_back(
         {.words = list.words,
-         .group = kGroup,
+         .group = kProtectionGroup,
          .summary = "show the list",
          .examples = {program},
          .run = [list](Context& context, const Call&) { return show(list, context); }});
     commands.push_back({.words = list.words + " add",
-                        .group = kGroup,
+                        .group = kProtectionGroup,
                         .summary = list.purpose,
                         .positionals = {entries},
                         .examples = {fmt::format("{} add {}", program, list.example)},
@@ -120,7 +120,7 @@ void addListCommands(Commands& commands, const StoredList& list) {
                             return change(list, context, words, true);
                         }});
     commands.push_back({.words = list.words + " remove",
-                        .group = kGroup,
+                        .group = kProtectionGroup,
                         .summary = "take entries off the list",
                         .positionals = {entries},
                         .run = [list](Context& context, const Call& call) {
@@ -128,7 +128,7 @@ void addListCommands(Commands& commands, const StoredList& list) {
                         }});
     commands.push_back(
         {.words = list.words + " clear",
-         .group = kGroup,
+         .group = kProtectionGroup,
          .summary = "take every entry off the list",
          .run = [list](Context& context, const Call&) { return clear(list, context); }});
 }
@@ -154,7 +154,7 @@ void addCheckCommand(Commands& commands, const StoredList& list, const std::stri
                      const std::function<bool(const std::string&)>& question) {
     commands.push_back(
         {.words = list.words + " check",
-         .group = kGroup,
+         .group = kProtectionGroup,
          .summary = summary,
          .positionals = {{.name = list.positional, .help = "one or more", .many = true}},
          .run = [=](Context& context, const Call& call) -> Outcome {

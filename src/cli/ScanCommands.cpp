@@ -15,7 +15,6 @@ namespace sweepwright::cli {
 
 namespace {
 
-constexpr const char* kGroup = "Measure";
 constexpr int kSteps = 10;  // the nine categories and the custom paths
 
 /// A figure is no promise when what must stay can't be told: a clean would refuse.
@@ -104,6 +103,7 @@ Outcome size(Context& context, const Call& call) {
 }  // namespace
 
 void addScanCommands(Commands& commands) {
+    constexpr const char* kGroup = "Measure";
     commands.push_back({.words = "scan",
                         .group = kGroup,
                         .summary = "tell what each category would free",

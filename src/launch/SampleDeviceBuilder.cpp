@@ -12,7 +12,6 @@ using std::chrono::seconds;
 
 namespace {
 
-constexpr std::uint64_t kKiB = 1024;
 constexpr unsigned kFilesPerFolder = 200;
 
 /// Numbers that look drawn by lot and are always the same for the same seed (splitmix64).
@@ -121,7 +120,7 @@ Result<> SampleDeviceBuilder::layHeap(const catalog::Heap& heap, const std::stri
         const unsigned part = index / kFilesPerFolder;
         const std::string path = part == 0 ? fmt::format("{}/{}", folder, name)
                                            : fmt::format("{}/part-{}/{}", folder, part, name);
-        const std::uint64_t average = heap.averageKiB * kKiB;
+        const std::uint64_t average = std::uint64_t{heap.averageKiB} * 1024;
         const std::uint64_t bytes = lots.between(average / 4, average * 7 / 4);
         const auto oldest =
             static_cast<std::uint64_t>(seconds(hours(24)).count()) * heap.oldestDays;

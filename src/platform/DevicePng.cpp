@@ -4,6 +4,7 @@
 
 #include <zlib.h>
 
+#include "platform/Failure.h"
 #include "platform/PngFormat.h"
 
 namespace sweepwright::platform::png {
@@ -12,10 +13,6 @@ namespace {
 constexpr std::size_t kHeaderBytes = 13;
 constexpr std::size_t kChunkFrame = 12;  // length, type, checksum
 
-std::unexpected<Error> failure(std::string_view why) {
-    return std::unexpected(formatError("", why));
-}
-
 struct Chunk {
     std::string_view type;
     std::string_view data;
@@ -23,12 +20,12 @@ struct Chunk {
 
 /// Takes the next chunk off `rest`; an error when it is cut short or its checksum is wrong.
 Result<Chunk> takeChunk(std::string_view& rest) {
-    if (rest.size() < kChunkFrame) return failure("the file is cut short");
+    if (rest.size() < kChunkFrame) return refuse("the file is cut short");
     const std::size_t length = readBig32(rest, 0);
-    if (length > rest.size() - kChunkFrame) return failure("the file is cut short");
+    if (length > rest.size() - kChunkFrame) return refuse("the file is cut short");
     const std::string_view covered = rest.substr(4, 4 + length);
     const uLong sum = crc32_z(0, reinterpret_cast<const Bytef*>(covered.data()), covered.size());
-    if (sum != readBig32(rest, 8 + length)) return failure("a checksum is wrong");
+    if (sum != readBig32(rest, 8 + length)) return refuse("a checksum is wrong");
     rest.remove_prefix(kChunkFrame + length);
     return Chunk{covered.substr(0, 4), covered.substr(4)};
 }
@@ -41,18 +38,18 @@ struct Header {
 };
 
 Result<Header> readHeader(const Chunk& chunk, std::size_t fileBytes) {
-    if (chunk.type != "IHDR" || chunk.data.size() != kHeaderBytes) return failure("no header");
+    if (chunk.type != "IHDR" || chunk.data.size() != kHeaderBytes) return refuse("no header");
     const auto byte = [&](std::size_t at) { return static_cast<std::uint8_t>(chunk.data[at]); };
     const std::uint8_t colour = byte(9);
     if (byte(8) != 8 || (colour != kColourRgb && colour != kColourRgba)) {
-        return failure("the device's variant holds RGB or RGBA of 8 bits only");
+        return refuse("the device's variant holds RGB or RGBA of 8 bits only");
     }
-    if (byte(10) != 0 || byte(11) != 0 || byte(12) > 1) return failure("unknown coding");
+    if (byte(10) != 0 || byte(11) != 0 || byte(12) > 1) return refuse("unknown coding");
     const Header header{readBig32(chunk.data, 0), readBig32(chunk.data, 4),
                         colour == kColourRgba ? std::size_t{4} : std::size_t{3}, byte(12) == 1};
     const auto bits = static_cast<unsigned>(header.channels * 8);
     if (const auto why = refusal(header.width, header.height, bits, fileBytes); !why.empty()) {
-        return failure(why);
+        return refuse(why);
     }
     return header;
 }
@@ -213,7 +210,7 @@ Result<Image> imageFrom(const Header& header, std::span<std::uint8_t> data) {
     for (const Grid& grid : gridsOf(header)) {
         const std::size_t bytes = grid.bytes(header);
         if (bytes == 0) continue;
-        if (!placeGrid(grid, header, data.first(bytes), image)) return failure("unknown filter");
+        if (!placeGrid(grid, header, data.first(bytes), image)) return refuse("unknown filter");
         data = data.subspan(bytes);
     }
     return image;

@@ -16,6 +16,8 @@
 #include <sys/syscall.h>
 #endif
 
+#include "platform/Failure.h"
+
 namespace sweepwright::platform {
 
 namespace {
@@ -26,10 +28,6 @@ constexpr int kAsk = O_PATH | O_CLOEXEC | O_NOFOLLOW;
 #else
 constexpr int kAsk = O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW;
 #endif
-
-std::unexpected<Error> failed(int number, std::string_view path) {
-    return std::unexpected(errorFromErrno(number, path));
-}
 
 FileType typeFromMode(unsigned mode) {
     if (S_ISREG(mode)) return FileType::Regular;

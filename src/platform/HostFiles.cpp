@@ -9,6 +9,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "platform/Failure.h"
 #include "platform/HostFileManager.h"
 
 namespace sweepwright::platform {
@@ -17,10 +18,6 @@ namespace {
 
 constexpr mode_t kFileMode = 0644;
 constexpr mode_t kDirectoryMode = 0755;
-
-std::unexpected<Error> failed(int number, std::string_view path) {
-    return std::unexpected(errorFromErrno(number, path));
-}
 
 int writeAll(int descriptor, std::string_view content) {
     while (!content.empty()) {

@@ -1,5 +1,6 @@
 #include "platform/Image.h"
 
+#include "platform/Failure.h"
 #include "platform/PngFormat.h"
 
 namespace sweepwright::platform {
@@ -15,10 +16,10 @@ std::string_view png::refusal(std::uint32_t width, std::uint32_t height, unsigne
 
 Result<Image> decode(std::string_view bytes) {
     if (bytes.size() > kMaxImageBytes) {
-        return std::unexpected(formatError("", "the picture's file is too long"));
+        return refuse("the picture's file is too long");
     }
     if (!bytes.starts_with(png::kSignature)) {
-        return std::unexpected(formatError("", "not a PNG file"));
+        return refuse("not a PNG file");
     }
     return png::isDeviceVariant(bytes) ? png::decodeDevicePng(bytes)
                                        : png::decodeStandardPng(bytes);

@@ -4,6 +4,7 @@
 
 #include <zlib.h>
 
+#include "platform/Failure.h"
 #include "platform/Image.h"
 #include "platform/PngFormat.h"
 
@@ -127,12 +128,12 @@ enum class Variant { Standard, Device };
 Result<std::string> encode(const Image& image, Variant variant) {
     if (image.empty() || image.width > kMaxImageSide || image.height > kMaxImageSide ||
         image.rgba.size() != std::size_t{image.width} * image.height * png::kPixelBytes) {
-        return std::unexpected(formatError("", "the picture's sides and bytes don't fit"));
+        return refuse("the picture's sides and bytes don't fit");
     }
     const bool device = variant == Variant::Device;
     Bytes data = device ? filtered(image, deviceOrder(image.rgba)) : filtered(image, image.rgba);
     const std::string stream = deflated(data, device ? -MAX_WBITS : MAX_WBITS);
-    if (stream.empty()) return std::unexpected(formatError("", "out of memory"));
+    if (stream.empty()) return refuse("out of memory");
 
     std::string out(png::kSignature);
     // The mark's four bytes tell the device's graphics library: alpha first in a little-endian

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <tuple>
 
+#include "platform/Failure.h"
 #include "platform/PropertyListBinary.h"
 #include "platform/PropertyListXmlReader.h"
 
@@ -105,7 +106,7 @@ Result<PropertyList> PropertyList::parse(std::string_view bytes) {
 Result<PropertyList> PropertyList::parse(std::string_view bytes, const Limits& limits) {
     constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
     if (bytes.size() > limits.bytes) {
-        return std::unexpected(formatError("", "a property list of too many bytes"));
+        return refuse("a property list of too many bytes");
     }
     if (bytes.starts_with(kByteOrderMark)) bytes.remove_prefix(kByteOrderMark.size());
     if (isBinaryPropertyList(bytes)) return readBinaryPropertyList(bytes, limits);

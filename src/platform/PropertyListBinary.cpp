@@ -16,6 +16,7 @@
 
 #include <plist/plist.h>
 
+#include "platform/Failure.h"
 #include "platform/Log.h"
 #include "platform/PropertyListBinaryGuard.h"
 #include "platform/PropertyListDate.h"
@@ -36,7 +37,6 @@ struct FreeBytes {
 };
 using Bytes = std::unique_ptr<char, FreeBytes>;
 
-constexpr std::string_view kHeader = "bplist00";
 constexpr std::uint8_t kDateMarker = 0x33;
 constexpr std::uint8_t kWideIntegerMarker = 0x14;
 
@@ -64,10 +64,10 @@ std::string binaryOf(plist_t node) {
 
 /// The node of a binary list whose one value is `object`, marker included.
 Node nodeOfBinary(std::string_view object) {
-    std::string list(kHeader);
+    std::string list(kBinaryListHeader);
     list += object;
     const std::uint64_t table = list.size();
-    list += static_cast<char>(kHeader.size());  // the one object's offset
+    list += static_cast<char>(kBinaryListHeader.size());  // the one object's offset
     list.append(6, '\0');
     list += '\1';  // bytes of an offset
     list += '\1';  // bytes of a reference
@@ -97,7 +97,8 @@ PropertyList integerOf(plist_t node) {
 
 PropertyList dateOf(plist_t node) {
     const std::string list = binaryOf(node);
-    const std::uint64_t bits = bigEndian(std::string_view(list).substr(kHeader.size() + 1, 8));
+    const std::uint64_t bits =
+        bigEndian(std::string_view(list).substr(kBinaryListHeader.size() + 1, 8));
     return dateSince(kStartOf2001, std::bit_cast<double>(bits));
 }
 
@@ -256,7 +257,7 @@ bool isBinaryPropertyList(std::string_view bytes) {
 Result<PropertyList> readBinaryPropertyList(std::string_view bytes,
                                             const PropertyList::Limits& limits) {
     if (!std::in_range<std::uint32_t>(bytes.size())) {
-        return std::unexpected(formatError("", "a property list of too many bytes"));
+        return refuse("a property list of too many bytes");
     }
     if (auto judged = PropertyListBinaryGuard(bytes, limits).check(); !judged) {
         return std::unexpected(judged.error());
@@ -265,7 +266,7 @@ Result<PropertyList> readBinaryPropertyList(std::string_view bytes,
     plist_from_bin(bytes.data(), static_cast<std::uint32_t>(bytes.size()), &root);
     const Node owned(root);
     if (root == nullptr) {
-        return std::unexpected(formatError("", "a damaged binary property list"));
+        return refuse("a damaged binary property list");
     }
     return valueOf(root);
 }

@@ -3,11 +3,12 @@
 #include <algorithm>
 #include <limits>
 
+#include "platform/Failure.h"
+
 namespace sweepwright::platform {
 
 namespace {
 
-constexpr std::string_view kHeader = "bplist00";
 constexpr std::uint64_t kTrailerBytes = 32;
 constexpr std::uint64_t kMaximumWidth = 8;
 
@@ -27,10 +28,6 @@ constexpr unsigned kFalse = 0x8;
 constexpr unsigned kTrue = 0x9;
 constexpr unsigned kLengthFollows = 0xF;
 constexpr unsigned kWideInteger = 4;  // 2^4 bytes
-
-std::unexpected<Error> refuse(std::string_view why) {
-    return std::unexpected(formatError("", why));
-}
 
 bool isContainer(unsigned type) {
     return type == kArray || type == kDictionary;
@@ -87,7 +84,8 @@ std::uint64_t PropertyListBinaryGuard::number(std::uint64_t offset, std::uint64_
 }
 
 Result<> PropertyListBinaryGuard::readTrailer() {
-    if (!bytes_.starts_with(kHeader) || bytes_.size() <= kHeader.size() + kTrailerBytes) {
+    if (!bytes_.starts_with(kBinaryListHeader) ||
+        bytes_.size() <= kBinaryListHeader.size() + kTrailerBytes) {
         return refuse("not a whole binary property list");
     }
     const std::uint64_t trailer = bytes_.size() - kTrailerBytes;
@@ -102,8 +100,8 @@ Result<> PropertyListBinaryGuard::readTrailer() {
     }
     if (objects > limits_.nodes) return refuse("a property list of too many values");
     // The widths are at most 8 and the count is within a limit of 31 bits: no product overflows.
-    if (end_ <= kHeader.size() || end_ > trailer || objects * offsetWidth_ > trailer - end_ ||
-        root_ >= objects) {
+    if (end_ <= kBinaryListHeader.size() || end_ > trailer ||
+        objects * offsetWidth_ > trailer - end_ || root_ >= objects) {
         return refuse("a binary property list with a damaged trailer");
     }
     costs_.assign(objects, Cost{});
@@ -112,7 +110,7 @@ Result<> PropertyListBinaryGuard::readTrailer() {
 
 auto PropertyListBinaryGuard::readObject(std::uint64_t index) const -> Result<Object> {
     const std::uint64_t offset = number(end_ + index * offsetWidth_, offsetWidth_);
-    if (offset < kHeader.size() || !fits(offset, 1)) {
+    if (offset < kBinaryListHeader.size() || !fits(offset, 1)) {
         return refuse("a binary property list with an offset outside of it");
     }
     const auto marker = static_cast<unsigned>(number(offset, 1));

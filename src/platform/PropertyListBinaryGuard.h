@@ -10,6 +10,9 @@
 
 namespace sweepwright::platform {
 
+/// What a binary property list begins with.
+inline constexpr std::string_view kBinaryListHeader = "bplist00";
+
 /// Judges a binary property list before anything is built from it.
 ///
 /// The objects of a binary list form a graph: shared references may expand to any size, lead in a

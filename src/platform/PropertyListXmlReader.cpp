@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "platform/Failure.h"
 #include "platform/PropertyListXmlScalars.h"
 #include "platform/Utf8.h"
 
@@ -11,10 +12,6 @@ namespace sweepwright::platform {
 namespace {
 
 constexpr std::string_view kUidKey = "CF$UID";
-
-std::unexpected<Error> refuse(std::string_view why) {
-    return std::unexpected(formatError("", why));
-}
 
 std::unexpected<Error> truncated() {
     return refuse("a truncated XML property list");

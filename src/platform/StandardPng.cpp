@@ -3,6 +3,7 @@
 
 #include <png.h>
 
+#include "platform/Failure.h"
 #include "platform/PngFormat.h"
 
 namespace sweepwright::platform::png {
@@ -88,15 +89,11 @@ bool readRows(Reading& reading, std::uint8_t* rgba, std::uint32_t height, std::s
     return true;
 }
 
-std::unexpected<Error> failure(std::string_view why) {
-    return std::unexpected(formatError("", why));
-}
-
 }  // namespace
 
 Result<Image> decodeStandardPng(std::string_view bytes) {
     Reading reading(bytes);
-    if (!start(reading) || !readHeader(reading)) return failure(reading.message);
+    if (!start(reading) || !readHeader(reading)) return refuse(reading.message);
 
     Image image;
     image.width = png_get_image_width(reading.reader, reading.info);
@@ -104,12 +101,12 @@ Result<Image> decodeStandardPng(std::string_view bytes) {
     const unsigned bits = unsigned{png_get_bit_depth(reading.reader, reading.info)} *
                           png_get_channels(reading.reader, reading.info);
     if (const auto why = refusal(image.width, image.height, bits, bytes.size()); !why.empty()) {
-        return failure(why);
+        return refuse(why);
     }
     const std::size_t rowBytes = image.width * kPixelBytes;
     image.rgba.resize(rowBytes * image.height);
     if (!readRows(reading, image.rgba.data(), image.height, rowBytes)) {
-        return failure(reading.message);
+        return refuse(reading.message);
     }
     return image;
 }

@@ -16,13 +16,12 @@ using platform::PropertyList;
 using test::AppsDevice;
 using test::FakeApp;
 using test::FaultyFileManager;
+using test::kApp;
+using test::kRoot;
 using test::linesWith;
 using test::Operation;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-
-constexpr auto kApp = "com.example.a";
-constexpr auto kRoot = "/var/mobile/Containers/Shared/AppGroup/.jbroot-1";
 
 TEST(AppCleanFailure, AFolderThatCannotBeReadIsLoggedAndCountsNothing) {
     AppsDevice device;

@@ -16,12 +16,11 @@ namespace {
 namespace fs = std::filesystem;
 using platform::PropertyList;
 using test::AppsDevice;
+using test::kRoot;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 using Entry = CleanPreview::Entry;
-
-constexpr auto kRoot = "/var/mobile/Containers/Shared/AppGroup/.jbroot-1";
 
 /// Everything beneath the containers, by device path.
 std::set<std::string> everything(const AppsDevice& device) {

@@ -15,11 +15,11 @@ namespace {
 namespace fs = std::filesystem;
 using platform::LogCapture;
 using test::AppsDevice;
+using test::kApp;
 using test::linesWith;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-constexpr auto kApp = "com.example.a";
 constexpr auto kCanary = "/var/mobile/Documents/canary";
 
 /// Notes what a clean decides, and may end it.

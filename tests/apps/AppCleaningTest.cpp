@@ -15,15 +15,14 @@ using platform::LogCapture;
 using test::AppsDevice;
 using test::FakeApp;
 using test::FaultyFileManager;
+using test::kApp;
+using test::kRoot;
 using test::linesWith;
 using test::Operation;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::MatchesRegex;
 using ::testing::Pair;
-
-constexpr auto kApp = "com.example.a";
-constexpr auto kRoot = "/var/mobile/Containers/Shared/AppGroup/.jbroot-1";
 
 TEST(AppCleaning, ThreeFoldersAreEmptiedAndStay) {
     AppsDevice device;

@@ -13,11 +13,10 @@ namespace {
 using platform::LogCapture;
 using test::AppsDevice;
 using test::FakeApp;
+using test::kRoot;
 using test::linesWith;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-
-constexpr auto kRoot = "/var/mobile/Containers/Shared/AppGroup/.jbroot-1";
 
 AppCacheInfo sized(AppsDevice& device, const std::string& container) {
     ThirdPartyAppCacheManager manager(device.services());

@@ -16,6 +16,10 @@
 
 namespace sweepwright::test {
 
+inline constexpr auto kApp = "com.example.a";
+/// A folder of hidden apps' data among the shared groups.
+inline constexpr auto kRoot = "/var/mobile/Containers/Shared/AppGroup/.jbroot-1";
+
 /// What the workspace service tells of an app.
 struct FakeApp {
     using Text = platform::Result<std::optional<std::string>>;

@@ -8,10 +8,9 @@ namespace sweepwright {
 namespace {
 
 using test::AppsDevice;
+using test::kRoot;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-
-constexpr auto kRoot = "/var/mobile/Containers/Shared/AppGroup/.jbroot-1";
 
 std::vector<std::string> matching(const HiddenRoots& roots, const std::string& identifier) {
     std::vector<std::string> paths;

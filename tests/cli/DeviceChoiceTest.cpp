@@ -27,9 +27,9 @@ TEST(DeviceChoice, ARootThatIsAbsentIsUnusable) {
     const std::string root = sweepctl.homeFolder() + "/absent";
     expectUnusable(sweepctl.runBare({"--device-root", root, "scan"}),
                    root + ": No such file or directory");
-    const ProcessResult json = sweepctl.runBare({"--device-root", root, "scan", "--json"});
-    EXPECT_EQ(json.status, 3);
-    EXPECT_EQ(errorIn(json.output), root + ": No such file or directory");
+    const ProcessResult answer = sweepctl.runBare({"--device-root", root, "scan", "--json"});
+    EXPECT_EQ(answer.status, 3);
+    EXPECT_EQ(errorIn(answer.output), root + ": No such file or directory");
 }
 
 TEST(DeviceChoice, ARootThatIsAFileIsUnusable) {

@@ -17,8 +17,6 @@ using testing::IsEmpty;
 using testing::Not;
 using testing::UnorderedElementsAre;
 
-constexpr std::uint64_t kMega = 1024 * 1024;
-
 /// Hears what a clean decides.
 class Notes final : public CleanObserver {
   public:

@@ -16,7 +16,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 
-constexpr std::uint64_t kMega = 1024 * 1024;
 constexpr const char* kSafari = "/var/mobile/Library/Safari";
 
 class DeepCleanTest : public EngineTest {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -9,6 +10,8 @@
 #include "support/engine/EngineDevice.h"
 
 namespace sweepwright {
+
+inline constexpr std::uint64_t kMega = 1024 * 1024;
 
 /// A device with an engine, and what was logged since it was made.
 class EngineTest : public testing::Test {

@@ -19,8 +19,6 @@ using testing::IsEmpty;
 
 using FrameTest = EngineTest;
 
-constexpr std::uint64_t kMega = 1024 * 1024;
-
 /// An engine whose cleaners only tell that they were called and answer what the test set.
 class ScriptedEngine : public FileCleanerEngine {
   public:

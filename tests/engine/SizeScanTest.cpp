@@ -12,8 +12,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Not;
 
-constexpr std::uint64_t kMega = 1024 * 1024;
-
 class SizeScanTest : public EngineTest {
   protected:
     std::uint64_t sizeOf(const std::string& path) { return d_.engine.sizeOfDirectoryAtPath(path); }

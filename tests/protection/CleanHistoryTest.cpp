@@ -21,7 +21,7 @@ using testing::IsEmpty;
 using testing::MatchesRegex;
 using Dictionary = PropertyList::Dictionary;
 
-constexpr std::string_view kKey = "CleanHistoryRecords";
+constexpr std::string_view kHistoryKey = "CleanHistoryRecords";
 constexpr const char* kUuid = "[0-9A-F]+-[0-9A-F]+-4[0-9A-F]+-[89AB][0-9A-F]+-[0-9A-F]+";
 
 CleanHistoryItem::Date at(std::string_view text) {
@@ -38,11 +38,11 @@ class CleanHistory : public testing::Test {
         EXPECT_TRUE(manager_.saveCleanHistoryWithType(type, bytes, name));
     }
     [[nodiscard]] PropertyList::Array entries() const {
-        const auto value = stored_.defaults.object(kKey);
+        const auto value = stored_.defaults.object(kHistoryKey);
         return value && value->array() != nullptr ? *value->array() : PropertyList::Array();
     }
     void storeEntries(PropertyList::Array entries) {
-        EXPECT_TRUE(stored_.defaults.set(kKey, std::move(entries)));
+        EXPECT_TRUE(stored_.defaults.set(kHistoryKey, std::move(entries)));
     }
     [[nodiscard]] std::vector<std::uint64_t> bytesListed() const {
         std::vector<std::uint64_t> bytes;
@@ -80,7 +80,7 @@ TEST_F(CleanHistory, AnEntryReadsBackToTheWholeSecond) {
 
 TEST_F(CleanHistory, ZeroBytesAreNotRecorded) {
     save(CleanType::Cache, 0);
-    EXPECT_FALSE(stored_.defaults.object(kKey));
+    EXPECT_FALSE(stored_.defaults.object(kHistoryKey));
     save(CleanType::Cache, 1);
     save(CleanType::Cache, 0);
     EXPECT_EQ(entries().size(), 1U);
@@ -207,13 +207,13 @@ TEST_F(CleanHistory, DeletingRemovesEveryEntryOfTheIdentifierAndNoOther) {
 
 TEST_F(CleanHistory, DeletingFromAnEmptyHistoryStoresNothing) {
     EXPECT_TRUE(manager_.deleteHistoryItem({.identifier = "a"}));
-    EXPECT_FALSE(stored_.defaults.object(kKey));
+    EXPECT_FALSE(stored_.defaults.object(kHistoryKey));
 }
 
 TEST_F(CleanHistory, ClearingRemovesTheKey) {
     save(CleanType::Cache, 1);
     EXPECT_TRUE(manager_.clearAllHistory());
-    EXPECT_FALSE(stored_.defaults.object(kKey));
+    EXPECT_FALSE(stored_.defaults.object(kHistoryKey));
     EXPECT_THAT(manager_.getAllCleanHistory(), IsEmpty());
 }
 

@@ -15,9 +15,8 @@
 namespace sweepwright {
 namespace {
 
+using test::kPathsKey;
 using test::Strings;
-
-const std::string kKey = "PathWhitelistPaths";
 
 std::string normalized(std::string path) {
     while (path.size() > 1 && path.back() == '/')
@@ -87,7 +86,7 @@ RC_GTEST_PROP(PathWhitelistProperty, AnswersAndLogsAsTheRulesOneByOne, ()) {
     static test::StoredDefaults stored;
     static PathWhitelistManager manager(stored.defaults);
     const auto list = *rc::gen::container<Strings>(anyPathNearBuiltIns());
-    stored.store(kKey, list);
+    stored.store(kPathsKey, list);
     manager.reload();
 
     Strings members;

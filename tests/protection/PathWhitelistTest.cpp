@@ -15,12 +15,12 @@ namespace {
 
 using platform::LogCapture;
 using platform::PropertyList;
+using test::kPathsKey;
 using test::Strings;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-const std::string kKey = "PathWhitelistPaths";
 const std::string kMaps = "/var/mobile/Library/Caches/com.apple.Maps";
 const std::string kMapped = "/var/mobile/Library/Caches/MappedImageCache";
 const std::string kGeo = "/var/mobile/Library/Caches/GeoServices";
@@ -56,7 +56,7 @@ TEST_F(PathWhitelist, HoldsTheThreeBuiltInPathsFromTheStart) {
     EXPECT_THAT(manager_.getUserDefinedPaths(), IsEmpty());
     EXPECT_EQ(manager_.getWhitelistCount(), 3U);
     EXPECT_TRUE(manager_.readiness());
-    EXPECT_THAT(stored_.stored(kKey), ElementsAre("<absent>")) << "starting stores nothing";
+    EXPECT_THAT(stored_.stored(kPathsKey), ElementsAre("<absent>")) << "starting stores nothing";
 }
 
 TEST_F(PathWhitelist, ABuiltInPathIsProtected) {
@@ -102,7 +102,7 @@ TEST_F(PathWhitelist, AnAddedPathIsStoredNormalizedAndProtectsWhatLiesInIt) {
     EXPECT_TRUE(manager_.addPathToWhitelist("/var/mobile/Media/DCIM/"));
     EXPECT_THAT(log.lines(), ElementsAre("✅ 已添加路径到白名单: /var/mobile/Media/DCIM/ (标准化: "
                                          "/var/mobile/Media/DCIM)"));
-    EXPECT_THAT(stored_.stored(kKey), ElementsAre("/var/mobile/Media/DCIM"));
+    EXPECT_THAT(stored_.stored(kPathsKey), ElementsAre("/var/mobile/Media/DCIM"));
 
     const std::string dcim = "/var/mobile/Media/DCIM";
     const std::string photo = dcim + "/100APPLE/IMG_0001.JPG";
@@ -127,7 +127,7 @@ TEST_F(PathWhitelist, ThePathItselfComesBeforeOneAboveIt) {
 
 TEST_F(PathWhitelist, AUsersRootProtectsTheRootAlone) {
     EXPECT_TRUE(manager_.addPathToWhitelist("//"));
-    EXPECT_THAT(stored_.stored(kKey), ElementsAre("/"));
+    EXPECT_THAT(stored_.stored(kPathsKey), ElementsAre("/"));
     EXPECT_TRUE(asks("/", {"🔒 白名单精确匹配: /"}));
     EXPECT_FALSE(asks("/usr", {}));
 }
@@ -135,7 +135,7 @@ TEST_F(PathWhitelist, AUsersRootProtectsTheRootAlone) {
 TEST_F(PathWhitelist, AddingTwiceKeepsOneEntryAndTheOrder) {
     for (const auto* path : {"/b", "/a", "/b/"})
         EXPECT_TRUE(manager_.addPathToWhitelist(path));
-    EXPECT_THAT(stored_.stored(kKey), ElementsAre("/b", "/a"));
+    EXPECT_THAT(stored_.stored(kPathsKey), ElementsAre("/b", "/a"));
     EXPECT_THAT(manager_.getUserDefinedPaths(), ElementsAre("/b", "/a"));
     EXPECT_THAT(manager_.getAllWhitelistedPaths(), ElementsAre(kMaps, kMapped, kGeo, "/b", "/a"));
     EXPECT_EQ(manager_.getWhitelistCount(), 5U);
@@ -146,7 +146,7 @@ TEST_F(PathWhitelist, EmptyPathsAreIgnored) {
     EXPECT_TRUE(manager_.addPathToWhitelist(""));
     EXPECT_TRUE(manager_.removePathFromWhitelist(""));
     EXPECT_THAT(log.lines(), IsEmpty());
-    EXPECT_THAT(stored_.stored(kKey), ElementsAre("<absent>"));
+    EXPECT_THAT(stored_.stored(kPathsKey), ElementsAre("<absent>"));
     EXPECT_EQ(manager_.getWhitelistCount(), 3U);
 }
 
@@ -156,7 +156,7 @@ TEST_F(PathWhitelist, AddingABuiltInPathIsAcceptedAndNeverStored) {
     EXPECT_TRUE(manager_.addPathToWhitelist(kGeo + "/"));
     EXPECT_THAT(log.lines(),
                 ElementsAre("✅ 已添加路径到白名单: " + kGeo + "/ (标准化: " + kGeo + ")"));
-    EXPECT_THAT(stored_.stored(kKey), ElementsAre("/x"));
+    EXPECT_THAT(stored_.stored(kPathsKey), ElementsAre("/x"));
     EXPECT_EQ(manager_.getWhitelistCount(), 4U);
 }
 
@@ -165,7 +165,7 @@ TEST_F(PathWhitelist, RemovingABuiltInPathIsRefused) {
     const LogCapture log;
     EXPECT_TRUE(manager_.removePathFromWhitelist(kGeo + "/"));
     EXPECT_THAT(log.lines(), ElementsAre("⚠️ 不能删除内置路径: " + kGeo));
-    EXPECT_THAT(stored_.stored(kKey), ElementsAre("/x"));
+    EXPECT_THAT(stored_.stored(kPathsKey), ElementsAre("/x"));
     EXPECT_TRUE(manager_.isPathInWhitelist(kGeo));
 }
 
@@ -176,7 +176,7 @@ TEST_F(PathWhitelist, RemovingTakesAPathOffAndLogsEvenWhenItWasNotThere) {
     EXPECT_TRUE(manager_.removePathFromWhitelist("/none"));
     EXPECT_THAT(log.lines(), ElementsAre("✅ 已从白名单移除路径: /a/b// (标准化: /a/b)",
                                          "✅ 已从白名单移除路径: /none (标准化: /none)"));
-    EXPECT_THAT(stored_.stored(kKey), IsEmpty());
+    EXPECT_THAT(stored_.stored(kPathsKey), IsEmpty());
     EXPECT_FALSE(manager_.isPathInWhitelist("/a/b"));
 }
 
@@ -188,7 +188,7 @@ TEST_F(PathWhitelist, ClearingLeavesTheBuiltInPaths) {
     EXPECT_THAT(log.lines(), ElementsAre("✅ 已清除所有用户自定义路径白名单（保留内置路径）"));
     EXPECT_EQ(manager_.getWhitelistCount(), 3U);
     EXPECT_THAT(manager_.getUserDefinedPaths(), IsEmpty());
-    EXPECT_THAT(stored_.stored(kKey), IsEmpty());
+    EXPECT_THAT(stored_.stored(kPathsKey), IsEmpty());
     EXPECT_TRUE(manager_.isPathInWhitelist(kMaps));
 }
 
@@ -200,24 +200,24 @@ TEST_F(PathWhitelist, ABuiltInPathIsTheVeryPathAndNotItsChild) {
 }
 
 TEST_F(PathWhitelist, AStoredListWithDuplicatesIsCleanedAtOnce) {
-    stored_.store(kKey, {"/a/b/", "/a/b"});
+    stored_.store(kPathsKey, {"/a/b/", "/a/b"});
     const PathWhitelistManager manager(stored_.defaults);
     EXPECT_THAT(manager.getUserDefinedPaths(), ElementsAre("/a/b"));
-    EXPECT_THAT(stored_.stored(kKey), ElementsAre("/a/b"));
+    EXPECT_THAT(stored_.stored(kPathsKey), ElementsAre("/a/b"));
 }
 
 TEST_F(PathWhitelist, AStoredListWithoutDuplicatesIsLeftAsItIsUntilAChange) {
-    stored_.store(kKey, {"/a/b/", kGeo});
+    stored_.store(kPathsKey, {"/a/b/", kGeo});
     PathWhitelistManager manager(stored_.defaults);
     EXPECT_THAT(manager.getUserDefinedPaths(), ElementsAre("/a/b"));
     EXPECT_EQ(manager.getWhitelistCount(), 4U);
-    EXPECT_THAT(stored_.stored(kKey), ElementsAre("/a/b/", kGeo));
+    EXPECT_THAT(stored_.stored(kPathsKey), ElementsAre("/a/b/", kGeo));
     EXPECT_TRUE(manager.addPathToWhitelist("/c"));
-    EXPECT_THAT(stored_.stored(kKey), ElementsAre("/a/b", "/c"));
+    EXPECT_THAT(stored_.stored(kPathsKey), ElementsAre("/a/b", "/c"));
 }
 
 TEST_F(PathWhitelist, AnEmptyStoredEntryProtectsEveryAbsolutePath) {
-    stored_.store(kKey, {""});
+    stored_.store(kPathsKey, {""});
     manager_.reload();
     EXPECT_TRUE(asks("/usr", {"🔒 白名单子路径匹配: /usr 是  的子路径"}));
     EXPECT_FALSE(manager_.isFree("/usr"));
@@ -235,7 +235,7 @@ TEST_F(PathWhitelist, TwoManagersOfOneFileLoseNothing) {
     PathWhitelistManager other(stored_.defaults);
     EXPECT_TRUE(manager_.addPathToWhitelist("/a"));
     EXPECT_TRUE(other.addPathToWhitelist("/b"));
-    EXPECT_THAT(stored_.stored(kKey), ElementsAre("/a", "/b"));
+    EXPECT_THAT(stored_.stored(kPathsKey), ElementsAre("/a", "/b"));
     EXPECT_THAT(other.getUserDefinedPaths(), ElementsAre("/a", "/b"));
     EXPECT_TRUE(manager_.removePathFromWhitelist("/a"));
     EXPECT_THAT(manager_.getUserDefinedPaths(), ElementsAre("/b"));
@@ -248,7 +248,7 @@ TEST_F(PathWhitelist, AListThatIsNoListOfTextsMakesItUnreadyAndIsNotWrittenOver)
     const PropertyList wrong[] = {PropertyList("text"), PropertyList(7), PropertyList(),
                                   PropertyList(PropertyList::Array{"/a", 7})};
     for (const PropertyList& value : wrong) {
-        ASSERT_TRUE(stored_.defaults.set(kKey, value));
+        ASSERT_TRUE(stored_.defaults.set(kPathsKey, value));
         PathWhitelistManager manager(stored_.defaults);
         ASSERT_FALSE(manager.readiness());
         EXPECT_EQ(manager.readiness().error().description,
@@ -261,7 +261,7 @@ TEST_F(PathWhitelist, AListThatIsNoListOfTextsMakesItUnreadyAndIsNotWrittenOver)
         EXPECT_FALSE(manager.clearAllWhitelistedPaths());
         EXPECT_THAT(log.lines(), testing::Each(HasSubstr("❌ 保存 PathWhitelistPaths 失败: ")));
         EXPECT_EQ(log.lines().size(), 3U);
-        EXPECT_EQ(stored_.defaults.object(kKey), value);
+        EXPECT_EQ(stored_.defaults.object(kPathsKey), value);
         EXPECT_FALSE(manager.isPathInWhitelist("/x"));
     }
 }
@@ -287,14 +287,14 @@ TEST_F(PathWhitelist, AFileSetAsideKeepsItUnreadyUntilItIsRemoved) {
     manager_.reload();
     EXPECT_FALSE(manager_.readiness());
     EXPECT_FALSE(manager_.addPathToWhitelist("/x"));
-    EXPECT_THAT(stored_.stored(kKey), ElementsAre("<absent>"));
+    EXPECT_THAT(stored_.stored(kPathsKey), ElementsAre("<absent>"));
 }
 
 TEST_F(PathWhitelist, AListThatIsReadableAgainMakesItReady) {
-    ASSERT_TRUE(stored_.defaults.set(kKey, 7));
+    ASSERT_TRUE(stored_.defaults.set(kPathsKey, 7));
     manager_.reload();
     EXPECT_FALSE(manager_.readiness());
-    stored_.store(kKey, {"/a"});
+    stored_.store(kPathsKey, {"/a"});
     manager_.reload();
     EXPECT_TRUE(manager_.readiness());
     EXPECT_TRUE(manager_.isPathInWhitelist("/a"));
@@ -310,7 +310,7 @@ TEST_F(PathWhitelist, AChangeThatCanNotBeStoredIsAnErrorAndChangesNothing) {
     EXPECT_THAT(manager_.getUserDefinedPaths(), ElementsAre("/a"));
     EXPECT_EQ(log.lines().size(), 3U) << "no line tells of success";
     stored_.files.full = false;
-    EXPECT_THAT(stored_.stored(kKey), ElementsAre("/a"));
+    EXPECT_THAT(stored_.stored(kPathsKey), ElementsAre("/a"));
 }
 
 TEST_F(PathWhitelist, IsFreeWhereNothingInAtOrAboveCanBeProtected) {
@@ -365,7 +365,7 @@ TEST_F(PathWhitelist, ThreadsThatAddAtOnceLoseNothing) {
     for (auto& thread : threads)
         thread.join();
     EXPECT_EQ(manager_.getUserDefinedPaths().size(), 40U);
-    EXPECT_EQ(stored_.stored(kKey), manager_.getUserDefinedPaths());
+    EXPECT_EQ(stored_.stored(kPathsKey), manager_.getUserDefinedPaths());
 }
 
 }  // namespace

@@ -12,6 +12,9 @@ namespace sweepwright::test {
 
 using Strings = std::vector<std::string>;
 
+/// Where the path whitelist is stored.
+inline const std::string kPathsKey = "PathWhitelistPaths";
+
 /// Fails writing on demand, as a full disk does.
 class FullDisk : public platform::ForwardingFileManager {
   public:

@@ -31,16 +31,12 @@ std::uint64_t sizeOfRow(FileManager& files, const std::string& row) {
     return itself ? itself->size : 0;
 }
 
-QString fromView(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
-
 }  // namespace
 
 CleanItemCardView::CleanItemCardView(QString title, QString icon, const CardServices& services)
     : title_(std::move(title)),
       icon_(std::move(icon)),
-      sizeText_(fromView(kSizeUnknown)),
+      sizeText_(QString::fromUtf8(kSizeUnknown)),
       services_(services),
       fileList_(services.files),
       self_(this, [](CleanItemCardView*) {}) {}
@@ -48,7 +44,7 @@ CleanItemCardView::CleanItemCardView(QString title, QString icon, const CardServ
 CleanItemCardView::~CleanItemCardView() = default;
 
 QString CleanItemCardView::cleanButtonTitle() {
-    return fromView(kCleanTitle);
+    return QString::fromUtf8(kCleanTitle);
 }
 
 QString CleanItemCardView::expandIcon() const {

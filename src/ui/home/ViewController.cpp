@@ -44,10 +44,6 @@ QString formatted(std::uint64_t bytes) {
     return QString::fromStdString(StorageAnalyzer::formatBytes(bytes));
 }
 
-QString fromView(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
-
 std::vector<std::string> pathsOf(const std::vector<CacheEntry>& entries) {
     std::vector<std::string> paths;
     paths.reserve(entries.size());
@@ -134,11 +130,11 @@ std::string ViewController::format(std::string_view key) const {
 }
 
 QString ViewController::developerHandle() {
-    return fromView(addresses::kHandle);
+    return QString::fromUtf8(addresses::kHandle);
 }
 
 QString ViewController::repositoryAddress() {
-    return fromView(addresses::kRepository);
+    return QString::fromUtf8(addresses::kRepository);
 }
 
 ViewController::ProgressColor ViewController::colorOf(double usagePercentage) {
