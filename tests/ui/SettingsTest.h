@@ -26,7 +26,7 @@ inline void blockChanges(TestApp& app) {
 class SettingsTest : public testing::Test {
   protected:
     SettingsTest() : SettingsTest(TestAppOptions{}) {}
-    explicit SettingsTest(const TestAppOptions& options) : app_(options) {
+    explicit SettingsTest(const TestAppOptions& options) : app_(options, withoutHome) {
         app_.scene().tabBarController()->setSelectedIndex(2);
         stack().setVisible(true);
     }
@@ -77,7 +77,7 @@ class SettingsTest : public testing::Test {
 
     static constexpr const char* kDamaged = "bplist00 and nothing that follows it";
 
-    TestApp app_{{}, test::withoutHome};
+    TestApp app_;
 };
 
 }  // namespace sweepwright::test
