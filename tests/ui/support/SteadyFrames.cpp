@@ -1,9 +1,11 @@
 #include "ui/support/SteadyFrames.h"
 
+#include <algorithm>
+
 namespace sweepwright::test {
 
 namespace {
-constexpr int kFrame = 16;  // milliseconds
+constexpr qint64 kFrame = 16;  // milliseconds
 }
 
 SteadyFrames* SteadyFrames::installed_ = nullptr;
@@ -33,12 +35,13 @@ void SteadyFrames::step() {
 
 void SteadyFrames::next() {
     if (!isRunning()) return;
-    elapsed_ += kFrame;
+    elapsed_ += std::min(kFrame, sinceFrame_.restart());
     advance();
 }
 
 void SteadyFrames::start() {
     elapsed_ = 0;
+    sinceFrame_.start();
     QAnimationDriver::start();
     runTimer();
 }
@@ -54,7 +57,7 @@ void SteadyFrames::timerEvent(QTimerEvent* /*event*/) {
 
 void SteadyFrames::runTimer() {
     if (holds_ == 0 && isRunning()) {
-        timer_.start(kFrame, this);
+        timer_.start(static_cast<int>(kFrame), this);
     } else {
         timer_.stop();
     }

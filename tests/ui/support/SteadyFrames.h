@@ -2,12 +2,12 @@
 
 #include <QAnimationDriver>
 #include <QBasicTimer>
+#include <QElapsedTimer>
 
 namespace sweepwright::test {
 
-/// Lets animations see one frame of a sixtieth of a second after the other, however long the
-/// machine takes for one: what passes between two looks at a moving thing is known. On the main
-/// thread.
+/// Lets animations see frames of a sixtieth of a second at most, however long the machine takes for
+/// one: between two looks at a moving thing it moves no further than that. On the main thread.
 class SteadyFrames : public QAnimationDriver {
   public:
     /// From now on in this program.
@@ -38,7 +38,8 @@ class SteadyFrames : public QAnimationDriver {
 
     static SteadyFrames* installed_;
     QBasicTimer timer_;
-    qint64 elapsed_ = 0;  ///< milliseconds since start()
+    QElapsedTimer sinceFrame_;
+    qint64 elapsed_ = 0;  ///< milliseconds since start(), as animations see them
     int holds_ = 0;
 };
 
