@@ -11,15 +11,7 @@ namespace {
 using platform::PropertyList;
 using test::AppsDevice;
 using test::FaultyFileManager;
-using test::Operation;
 using Dictionary = PropertyList::Dictionary;
-
-/// Every call of a file manager.
-const std::set<Operation> kAll = {Operation::OpenDirectory, Operation::OpenBeneath,
-                                  Operation::ReadEntries,   Operation::AttributesAt,
-                                  Operation::RemoveFileAt,  Operation::RemoveDirectoryAt,
-                                  Operation::Attributes,    Operation::ResolvedPath,
-                                  Operation::HostPath,      Operation::ReadFile};
 
 /// So many apps with bundle, cache and temporary file; every third without metadata.
 std::vector<std::string> install(AppsDevice& device, int count) {
@@ -44,7 +36,7 @@ using Run = std::function<void(AppsDevice&, ThirdPartyAppCacheManager&, FaultyFi
 std::uint64_t callsFor(int apps, const Run& run) {
     AppsDevice device;
     const auto identifiers = install(device, apps);
-    FaultyFileManager counting(device.files, kAll);
+    FaultyFileManager counting(device.files, test::everyOperation());
     DeviceEraser eraser(counting, test::noCommands(), platform::WebStorage::ofHost());
     ThirdPartyAppCacheManager manager(device.services(counting, eraser));
     run(device, manager, counting, identifiers);

@@ -100,7 +100,22 @@ TEST(CleanCommand, AnInterruptAtTheQuestionEndsTheProgramWithNothingRemoved) {
     }
 }
 
-TEST(CleanCommand, AnInterruptDuringACleanReportsWhatWasFreedSoFar) {
+TEST(CleanCommand, AnInterruptThatIsIgnoredFromTheStartStaysIgnored) {
+    Sweepctl sweepctl;
+    sweepctl.device().file("/var/mobile/tmp/a", 10);
+    sweepctl.setTerminal(TerminalStreams::all());
+    ProcessOptions options = sweepctl.options({"clean", "temp"});
+    options.ignoredSignals = {SIGINT};
+    Process process(options);
+    process.waitForText("[y/N] ");
+    process.signal(SIGINT);
+    process.type("y\n");
+    EXPECT_EQ(process.wait().status, 0);
+    EXPECT_FALSE(sweepctl.device().exists("/var/mobile/tmp/a"));
+}
+
+// Whether the interrupt or the clean comes first is not said here.
+TEST(CleanCommand, AnInterruptedCleanEndsWithTheSignalsStatusOrHadFinished) {
     Sweepctl sweepctl;
     constexpr int kFiles = 20000;
     for (int i = 0; i < kFiles; ++i)
@@ -110,14 +125,13 @@ TEST(CleanCommand, AnInterruptDuringACleanReportsWhatWasFreedSoFar) {
     process.waitForText("%");  // the first progress line: it has begun
     process.signal(SIGINT);
     const ProcessResult result = process.wait();
-    EXPECT_EQ(result.status, 130);
-    const json document = json::parse(result.output, nullptr, false);
-    ASSERT_FALSE(document.is_discarded()) << result.output;
-    std::uint64_t left = 0;
-    for (int i = 0; i < kFiles; ++i)
-        left += sweepctl.device().exists("/var/mobile/tmp/" + std::to_string(i)) ? 1U : 0U;
-    EXPECT_GT(left, 0U);
-    EXPECT_EQ(document["cleanedBytes"], kFiles - left);
+    const std::size_t left = sweepctl.device().entriesBeneath("/var/mobile/tmp").size();
+    EXPECT_TRUE(result.status == 130 || (result.status == 0 && left == 0)) << result.status;
+    if (result.output.empty()) {  // ended at once: nothing was left to be stopped
+        EXPECT_EQ(left, 0U);
+    } else {
+        EXPECT_EQ(json::parse(result.output, nullptr, false)["cleanedBytes"], kFiles - left);
+    }
 }
 
 TEST(CleanCommand, ADryRunTellsWhatTheCleanWouldDoAndChangesNothing) {

@@ -4,6 +4,7 @@
 #include <csignal>
 #include <cstdio>
 #include <future>
+#include <map>
 #include <mutex>
 #include <string>
 
@@ -164,7 +165,24 @@ TEST(Progress, ClearingTakesTheLineAwayOnce) {
     EXPECT_THAT(screen.text(), testing::EndsWith("\r\x1b[K"));
 }
 
-TEST(Interruption, WorkThatCanBeStoppedIsAskedOnceAndTheSignalIsRemembered) {
+/// Hears signals though whoever started the tests had them ignored, as `nohup` and a script's "&"
+/// do.
+class InterruptionDeathTest : public testing::Test {
+  protected:
+    InterruptionDeathTest() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
+    ~InterruptionDeathTest() override {
+        for (const auto& [number, handler] : before_)
+            std::signal(number, handler);
+    }
+
+  private:
+    std::map<int, sighandler_t> before_{{SIGINT, std::signal(SIGINT, SIG_DFL)},
+                                        {SIGTERM, std::signal(SIGTERM, SIG_DFL)}};
+};
+
+using InterruptionTest = InterruptionDeathTest;
+
+TEST_F(InterruptionTest, WorkThatCanBeStoppedIsAskedOnceAndTheSignalIsRemembered) {
     Interruption interruption([] {});
     std::promise<void> asked;
     const Interruption::Stoppable stoppable(interruption, [&] { asked.set_value(); });
@@ -174,8 +192,7 @@ TEST(Interruption, WorkThatCanBeStoppedIsAskedOnceAndTheSignalIsRemembered) {
     EXPECT_EQ(interruption.signal(), SIGTERM);
 }
 
-TEST(InterruptionDeathTest, WithoutSuchWorkTheProgramTidiesUpAndEndsWithTheSignalsStatus) {
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
+TEST_F(InterruptionDeathTest, WithoutSuchWorkTheProgramTidiesUpAndEndsWithTheSignalsStatus) {
     const auto interrupted = [](int signal) {
         Interruption interruption([] { std::fputs("tidied", stderr); });
         std::raise(signal);
@@ -185,8 +202,7 @@ TEST(InterruptionDeathTest, WithoutSuchWorkTheProgramTidiesUpAndEndsWithTheSigna
     EXPECT_EXIT(interrupted(SIGTERM), testing::ExitedWithCode(143), "tidied");
 }
 
-TEST(InterruptionDeathTest, ASecondSignalEndsTheProgramAtOnce) {
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
+TEST_F(InterruptionDeathTest, ASecondSignalEndsTheProgramAtOnce) {
     const auto twice = [] {
         Interruption interruption([] {});
         std::promise<void> asked;

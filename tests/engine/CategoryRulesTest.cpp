@@ -1,4 +1,3 @@
-#include <array>
 #include <initializer_list>
 #include <string>
 #include <string_view>
@@ -18,23 +17,6 @@ void expect(bool (*rule)(std::string_view), Names yes, Names no) {
         EXPECT_TRUE(rule(name)) << name;
     for (const std::string_view name : no)
         EXPECT_FALSE(rule(name)) << name;
-}
-
-TEST(CategoryRules, LocationsAreTheSystemsOwn) {
-    EXPECT_EQ(kSharedCaches, "/var/mobile/Library/Caches");
-    EXPECT_EQ(kSafariCaches,
-              (std::array<std::string_view, 3>{"/var/mobile/Library/Caches/com.apple.mobilesafari",
-                                               "/var/mobile/Library/Safari/WebKitCache",
-                                               "/var/mobile/Library/Safari/fsCachedData"}));
-    EXPECT_EQ(kSystemCaches[0].path, "/var/mobile/Library/Caches/com.apple.springboard");
-    EXPECT_EQ(kSystemCaches[1].path, "/var/mobile/Library/Caches/com.apple.cache_delete");
-    EXPECT_EQ(kSystemCaches[2].path, "/var/MobileAsset/AssetsV2");
-    EXPECT_EQ(kSystemCaches[3].path, "/var/db/uuidtext");
-    EXPECT_EQ(kDiagnostics, (std::array<std::string_view, 3>{"/var/db/diagnostics/Persist",
-                                                             "/var/db/diagnostics/Signpost",
-                                                             "/var/db/diagnostics/Special"}));
-    EXPECT_EQ(kInstalledBundles, "/var/containers/Bundle/Application");
-    EXPECT_EQ(kProductName, "Sweepwright");
 }
 
 TEST(CategoryRules, TemporaryDataIsKnownByThreeWordsInAnyCase) {

@@ -7,6 +7,7 @@
 
 #include "EngineTest.h"
 #include "platform/DateText.h"
+#include "support/ChildProcess.h"
 
 namespace sweepwright {
 namespace {
@@ -96,15 +97,17 @@ TEST_F(FrameTest, TheTenCategoriesHaveTheirChineseNamesAndOthersHaveNone) {
 }
 
 TEST_F(FrameTest, ThereIsOneSharedEngine) {
-    static auto* const root = new test::TemporaryFolder;
-    platform::DeviceOptions options;
-    options.rootFolder = root->path();
-    platform::Device::setCurrent(platform::Device::open(options).value());
-    FileCleanerEngine& engine = FileCleanerEngine::sharedEngine();
-    EXPECT_EQ(&engine, &FileCleanerEngine::sharedEngine());
-    EXPECT_EQ(&StorageAnalyzer::sharedAnalyzer(), &StorageAnalyzer::sharedAnalyzer());
-    EXPECT_EQ(&DeviceEraser::sharedEraser(), &DeviceEraser::sharedEraser());
-    EXPECT_EQ(engine.scan().totalSize, 0U);
+    // In a process of its own: the current device is set once.
+    test::inChildProcess([&] {
+        platform::DeviceOptions options;
+        options.rootFolder = d_.tree.root();
+        platform::Device::setCurrent(platform::Device::open(options).value());
+        FileCleanerEngine& engine = FileCleanerEngine::sharedEngine();
+        EXPECT_EQ(&engine, &FileCleanerEngine::sharedEngine());
+        EXPECT_EQ(&StorageAnalyzer::sharedAnalyzer(), &StorageAnalyzer::sharedAnalyzer());
+        EXPECT_EQ(&DeviceEraser::sharedEraser(), &DeviceEraser::sharedEraser());
+        EXPECT_EQ(engine.scan().totalSize, 0U);
+    });
 }
 
 // --- Scan ---

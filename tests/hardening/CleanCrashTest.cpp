@@ -19,6 +19,7 @@ struct Healthy {
 class CleanCrashes : public testing::TestWithParam<int> {};
 
 TEST_P(CleanCrashes, WhereverTheProcessEndsNothingProtectedGoesAndTheNextCleanWorks) {
+    if (test::ranInFreshProcess()) return;
     SmallDevice device;
     const auto [healthy, calls] = test::answerOfChild<Healthy>([&] {
         Worker worker(device.tree(), test::kChangingOperations);

@@ -2,6 +2,7 @@
 #include <array>
 #include <cerrno>
 #include <cstdlib>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
@@ -14,19 +15,36 @@ using test::Operation;
 using test::SmallDevice;
 using test::Worker;
 
-constexpr std::array kErrors = {EACCES, ENOSPC, EROFS, EIO, EMFILE, ENOENT, ENAMETOOLONG, EINTR};
+struct Fault {
+    int number;
+    const char* name;
+};
 
-/// Every call with one error, taking turns; with SWEEPWRIGHT_ALL_FAULTS every call with each.
-std::size_t rounds() {
-    return std::getenv("SWEEPWRIGHT_ALL_FAULTS") == nullptr ? 1 : kErrors.size();
+constexpr std::array kFaults = {Fault{EACCES, "EACCES"},
+                                Fault{ENOSPC, "ENOSPC"},
+                                Fault{EROFS, "EROFS"},
+                                Fault{EIO, "EIO"},
+                                Fault{EMFILE, "EMFILE"},
+                                Fault{ENOENT, "ENOENT"},
+                                Fault{ENAMETOOLONG, "ENAMETOOLONG"},
+                                Fault{EINTR, "EINTR"}};
+
+/// The calls of a clean take turns in failing with one of the errors; with SWEEPWRIGHT_ALL_FAULTS
+/// each call fails with each.
+constexpr std::size_t kTurns = kFaults.size();
+std::size_t step() {
+    return std::getenv("SWEEPWRIGHT_ALL_FAULTS") == nullptr ? kTurns : 1;
 }
 
-class CleanFaults : public testing::TestWithParam<int> {
+/// A clean, and which of the errors its calls fail with.
+using CleanAndFault = std::tuple<int, std::size_t>;
+
+class CleanFaults : public testing::TestWithParam<CleanAndFault> {
   protected:
     CleanFaults() {
         Worker worker(device_.tree());
         const std::uint64_t before = worker.files.calls();
-        const auto outcome = worker.clean(GetParam());
+        const auto outcome = worker.clean(clean());
         EXPECT_TRUE(outcome.success);
         calls_ = worker.files.calls() - before;
         healthy_ = outcome.bytes;
@@ -37,7 +55,14 @@ class CleanFaults : public testing::TestWithParam<int> {
         RecordProperty("calls", static_cast<int>(calls_));
     }
 
-    static bool isOfApps() { return GetParam() >= test::kOneApp; }
+    static int clean() { return std::get<0>(GetParam()); }
+    static int number() { return kFaults.at(std::get<1>(GetParam())).number; }
+    /// The first call whose turn this error is.
+    static std::uint64_t firstCall() {
+        const std::size_t turn = std::get<1>(GetParam());
+        return step() == 1 ? 1 : turn == 0 ? kTurns : turn;
+    }
+    static bool isOfApps() { return clean() >= test::kOneApp; }
     static bool isRemoval(Operation operation) {
         return operation == Operation::RemoveFileAt || operation == Operation::RemoveDirectoryAt;
     }
@@ -52,7 +77,7 @@ class CleanFaults : public testing::TestWithParam<int> {
     void expectHonestFigure(const Worker::Outcome& outcome, bool removalFailed,
                             bool queryFailed) const {
         const std::uint64_t gone = device_.bytesGone();
-        const bool countsBefore = isOfApps() || GetParam() == test::kDeep;
+        const bool countsBefore = isOfApps() || clean() == test::kDeep;
         if (queryFailed) {
             EXPECT_LE(outcome.bytes, countsBefore ? healthy_ : gone);
         } else if (removalFailed && countsBefore) {
@@ -69,7 +94,7 @@ class CleanFaults : public testing::TestWithParam<int> {
         EXPECT_GE(worker.history.getAllCleanHistory().size(), 1U);
         EXPECT_EQ(worker.pathWhitelist.getUserDefinedPaths().size(), 7U);
         const std::uint64_t before = device_.bytesGone();
-        const auto again = worker.clean(GetParam());
+        const auto again = worker.clean(clean());
         EXPECT_TRUE(again.success);
         EXPECT_EQ(device_.bytesGone(), healthy_);
         EXPECT_EQ(again.bytes, healthy_ - before);
@@ -83,36 +108,32 @@ class CleanFaults : public testing::TestWithParam<int> {
 };
 
 TEST_P(CleanFaults, WhicheverCallFailsNothingProtectedGoesAndTheFigureIsHonest) {
-    for (std::uint64_t n = 1; n <= calls_; ++n) {
-        for (std::size_t round = 0; round < rounds(); ++round) {
-            const int number = kErrors[(n + round) % kErrors.size()];
-            Worker worker(device_.tree());
-            worker.failNext(n, number);
-            const auto outcome = worker.clean(GetParam());
-            const std::optional failed = worker.files.failedOperation();
-            SCOPED_TRACE(testing::Message()
-                         << "call " << n << " (" << (failed ? static_cast<int>(*failed) : -1)
-                         << ") about " << worker.files.failedPath() << " failed with " << number);
-            EXPECT_EQ(device_.damage(), "");
-            expectHonestFigure(outcome, failed && isRemoval(*failed), failed && isQuery(*failed));
-            if (!outcome.success && !isOfApps()) {
-                EXPECT_EQ(device_.bytesGone(), 0U);
-            }
-            expectTheNextCleanWorks();
-            device_.restore();
-            if (HasFailure()) return;
+    for (std::uint64_t n = firstCall(); n <= calls_; n += step()) {
+        Worker worker(device_.tree());
+        worker.failNext(n, number());
+        const auto outcome = worker.clean(clean());
+        const std::optional failed = worker.files.failedOperation();
+        SCOPED_TRACE(testing::Message()
+                     << "call " << n << " (" << (failed ? static_cast<int>(*failed) : -1)
+                     << ") about " << worker.files.failedPath());
+        EXPECT_EQ(device_.damage(), "");
+        expectHonestFigure(outcome, failed && isRemoval(*failed), failed && isQuery(*failed));
+        if (!outcome.success && !isOfApps()) {
+            EXPECT_EQ(device_.bytesGone(), 0U);
         }
+        expectTheNextCleanWorks();
+        device_.restore();
+        if (HasFailure()) return;
     }
 }
 
 TEST_P(CleanFaults, ADiskThatFailsFromOneCallOnLosesNothingProtected) {
-    for (std::uint64_t n = 1; n <= calls_; ++n) {
-        const int number = kErrors[n % kErrors.size()];
+    for (std::uint64_t n = firstCall(); n <= calls_; n += step()) {
         Worker worker(device_.tree());
-        worker.failFromNext(n, number);
-        static_cast<void>(worker.clean(GetParam()));
-        SCOPED_TRACE(testing::Message() << "from call " << n << " about "
-                                        << worker.files.failedPath() << " on: " << number);
+        worker.failFromNext(n, number());
+        static_cast<void>(worker.clean(clean()));
+        SCOPED_TRACE(testing::Message()
+                     << "from call " << n << " on, about " << worker.files.failedPath());
         EXPECT_EQ(device_.damage(), "");
         if (n % 5 == 1) expectTheNextCleanWorks();
         device_.restore();
@@ -120,8 +141,13 @@ TEST_P(CleanFaults, ADiskThatFailsFromOneCallOnLosesNothingProtected) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(, CleanFaults, testing::Range(0, int{test::kCleans}),
-                         [](const auto& each) { return test::cleanName(each.param); });
+INSTANTIATE_TEST_SUITE_P(, CleanFaults,
+                         testing::Combine(testing::Range(0, int{test::kCleans}),
+                                          testing::Range(std::size_t{0}, kTurns)),
+                         [](const auto& each) {
+                             return test::cleanName(std::get<0>(each.param)) + "_" +
+                                    kFaults.at(std::get<1>(each.param)).name;
+                         });
 
 }  // namespace
 }  // namespace sweepwright

@@ -146,6 +146,7 @@ class MountPoints : public testing::TestWithParam<int> {
 };
 
 TEST_P(MountPoints, AreKeptWithWhatIsBehindThemAndTellTheirReason) {
+    if (test::ranInFreshProcess()) return;
     withMounts([&](platform::FileManager& files) {
         Worker worker(device_.tree().root(), files);
         useRealShell(worker);
@@ -168,6 +169,7 @@ TEST_P(MountPoints, AreKeptWithWhatIsBehindThemAndTellTheirReason) {
 }
 
 TEST_P(MountPoints, APreviewTellsThemAndTheSameFigure) {
+    if (test::ranInFreshProcess()) return;
     withMounts([&](platform::FileManager& files) {
         Worker worker(device_.tree().root(), files);
         useRealShell(worker);

@@ -219,6 +219,7 @@ TEST_P(Races, TheCanaryOutsideAndAllThatIsProtectedSurvive) {
 
 TEST_P(Races, TheySurviveMountPointsThatComeAndGo) {
     if (const std::string why = test::whyNoMounts(); !why.empty()) GTEST_SKIP() << why;
+    if (test::ranInFreshProcess()) return;
     test::withOwnMounts([&] {
         platform::HostFileManager files(platform::DeviceRoot::open(device_.tree().root()).value());
         meddle(files, true);

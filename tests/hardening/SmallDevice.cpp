@@ -48,15 +48,6 @@ std::string cleanName(int clean) {
     return kNames.at(static_cast<std::size_t>(clean));
 }
 
-std::set<Operation> everyOperation() {
-    std::set<Operation> all = kChangingOperations;
-    all.insert({Operation::OpenDirectory, Operation::OpenBeneath, Operation::ReadEntries,
-                Operation::AttributesAt, Operation::Attributes, Operation::IsWritable,
-                Operation::FileSystemAttributes, Operation::ResolvedPath, Operation::HostPath,
-                Operation::ReadFile});
-    return all;
-}
-
 std::string SmallDevice::home(const std::string& relative) {
     return joinPath(kHome, relative);
 }

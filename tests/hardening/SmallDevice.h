@@ -62,9 +62,6 @@ class SmallDevice {
     std::string defaultsAtFirst_;
 };
 
-/// Every operation of a FileManager.
-std::set<Operation> everyOperation();
-
 /// What a process has that works on the device, every file-system call going through `files`.
 class Worker {
   public:

@@ -11,7 +11,6 @@
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include "platform/FileManagerFixture.h"
@@ -316,24 +315,19 @@ TEST_P(HostFilesTest, ProcessesThatLockLoseNoChange) {
     constexpr int kProcesses = 4;
     constexpr int kChanges = 50;
     device_.fileWith("/count", "0");
+    std::vector<pid_t> children;
     for (int i = 0; i < kProcesses; ++i) {
-        const pid_t child = fork();
-        ASSERT_GE(child, 0);
-        if (child == 0) {
+        children.push_back(test::startChild([&] {
             for (int change = 0; change < kChanges; ++change) {
                 const auto lock = files_.lock("/lock");
                 const auto count = files_.readFile("/count", 10);
-                if (!lock || !count) _exit(1);
+                ASSERT_TRUE(lock && count);
                 device_.fileWith("/count", std::to_string(std::stoi(*count) + 1));
             }
-            _exit(0);
-        }
+        }));
     }
-    for (int i = 0; i < kProcesses; ++i) {
-        int ended = 0;
-        ASSERT_GT(wait(&ended), 0);
-        EXPECT_EQ(ended, 0);
-    }
+    for (const pid_t child : children)
+        EXPECT_EQ(test::exitStatusOf(child), 0);
     EXPECT_EQ(device_.content("/count"), std::to_string(kProcesses * kChanges));
 }
 

@@ -139,6 +139,7 @@ TEST(SharedWork, AsManyThreadsWorkAtOnceAsWereAskedFor) {
 
 TEST(SharedWork, WhereNoThreadCanBeStartedTheCallerDoesItAll) {
     if (const std::string why = test::whyNoOrdinaryUser(); !why.empty()) GTEST_SKIP() << why;
+    if (test::ranInFreshProcess()) return;
     test::asOrdinaryUser([] {
         const rlimit none{0, 0};
         ASSERT_EQ(setrlimit(RLIMIT_NPROC, &none), 0);

@@ -64,6 +64,32 @@ void inChildProcess(const std::function<void()>& body) {
     EXPECT_EQ(exitStatusOfChild(body), 0) << "see above for what the child process found";
 }
 
+bool ranInFreshProcess() {
+    static constexpr const char* kTelling = "SWEEPWRIGHT_TEST_TELLING";
+    if (const char* telling = std::getenv(kTelling)) {
+        EXPECT_EQ(write(std::atoi(telling), "", 1), 1);
+        unsetenv(kTelling);
+        return false;
+    }
+    const auto* test = ::testing::UnitTest::GetInstance()->current_test_info();
+    const std::string filter =
+        std::string("--gtest_filter=") + test->test_suite_name() + "." + test->name();
+    std::array<int, 2> telling{};
+    EXPECT_EQ(pipe(telling.data()), 0);
+    inChildProcess([&] {
+        setenv(kTelling, std::to_string(telling[1]).c_str(), 1);
+        for (const char* name : {"GTEST_TOTAL_SHARDS", "GTEST_SHARD_INDEX", "GTEST_OUTPUT"})
+            unsetenv(name);
+        execl("/proc/self/exe", "test", filter.c_str(), "--gtest_brief=1", nullptr);
+        require(false, "run the test again");
+    });
+    close(telling[1]);
+    char byte = 0;
+    EXPECT_EQ(read(telling[0], &byte, 1), 1) << "the fresh process did not run the test";
+    close(telling[0]);
+    return true;
+}
+
 void asOrdinaryUser(const std::function<void()>& body) {
     inChildProcess([&] {
         if (geteuid() == 0) {

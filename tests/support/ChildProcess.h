@@ -44,6 +44,13 @@ Answer answerOfChild(const std::function<Answer()>& body) {
     return answer;
 }
 
+/// Runs the test that begins with this in a fresh process and answers true; there it answers false,
+/// and the test goes on. For tests whose child processes start threads: a child that is forked
+/// where earlier tests left threads lacks those, and what they held stays held.
+///
+///     if (test::ranInFreshProcess()) return;
+bool ranInFreshProcess();
+
 /// inChildProcess() by a user without rights, where this process may become one.
 void asOrdinaryUser(const std::function<void()>& body);
 /// Why asOrdinaryUser() can't be had; empty when it can.

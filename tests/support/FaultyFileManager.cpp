@@ -10,6 +10,18 @@ using platform::Directory;
 using platform::ForwardingFileManager;
 using platform::Result;
 
+const std::set<Operation>& everyOperation() {
+    static const std::set<Operation> all = [] {
+        std::set<Operation> operations = kChangingOperations;
+        operations.insert({Operation::OpenDirectory, Operation::OpenBeneath, Operation::ReadEntries,
+                           Operation::AttributesAt, Operation::Attributes, Operation::IsWritable,
+                           Operation::FileSystemAttributes, Operation::ResolvedPath,
+                           Operation::HostPath, Operation::ReadFile});
+        return operations;
+    }();
+    return all;
+}
+
 void FaultyFileManager::failAt(std::uint64_t n, int number) {
     failFirst_ = n;
     failLast_ = n;

@@ -51,6 +51,9 @@ inline constexpr std::initializer_list<Operation> kChangingOperations = {
     Operation::Lock,
     Operation::TryLock};
 
+/// Every call there is.
+const std::set<Operation>& everyOperation();
+
 /// Counts the calls to a chosen set of operations, from 1, and lets the n-th of them fail or end
 /// the process. Calls to other operations are forwarded uncounted. Thread-safe; set it up before
 /// it is used.

@@ -140,6 +140,8 @@ Process::Process(const ProcessOptions& options) : state_(std::make_unique<State>
         dup2(which.input ? terminal.writeEnd : empty, STDIN_FILENO);
         dup2(which.output ? terminal.writeEnd : output.writeEnd, STDOUT_FILENO);
         dup2(which.error ? terminal.writeEnd : error.writeEnd, STDERR_FILENO);
+        for (const int number : {SIGINT, SIGTERM})
+            std::signal(number, options.ignoredSignals.contains(number) ? SIG_IGN : SIG_DFL);
         execve(argumentList[0], argumentList.data(), variableList.data());
         _exit(127);
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -25,6 +26,8 @@ struct ProcessOptions {
     TerminalStreams terminal = TerminalStreams::none();
     unsigned short columns = 80;  ///< of the terminal
     std::string outputFile;       ///< standard output goes there in place of a pipe
+    /// Of SIGINT and SIGTERM; the others act as they do by default, however the tests were started.
+    std::set<int> ignoredSignals;
 };
 
 /// How a process ended and what it wrote.

@@ -1,9 +1,11 @@
 #include <QImage>
-#include <QSignalSpy>
+#include <atomic>
 #include <memory>
+#include <semaphore>
 
 #include <gtest/gtest.h>
 
+#include "support/FaultyFileManager.h"
 #include "support/TemporaryDevice.h"
 #include "ui/apps/AppIconProvider.h"
 #include "ui/apps/AppIconStore.h"
@@ -114,12 +116,23 @@ TEST_F(AppIconViewTest, RemembersWhatItDrewWithinItsBounds) {
 }
 
 TEST_F(AppIconViewTest, AnswersARequestOnAnotherThreadInTheSizeAskedFor) {
-    const AppIconStore::Handle handle = store_.add(icon(plainIcon(10, 20, 30)));
+    device_.fileWith("/icon.png", plainIcon(10, 20, 30));
+    test::FaultyFileManager files(device_.files(), {test::Operation::ReadFile});
+    std::binary_semaphore listening(0);
+    files.before([&](test::Operation, const std::string&) { listening.acquire(); });
+    AppIconStore store(files);
+    auto provider = std::make_unique<AppIconProvider>(store);
+    const AppIconStore::Handle handle = store.add(std::string("/icon.png"));
     const QString id = handle->url().section(QLatin1Char('/'), -1);
     const std::unique_ptr<QQuickImageResponse> response(
-        provider_.requestImageResponse(id, QSize(150, 150)));
-    QSignalSpy finished(response.get(), &QQuickImageResponse::finished);
-    ASSERT_TRUE(finished.count() > 0 || finished.wait());
+        provider->requestImageResponse(id, QSize(150, 150)));
+    std::atomic<int> finished = 0;
+    QObject::connect(
+        response.get(), &QQuickImageResponse::finished, response.get(), [&] { ++finished; },
+        Qt::DirectConnection);
+    listening.release();
+    provider.reset();  // waits for what it draws
+    EXPECT_EQ(finished, 1);
     const std::unique_ptr<QQuickTextureFactory> factory(response->textureFactory());
     ASSERT_NE(factory, nullptr);
     EXPECT_EQ(factory->image().size(), QSize(150, 150));

@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include "ui/gallery/GalleryScreen.h"
 #include "ui/presentation/AlertController.h"
 #include "ui/presentation/NavigationController.h"
 #include "ui/settings/SettingsViewController.h"
@@ -22,11 +23,20 @@ inline void blockChanges(TestApp& app) {
     std::filesystem::create_directory(lock);
 }
 
-/// The settings of the whole app, on screen but without a window.
+/// The product's settings beside tabs that do nothing: the first scans of the others would write
+/// into what a test captures of the log.
+inline ui::SceneDelegate::Screens settingsAlone(const ui::ScreenServices& services) {
+    ui::SceneDelegate::Screens screens = withoutHome(services);
+    screens.at(1) = std::make_unique<GalleryScreen>(QStringLiteral("Controls"), services.texts,
+                                                    "App List", services.notifications);
+    return screens;
+}
+
+/// The settings of the app, on screen but without a window.
 class SettingsTest : public testing::Test {
   protected:
     SettingsTest() : SettingsTest(TestAppOptions{}) {}
-    explicit SettingsTest(const TestAppOptions& options) : app_(options) {
+    explicit SettingsTest(const TestAppOptions& options) : app_(options, settingsAlone) {
         app_.scene().tabBarController()->setSelectedIndex(2);
         stack().setVisible(true);
     }
@@ -77,7 +87,7 @@ class SettingsTest : public testing::Test {
 
     static constexpr const char* kDamaged = "bplist00 and nothing that follows it";
 
-    TestApp app_{{}, test::withoutHome};
+    TestApp app_;
 };
 
 }  // namespace sweepwright::test

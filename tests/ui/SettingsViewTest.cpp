@@ -134,7 +134,7 @@ TEST_F(SettingsView, HidesTheBarOnTheWayDownAndShowsItOnTheWayUp) {
     swipe(app, {195, 700}, {195, 400});
     EXPECT_TRUE(app.scene().tabBarIsHidden());
     ASSERT_TRUE(still(app, "settingsList"));
-    swipe(app, {195, 300}, {195, 420});
+    swipe(app, {195, 300}, {195, 480});
     EXPECT_FALSE(app.scene().tabBarIsHidden());
 }
 
@@ -282,7 +282,7 @@ TEST_F(CleanHistoryView, HidesTheBarOnTheWayDownAndShowsItOnTheWayUp) {
     swipe(app, {195, 700}, {195, 400});
     EXPECT_TRUE(app.scene().tabBarIsHidden());
     ASSERT_TRUE(still(app, "historyList"));
-    swipe(app, {195, 300}, {195, 420});
+    swipe(app, {195, 300}, {195, 480});
     EXPECT_FALSE(app.scene().tabBarIsHidden());
 }
 

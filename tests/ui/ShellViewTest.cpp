@@ -71,7 +71,7 @@ TEST_F(ShellView, HidesTheBarWhenAFingerScrollsDownAndShowsItAgainOnTheWayUp) {
     swipe(app, {195, 600}, {195, 250});
     EXPECT_TRUE(app.scene().tabBarIsHidden());
     EXPECT_TRUE(waitUntil([&] { return bar->y() == 844.0 + 85.0 - 65.0; }));
-    swipe(app, {195, 300}, {195, 420});
+    swipe(app, {195, 300}, {195, 480});
     EXPECT_FALSE(app.scene().tabBarIsHidden());
     EXPECT_TRUE(waitUntil([&] { return bar->y() == 844.0 - 10.0 - 65.0; }));
 }

@@ -28,7 +28,7 @@ TEST_F(SpringMotionTest, SwingsToItsTargetAndStaysThere) {
     motion_.setTo(10.0);
     EXPECT_TRUE(motion_.running());
     EXPECT_DOUBLE_EQ(motion_.value(), 0.0);
-    ASSERT_TRUE(settled.wait());
+    ASSERT_TRUE(test::waitUntil([&] { return settled.count() > 0; }));
     EXPECT_DOUBLE_EQ(motion_.value(), 10.0);
     EXPECT_FALSE(motion_.running());
     EXPECT_GT(highest, 10.0);
@@ -41,7 +41,7 @@ TEST_F(SpringMotionTest, GoesOnFromWhereItIsWhenItsTargetChanges) {
     const double reached = motion_.value();
     motion_.setTo(-10.0);
     EXPECT_DOUBLE_EQ(motion_.value(), reached);
-    ASSERT_TRUE(settled.wait());
+    ASSERT_TRUE(test::waitUntil([&] { return settled.count() > 0; }));
     EXPECT_DOUBLE_EQ(motion_.value(), -10.0);
     EXPECT_EQ(settled.count(), 1);
 }

@@ -9,18 +9,6 @@ namespace sweepwright::test {
 
 namespace {
 
-const std::set<Operation>& everyOperation() {
-    static const std::set<Operation> all = [] {
-        std::set<Operation> operations = kChangingOperations;
-        operations.insert({Operation::OpenDirectory, Operation::OpenBeneath, Operation::ReadEntries,
-                           Operation::AttributesAt, Operation::Attributes, Operation::IsWritable,
-                           Operation::FileSystemAttributes, Operation::ResolvedPath,
-                           Operation::HostPath, Operation::ReadFile});
-        return operations;
-    }();
-    return all;
-}
-
 platform::DeviceOptions withHome(const std::string& home) {
     platform::DeviceOptions options;
     options.home = home;

@@ -62,13 +62,9 @@ void runFor(std::chrono::milliseconds span) {
 }
 
 QQuickItem* listOf(QQuickItem* root) {
-    QList<QQuickItem*> waiting{root};
-    while (!waiting.isEmpty()) {
-        QQuickItem* each = waiting.takeFirst();
-        if (each->inherits("QQuickListView") && each->isVisible()) return each;
-        waiting += each->childItems();
-    }
-    return nullptr;
+    return test::firstItem(root, [](const QQuickItem* each) {
+        return each->inherits("QQuickListView") && each->isVisible();
+    });
 }
 
 // From one frame on screen to the next, `count` times, while the list moves by `step` points with

@@ -47,15 +47,11 @@ void settle(TestApp& app) {
     // Rows are made for a frame, and ask for their icons then.
     (void)app.window().grabWindow();
     waitUntil([&] {
-        QList<QQuickItem*> waiting{app.window().contentItem()};
-        while (!waiting.isEmpty()) {
-            QQuickItem* each = waiting.takeFirst();
+        const auto isLoading = [](const QQuickItem* each) {
             constexpr int kLoading = 2;
-            if (each->inherits("QQuickImage") && each->property("status").toInt() == kLoading)
-                return false;
-            waiting += each->childItems();
-        }
-        return true;
+            return each->inherits("QQuickImage") && each->property("status").toInt() == kLoading;
+        };
+        return firstItem(app.window().contentItem(), isLoading) == nullptr;
     });
 }
 

@@ -9,6 +9,7 @@
 #include "ui/kit/Appearance.h"
 #include "ui/shell/App.h"
 #include "ui/shell/Screens.h"
+#include "ui/support/SteadyFrames.h"
 
 namespace sweepwright::test {
 
@@ -87,19 +88,27 @@ QQuickItem* TestApp::item(const char* objectName) const {
 }
 
 QQuickItem* TestApp::findItem(const char* objectName) const {
-    const QString name = QString::fromLatin1(objectName);
-    QList<QQuickItem*> waiting{view_->contentItem()};
-    QQuickItem* found = nullptr;
-    while (!waiting.isEmpty() && (found == nullptr || !found->isVisible())) {
-        QQuickItem* each = waiting.takeFirst();
-        if (each->objectName() == name && (found == nullptr || each->isVisible())) found = each;
-        waiting += each->childItems();
-    }
-    return found;
+    const auto isNamed = [name = QString::fromLatin1(objectName)](const QQuickItem* each) {
+        return each->objectName() == name;
+    };
+    QQuickItem* shown = firstItem(view_->contentItem(), [&](const QQuickItem* each) {
+        return isNamed(each) && each->isVisible();
+    });
+    return shown != nullptr ? shown : firstItem(view_->contentItem(), isNamed);
 }
 
 QPoint TestApp::middleOf(const QQuickItem* item) {
     return item->mapToScene(QPointF(item->width() / 2.0, item->height() / 2.0)).toPoint();
+}
+
+QQuickItem* firstItem(QQuickItem* root, const std::function<bool(const QQuickItem*)>& isWanted) {
+    QList<QQuickItem*> waiting{root};
+    while (!waiting.isEmpty()) {
+        QQuickItem* each = waiting.takeFirst();
+        if (isWanted(each)) return each;
+        waiting += each->childItems();
+    }
+    return nullptr;
 }
 
 ui::SceneDelegate::Screens withoutHome(const ui::ScreenServices& services) {
@@ -112,7 +121,12 @@ ui::SceneDelegate::Screens withoutHome(const ui::ScreenServices& services) {
 constexpr int kPatience = 30000;  // milliseconds
 
 bool waitUntil(const std::function<bool()>& done) {
-    return QTest::qWaitFor(done, kPatience);
+    const SteadyFrames::Hold hold;
+    const auto afterAFrame = [&] {
+        SteadyFrames::step();
+        return done();
+    };
+    return done() || QTest::qWaitFor(afterAFrame, kPatience);
 }
 
 }  // namespace sweepwright::test

@@ -93,11 +93,16 @@ class TestApp {
     std::unique_ptr<QQuickView> view_;
 };
 
+/// The first item of which `isWanted` says so, of `root` and what is in it, level by level; or
+/// none.
+QQuickItem* firstItem(QQuickItem* root, const std::function<bool(const QQuickItem*)>& isWanted);
+
 /// The product's screens but for the home screen, whose first scan of the apps would mingle with
 /// what a test counts.
 ui::SceneDelegate::Screens withoutHome(const ui::ScreenServices& services);
 
-/// Runs the event loop until `done` answers true; false when it does not within half a minute,
+/// Runs the event loop until `done` answers true, which is asked after every frame of an animation;
+/// false when it does not within half a minute,
 /// which only a machine that hangs needs.
 bool waitUntil(const std::function<bool()>& done);
 

@@ -1,0 +1,76 @@
+#include <csignal>
+#include <functional>
+#include <thread>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include "cli/Arguments.h"
+#include "cli/Context.h"
+#include "platform/Device.h"
+#include "platform/DispatchQueue.h"
+#include "support/ChildProcess.h"
+#include "support/FaultyFileManager.h"
+#include "support/TemporaryDevice.h"
+
+namespace sweepwright {
+
+namespace {
+
+/// Called before each removal of a file by a command that runs within this program.
+std::function<void()> beforeRemoval;
+
+}  // namespace
+
+// In place of the product's own, which is linked only where no other is defined.
+platform::FileManager& platform::FileManager::defaultManager() {
+    static HostFileManager host(Device::current().root());
+    static test::FaultyFileManager files(host, {test::Operation::RemoveFileAt});
+    files.before([](test::Operation, const std::string&) {
+        if (beforeRemoval) beforeRemoval();
+    });
+    return files;
+}
+
+namespace cli {
+namespace {
+
+TEST(CleanCommand, AnInterruptDuringACleanReportsWhatWasFreedSoFar) {
+    test::TemporaryDevice tree;
+    tree.folder("/var/mobile");
+    for (int i = 0; i < 10; ++i)
+        tree.file("/var/mobile/tmp/" + std::to_string(i), 1);
+    // In a process of its own: the current device is set once.
+    test::inChildProcess([&] {
+        platform::DeviceOptions options;
+        options.rootFolder = tree.root();
+        platform::Device::setCurrent(platform::Device::open(options).value());
+        std::signal(SIGINT, SIG_DFL);  // whoever runs the tests may have it ignored
+        Interruption interruption([] {});
+        Progress progress({});
+        Output output(true, false);
+        Context context(output, progress, interruption);
+        int removals = 0;
+        beforeRemoval = [&] {
+            if (++removals != 3) return;
+            // The main queue runs when the command has begun to listen.
+            platform::MainQueue::shared().sync([] {});
+            std::raise(SIGINT);
+            while (!interruption.signal())
+                std::this_thread::yield();
+        };
+        const Commands commands = allCommands();
+        const auto clean = parseArguments(commands, {"clean", "temp", "--yes"});
+        ASSERT_TRUE(clean.has_value());
+        EXPECT_TRUE(clean->command->run(context, clean->call).has_value());
+        testing::internal::CaptureStdout();
+        EXPECT_TRUE(output.flush());
+        EXPECT_EQ(nlohmann::json::parse(testing::internal::GetCapturedStdout(), nullptr, false),
+                  (nlohmann::json{{"success", true}, {"cleanedBytes", 3}, {"error", nullptr}}));
+    });
+    EXPECT_EQ(tree.entriesBeneath("/var/mobile/tmp").size(), 7U);
+}
+
+}  // namespace
+}  // namespace cli
+}  // namespace sweepwright

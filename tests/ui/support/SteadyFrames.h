@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QAnimationDriver>
+#include <QBasicTimer>
+#include <QElapsedTimer>
+
+namespace sweepwright::test {
+
+/// Lets animations see frames of a sixtieth of a second at most, however long the machine takes for
+/// one: between two looks at a moving thing it moves no further than that. On the main thread.
+class SteadyFrames : public QAnimationDriver {
+  public:
+    /// From now on in this program.
+    static void install();
+
+    /// While one lives, frames come by step() alone. Both do nothing where it is not installed.
+    class Hold {
+      public:
+        Hold();
+        ~Hold();
+        Hold(const Hold&) = delete;
+        Hold& operator=(const Hold&) = delete;
+    };
+    static void step();
+
+    [[nodiscard]] qint64 elapsed() const override { return elapsed_; }
+
+  protected:
+    void start() override;
+    void stop() override;
+    void timerEvent(QTimerEvent* event) override;
+
+  private:
+    SteadyFrames() = default;
+    void next();
+    static void hold(int change);
+    void runTimer();
+
+    static SteadyFrames* installed_;
+    QBasicTimer timer_;
+    QElapsedTimer sinceFrame_;
+    qint64 elapsed_ = 0;  ///< milliseconds since start(), as animations see them
+    int holds_ = 0;
+};
+
+}  // namespace sweepwright::test
