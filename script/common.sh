@@ -31,6 +31,8 @@ if [[ "${1:-}" == "--help" || "${1:-}" == "-h" ]]; then
 fi
 
 if command -v ccache > /dev/null; then
+    # Checkouts side by side share what they compile.
+    export CCACHE_BASEDIR="$root" CCACHE_NOHASHDIR=1
     export CMAKE_C_COMPILER_LAUNCHER=ccache CMAKE_CXX_COMPILER_LAUNCHER=ccache
 fi
 
@@ -40,6 +42,26 @@ jobs_at_once() { echo "${SWEEPWRIGHT_JOBS:-$(nproc)}"; }
 # known_preset NAME: whether CMakePresets.json has such a configure preset.
 known_preset() {
     cmake --list-presets | grep -q "^  \"$1\""
+}
+
+# step NAME WORDS...: runs one step of many and notes its time and outcome; finish tells them all.
+steps=()
+steps_failed=0
+step() {
+    local name="$1" started=$SECONDS outcome=passed
+    shift
+    echo "== $name: $*"
+    "$@" || { outcome="FAILED (status $?)"; steps_failed=$((steps_failed + 1)); }
+    steps+=("$(printf '%-16s %5d s  %s' "$name" "$((SECONDS - started))" "$outcome")")
+}
+
+# finish: the table of the steps; ends the script, with status 1 if any failed.
+finish() {
+    printf '\n%s\n' "$script_name"
+    printf '%s\n' "${steps[@]}"
+    [[ "$steps_failed" -eq 0 ]] || die "$steps_failed of ${#steps[@]} steps failed"
+    echo "all ${#steps[@]} steps passed"
+    exit 0
 }
 
 # tracked PATTERN...: the project's files that match, one a line. Where the folder is no git

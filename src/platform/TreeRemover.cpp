@@ -58,7 +58,7 @@ Node::~Node() {
     next = nullptr;
 }
 
-struct Waiting {
+struct PendingFolder {
     NodePointer parent;
     std::string name;
     int attempt = 0;
@@ -144,11 +144,11 @@ class Remover {
   public:
     explicit Remover(Run& run) : run_(&run), opened_(run) {}
 
-    void operator()(Waiting first, SharedWork<Waiting>& shared) {
+    void operator()(PendingFolder first, SharedWork<PendingFolder>& shared) {
         visit(std::move(first));
         while (!stack_.empty() || !again_.empty()) {
             if (!again_.empty()) {
-                Waiting next = std::move(again_.back());
+                PendingFolder next = std::move(again_.back());
                 again_.pop_back();
                 visit(std::move(next));
             } else if (stack_.back()->subdirectories.empty()) {
@@ -163,7 +163,7 @@ class Remover {
     }
 
   private:
-    void giveAway(SharedWork<Waiting>& shared) {
+    void giveAway(SharedWork<PendingFolder>& shared) {
         while (!stack_.empty() && stack_.back()->subdirectories.empty())
             stack_.pop_back();
         for (const NodePointer& node : stack_) {
@@ -175,7 +175,7 @@ class Remover {
         }
     }
 
-    void visit(Waiting waiting) {
+    void visit(PendingFolder waiting) {
         auto node = std::make_shared<Node>();
         node->depth = waiting.parent ? waiting.parent->depth - 1 : run_->rules.maxDepth;
         node->counts = !waiting.parent || (waiting.parent->counts && run_->isCounted(waiting.name));
@@ -316,7 +316,7 @@ class Remover {
     Run* run_;
     OpenDirectories opened_;
     std::vector<NodePointer> stack_;
-    std::vector<Waiting> again_;
+    std::vector<PendingFolder> again_;
     EntryBuffer buffer_;
     std::uint64_t bytes_ = 0;
 };
@@ -344,7 +344,7 @@ Removal TreeRemover::remove(const Directory& parent, const std::string& name,
         return {counts ? attributes->size : 0, std::nullopt};
     }
     Run run{files_, rules, parent};
-    SharedWork<Waiting>(threads_).run({nullptr, name}, [&run] { return Remover(run); });
+    SharedWork<PendingFolder>(threads_).run({nullptr, name}, [&run] { return Remover(run); });
     if (!run.firstError && !run.mountPoints.empty())
         return Removal::around(run.bytes, std::move(run.mountPoints));
     return {run.bytes, std::move(run.firstError), std::move(run.mountPoints)};

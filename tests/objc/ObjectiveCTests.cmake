@@ -23,12 +23,19 @@ endif()
 set(CMAKE_OBJC_COMPILER ${SWEEPWRIGHT_OBJC_COMPILER})
 enable_language(OBJC)
 
-execute_process(COMMAND ${GNUSTEP_CONFIG} --objc-flags
-  OUTPUT_VARIABLE gnustep_flags OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
-execute_process(COMMAND ${GNUSTEP_CONFIG} --base-libs
-  OUTPUT_VARIABLE gnustep_libraries OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
-separate_arguments(gnustep_flags UNIX_COMMAND "${gnustep_flags}")
-separate_arguments(gnustep_libraries UNIX_COMMAND "${gnustep_libraries}")
+# gnustep-config answers nothing, and says so by no status, where it misses make.
+function(ask_gnustep words result)
+  execute_process(COMMAND ${GNUSTEP_CONFIG} ${words} OUTPUT_VARIABLE answer
+    OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+  if(NOT answer)
+    message(FATAL_ERROR "${GNUSTEP_CONFIG} ${words} answers nothing; is make installed?")
+  endif()
+  separate_arguments(answer UNIX_COMMAND "${answer}")
+  set(${result} ${answer} PARENT_SCOPE)
+endfunction()
+
+ask_gnustep(--objc-flags gnustep_flags)
+ask_gnustep(--base-libs gnustep_libraries)
 list(REMOVE_ITEM gnustep_flags -MMD -MP -I. -g -O2)  # dependencies and levels are CMake's to give
 
 add_library(fake_workspace MODULE ${CMAKE_CURRENT_LIST_DIR}/FakeWorkspace.m)

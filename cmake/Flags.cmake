@@ -3,6 +3,10 @@ add_library(sweepwright_flags INTERFACE)
 target_compile_options(sweepwright_flags INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor
   -Woverloaded-virtual -Wimplicit-fallthrough)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_UNITY_BUILD)
+  # In a unity build a test's fixture, which is local to its source, looks as if it were not.
+  target_compile_options(sweepwright_flags INTERFACE -Wno-subobject-linkage)
+endif()
 if(SWEEPWRIGHT_WERROR)
   target_compile_options(sweepwright_flags INTERFACE -Werror)
 endif()
