@@ -2,15 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include "ui/support/SteadyFrames.h"
-
 // Views are tested with real events on a platform that needs no display; it draws in software.
 int main(int argc, char** argv) {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     // Each move of a finger arrives as itself; a slow machine would make one of several.
     qputenv("QML_NO_TOUCH_COMPRESSION", "1");
     QGuiApplication application(argc, argv);
-    sweepwright::test::SteadyFrames::install();
     testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
 }
