@@ -8,6 +8,7 @@
 
 #include "ui/kit/Appearance.h"
 #include "ui/kit/SymbolProvider.h"
+#include "ui/support/SteadyFrames.h"
 #include "ui/support/TestApp.h"
 
 namespace sweepwright::ui {
@@ -76,6 +77,7 @@ class AnimationHelperTest : public testing::Test {
         return seen;
     }
 
+    test::SteadyFrames frames_;
     QQmlEngine engine_;
     std::unique_ptr<QQuickItem> scene_;
     QQuickItem* view_ = nullptr;

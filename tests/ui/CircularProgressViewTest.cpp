@@ -9,6 +9,7 @@
 
 #include "ui/home/CircularProgressView.h"
 #include "ui/kit/Appearance.h"
+#include "ui/support/SteadyFrames.h"
 #include "ui/support/TestApp.h"
 
 namespace sweepwright::ui {
@@ -37,6 +38,7 @@ class CircularProgressViewTest : public testing::Test {
         return color.blue() > 200 && color.red() < 80;
     }
 
+    test::SteadyFrames frames_;
     CircularProgressView ring_;
 };
 

@@ -7,6 +7,7 @@
 #include "ui/presentation/MainQueueHook.h"
 #include "ui/shell/Screens.h"
 #include "ui/support/HomeTest.h"
+#include "ui/support/SteadyFrames.h"
 
 namespace sweepwright::test {
 namespace {
@@ -116,6 +117,7 @@ class HomeView : public ViewTest {
 // --- Cards ---
 
 TEST_F(HomeView, ATapOpensACardAndMovesTheOthersBelowIt) {
+    const SteadyFrames frames;
     card(0).updateFileList(rows(3));
     const double below = cardItem(1)->y();
     EXPECT_DOUBLE_EQ(cardItem(0)->height(), 60.0);

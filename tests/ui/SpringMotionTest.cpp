@@ -5,6 +5,7 @@
 
 #include "ui/kit/Appearance.h"
 #include "ui/kit/SpringMotion.h"
+#include "ui/support/SteadyFrames.h"
 #include "ui/support/TestApp.h"
 
 namespace sweepwright::ui {
@@ -17,6 +18,7 @@ class SpringMotionTest : public testing::Test {
         motion_.setDuration(120);
         motion_.setDamping(0.5);
     }
+    test::SteadyFrames frames_;
     SpringMotion motion_;
 };
 

@@ -2,10 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "ui/support/SteadyFrames.h"
-
-/// Asked by the address sanitizer, which is there in some builds: what Qt and the fonts keep until the
-/// end is no leak of ours, and can't be told from one.
+/// Asked by the address sanitizer, which is there in some builds: what Qt and the fonts keep until
+/// the end is no leak of ours, and can't be told from one.
 extern "C" const char* __asan_default_options();
 extern "C" const char* __asan_default_options() {
     return "detect_leaks=0";
@@ -17,7 +15,6 @@ int main(int argc, char** argv) {
     // Each move of a finger arrives as itself; a slow machine would make one of several.
     qputenv("QML_NO_TOUCH_COMPRESSION", "1");
     QGuiApplication application(argc, argv);
-    sweepwright::test::SteadyFrames::install();
     testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
 }

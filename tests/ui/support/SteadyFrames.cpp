@@ -8,11 +8,16 @@ namespace {
 constexpr qint64 kFrame = 16;  // milliseconds
 }
 
-SteadyFrames* SteadyFrames::installed_ = nullptr;
+SteadyFrames* SteadyFrames::current_ = nullptr;
 
-void SteadyFrames::install() {
-    installed_ = new SteadyFrames;  // never destroyed: animations end with the program
-    installed_->QAnimationDriver::install();
+SteadyFrames::SteadyFrames() {
+    current_ = this;
+    install();
+}
+
+SteadyFrames::~SteadyFrames() {
+    uninstall();
+    current_ = nullptr;
 }
 
 SteadyFrames::Hold::Hold() {
@@ -24,13 +29,13 @@ SteadyFrames::Hold::~Hold() {
 }
 
 void SteadyFrames::hold(int change) {
-    if (installed_ == nullptr) return;
-    installed_->holds_ += change;
-    installed_->runTimer();
+    if (current_ == nullptr) return;
+    current_->holds_ += change;
+    current_->runTimer();
 }
 
 void SteadyFrames::step() {
-    if (installed_ != nullptr) installed_->next();
+    if (current_ != nullptr) current_->next();
 }
 
 void SteadyFrames::next() {

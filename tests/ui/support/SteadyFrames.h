@@ -6,14 +6,17 @@
 
 namespace sweepwright::test {
 
-/// Lets animations see frames of a sixtieth of a second at most, however long the machine takes for
-/// one: between two looks at a moving thing it moves no further than that. On the main thread.
+/// While one lives, animations see frames of a sixtieth of a second at most, however long the
+/// machine takes for one: between two looks at a moving thing it moves no further than that. For
+/// tests that look at a thing on its way, but not for a finger's: what it lets go of goes on by the
+/// clock of its events. One at a time, on the main thread.
 class SteadyFrames : public QAnimationDriver {
   public:
-    /// From now on in this program.
-    static void install();
+    SteadyFrames();
+    ~SteadyFrames() override;
 
-    /// While one lives, frames come by step() alone. Both do nothing where it is not installed.
+    /// While one lives, frames come by step() alone. Both do nothing where there are no steady
+    /// ones.
     class Hold {
       public:
         Hold();
@@ -31,12 +34,11 @@ class SteadyFrames : public QAnimationDriver {
     void timerEvent(QTimerEvent* event) override;
 
   private:
-    SteadyFrames() = default;
     void next();
     static void hold(int change);
     void runTimer();
 
-    static SteadyFrames* installed_;
+    static SteadyFrames* current_;
     QBasicTimer timer_;
     QElapsedTimer sinceFrame_;
     qint64 elapsed_ = 0;  ///< milliseconds since start(), as animations see them
