@@ -30,8 +30,8 @@ def main():
         for suite, name in TEST.findall(source.read_text()):
             if wanted.search(f"{suite}.{name}"):
                 targets.add(target_of(source))
-                # Those with parameters stand between an instantiation's name and a parameter's.
-                filters.add(f"{suite}.{name}:*/{suite}.{name}/*")
+                # A test with parameters has their name behind its own, and may have a prefix.
+                filters.add(f"{suite}.{name}:{suite}.{name}/*:*/{suite}.{name}/*")
     if not targets:
         sys.exit(f"script/test: no test's name (Suite.Test) matches {sys.argv[1]}")
     print(*sorted(targets))
