@@ -310,8 +310,7 @@ TEST_F(AppListView, ReportsItsScrollingSoThatTheBarHides) {
     for (const InstalledApp& each : manyApps(60))
         install(app_.device, each);
     showTab();
-    swipe(app_, {195, 600}, {195, 250});
-    EXPECT_TRUE(app_.scene().tabBarIsHidden());
+    EXPECT_TRUE(swipeTurnsBar(app_, {195, 600}, {195, 250}, true));
 }
 
 TEST_F(AppListView, SelectsAndCleansABatchByTaps) {

@@ -294,10 +294,9 @@ TEST_F(HomeView, AWholeCleanGoesFromTheTapToTheRefreshedRing) {
 // --- Scrolling and room ---
 
 TEST_F(HomeView, TellsTheShellHowItScrolls) {
-    swipe(app_, {195, 560}, {195, 260});
-    EXPECT_TRUE(app_.scene().tabBarIsHidden());
-    swipe(app_, {195, 260}, {195, 420});
-    EXPECT_FALSE(app_.scene().tabBarIsHidden());
+    EXPECT_TRUE(swipeTurnsBar(app_, {195, 560}, {195, 260}, true));
+    app_.scene().hideTabBar();
+    EXPECT_TRUE(swipeTurnsBar(app_, {195, 260}, {195, 440}, false));
     ASSERT_TRUE(waitUntil([&] { return !app_.item("homePane")->property("moving").toBool(); }));
     EXPECT_DOUBLE_EQ(screen().scrolling()->lastContentOffsetY(),
                      app_.item("homePane")->property("offsetY").toDouble());

@@ -131,11 +131,10 @@ TEST_F(SettingsView, SpeaksAnotherLanguageAtOnce) {
 TEST_F(SettingsView, HidesTheBarOnTheWayDownAndShowsItOnTheWayUp) {
     TestApp app;
     show(app);
-    swipe(app, {195, 700}, {195, 400});
-    EXPECT_TRUE(app.scene().tabBarIsHidden());
+    EXPECT_TRUE(swipeTurnsBar(app, {195, 700}, {195, 400}, true));
     ASSERT_TRUE(still(app, "settingsList"));
-    swipe(app, {195, 300}, {195, 480});
-    EXPECT_FALSE(app.scene().tabBarIsHidden());
+    app.scene().hideTabBar();
+    EXPECT_TRUE(swipeTurnsBar(app, {195, 300}, {195, 480}, false));
 }
 
 TEST_F(SettingsView, WalksDownToTheLastRowByKeyboard) {
@@ -279,11 +278,10 @@ TEST_F(CleanHistoryView, HidesTheBarOnTheWayDownAndShowsItOnTheWayUp) {
     for (int i = 0; i < 40; ++i)
         record(app, CleanType::Cache, 1);
     show(app);
-    swipe(app, {195, 700}, {195, 400});
-    EXPECT_TRUE(app.scene().tabBarIsHidden());
+    EXPECT_TRUE(swipeTurnsBar(app, {195, 700}, {195, 400}, true));
     ASSERT_TRUE(still(app, "historyList"));
-    swipe(app, {195, 300}, {195, 480});
-    EXPECT_FALSE(app.scene().tabBarIsHidden());
+    app.scene().hideTabBar();
+    EXPECT_TRUE(swipeTurnsBar(app, {195, 300}, {195, 480}, false));
 }
 
 TEST_F(CleanHistoryView, NamesEverythingThatCanBePressed) {

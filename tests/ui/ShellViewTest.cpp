@@ -68,11 +68,11 @@ TEST_F(ShellView, HidesTheBarWhenAFingerScrollsDownAndShowsItAgainOnTheWayUp) {
     TestApp app({}, gallery("Apps"));
     app.show();
     const QQuickItem* bar = app.item("tabBar");
-    swipe(app, {195, 600}, {195, 250});
-    EXPECT_TRUE(app.scene().tabBarIsHidden());
+    EXPECT_TRUE(swipeTurnsBar(app, {195, 600}, {195, 250}, true));
+    app.scene().hideTabBar();
     EXPECT_TRUE(waitUntil([&] { return bar->y() == 844.0 + 85.0 - 65.0; }));
-    swipe(app, {195, 300}, {195, 480});
-    EXPECT_FALSE(app.scene().tabBarIsHidden());
+    EXPECT_TRUE(swipeTurnsBar(app, {195, 300}, {195, 480}, false));
+    app.scene().showTabBar();
     EXPECT_TRUE(waitUntil([&] { return bar->y() == 844.0 - 10.0 - 65.0; }));
 }
 

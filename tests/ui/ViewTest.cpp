@@ -36,6 +36,17 @@ void ViewTest::swipe(TestApp& app, QPoint from, QPoint to) {
     QTest::touchEvent(&app.window(), finger_).release(0, to);
 }
 
+bool ViewTest::swipeTurnsBar(TestApp& app, QPoint from, QPoint to, bool hidden) {
+    const ui::SceneDelegate& scene = app.scene();
+    bool turned = false;
+    const QMetaObject::Connection watch =
+        QObject::connect(&scene, &ui::SceneDelegate::tabBarIsHiddenChanged,
+                         [&] { turned |= scene.tabBarIsHidden() == hidden; });
+    swipe(app, from, to);
+    QObject::disconnect(watch);
+    return turned;
+}
+
 QQuickItem* ViewTest::button(TestApp& app, const char* text) {
     const QString wanted = QString::fromUtf8(text);
     QQuickItem* found = nullptr;

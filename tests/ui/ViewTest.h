@@ -25,6 +25,10 @@ class ViewTest : public testing::Test {
     void tap(TestApp& app, QPoint at);
     /// The finger moves from one point to another in twelve steps and lets go.
     void swipe(TestApp& app, QPoint from, QPoint to);
+    /// Such a swipe, and whether the bar came to be `hidden` on its way. What a list does when it
+    /// is let go of is its own: under load it may spring back by a move or two, and the bar with
+    /// it.
+    bool swipeTurnsBar(TestApp& app, QPoint from, QPoint to, bool hidden);
     void click(TestApp& app, const char* objectName) {
         QTest::mouseClick(&app.window(), Qt::LeftButton, {},
                           TestApp::middleOf(app.item(objectName)));
