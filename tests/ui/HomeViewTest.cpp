@@ -295,7 +295,6 @@ TEST_F(HomeView, AWholeCleanGoesFromTheTapToTheRefreshedRing) {
 
 TEST_F(HomeView, TellsTheShellHowItScrolls) {
     EXPECT_TRUE(swipeTurnsBar(app_, {195, 560}, {195, 260}, true));
-    app_.scene().hideTabBar();
     EXPECT_TRUE(swipeTurnsBar(app_, {195, 260}, {195, 440}, false));
     ASSERT_TRUE(waitUntil([&] { return !app_.item("homePane")->property("moving").toBool(); }));
     EXPECT_DOUBLE_EQ(screen().scrolling()->lastContentOffsetY(),

@@ -133,7 +133,6 @@ TEST_F(SettingsView, HidesTheBarOnTheWayDownAndShowsItOnTheWayUp) {
     show(app);
     EXPECT_TRUE(swipeTurnsBar(app, {195, 700}, {195, 400}, true));
     ASSERT_TRUE(still(app, "settingsList"));
-    app.scene().hideTabBar();
     EXPECT_TRUE(swipeTurnsBar(app, {195, 300}, {195, 480}, false));
 }
 
@@ -280,7 +279,6 @@ TEST_F(CleanHistoryView, HidesTheBarOnTheWayDownAndShowsItOnTheWayUp) {
     show(app);
     EXPECT_TRUE(swipeTurnsBar(app, {195, 700}, {195, 400}, true));
     ASSERT_TRUE(still(app, "historyList"));
-    app.scene().hideTabBar();
     EXPECT_TRUE(swipeTurnsBar(app, {195, 300}, {195, 480}, false));
 }
 

@@ -37,7 +37,8 @@ void ViewTest::swipe(TestApp& app, QPoint from, QPoint to) {
 }
 
 bool ViewTest::swipeTurnsBar(TestApp& app, QPoint from, QPoint to, bool hidden) {
-    const ui::SceneDelegate& scene = app.scene();
+    ui::SceneDelegate& scene = app.scene();
+    hidden ? scene.showTabBar() : scene.hideTabBar();
     bool turned = false;
     const QMetaObject::Connection watch =
         QObject::connect(&scene, &ui::SceneDelegate::tabBarIsHiddenChanged,
