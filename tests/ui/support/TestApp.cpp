@@ -1,6 +1,7 @@
 #include "ui/support/TestApp.h"
 
 #include <QTest>
+#include <algorithm>
 
 #include <gtest/gtest.h>
 
@@ -26,6 +27,12 @@ platform::DeviceOptions described(const TestAppOptions& options) {
     wanted.idiom = options.idiom;
     wanted.osVersion = platform::OperatingSystemVersion{options.osVersion, 0};
     return wanted;
+}
+
+bool isLoadingImages(const QQuickItem* item) {
+    constexpr int kLoading = 2;
+    if (item->inherits("QQuickImage") && item->property("status").toInt() == kLoading) return true;
+    return std::ranges::any_of(item->childItems(), isLoadingImages);
 }
 
 }  // namespace
@@ -63,8 +70,11 @@ TestApp::~TestApp() {
     view_.reset();
 }
 
-QQuickView& TestApp::show(QSize size) {
-    view_ = std::make_unique<QQuickView>();
+void TestApp::load(std::unique_ptr<QQuickView> view, QSize size) {
+    view_ = std::move(view);
+    // The process keeps pictures by their addresses, and an app before this one had the same.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    view_->releaseResources();
     ui::prepareEngine(*view_->engine(), icons);
     view_->setResizeMode(QQuickView::SizeRootObjectToView);
     view_->setInitialProperties({{QStringLiteral("scene"), QVariant::fromValue(scene_.get())}});
@@ -72,12 +82,41 @@ QQuickView& TestApp::show(QSize size) {
     for (const QQmlError& error : view_->errors())
         ADD_FAILURE() << qPrintable(error.toString());
     view_->resize(size);
+}
+
+QQuickView& TestApp::show(QSize size) {
+    load(std::make_unique<QQuickView>(), size);
     view_->show();
     EXPECT_TRUE(QTest::qWaitForWindowExposed(view_.get()));
     view_->requestActivate();
     EXPECT_TRUE(QTest::qWaitForWindowActive(view_.get()));
     scene_->sceneWillConnect();
     return *view_;
+}
+
+QQuickView& TestApp::showOn(QQuickRenderControl& control, QSize size) {
+    control_ = &control;
+    load(std::make_unique<QQuickView>(QUrl(), &control), size);
+    // What a display would tell the window.
+    QResizeEvent resized(size, QSize());
+    QCoreApplication::sendEvent(view_.get(), &resized);
+    QFocusEvent focused(QEvent::FocusIn, Qt::ActiveWindowFocusReason);
+    QCoreApplication::sendEvent(view_.get(), &focused);
+    scene_->sceneWillConnect();
+    return *view_;
+}
+
+void TestApp::settle() {
+    bool changed = false;
+    const auto watch = QObject::connect(control_, &QQuickRenderControl::sceneChanged,
+                                        [&changed] { changed = true; });
+    EXPECT_TRUE(waitUntil([&] {
+        changed = false;
+        QCoreApplication::processEvents();
+        control_->polishItems();
+        return !changed && !isLoadingImages(view_->contentItem());
+    }));
+    QObject::disconnect(watch);
 }
 
 QQuickItem* TestApp::item(const char* objectName) const {
