@@ -144,7 +144,7 @@ TEST(AppBatchClean, WhatAnInterruptedAppFreedCountsInTheSumAlone) {
     files.before([](Operation, const std::string& path) {
         if (path == AppsDevice::containerPath("CA") + "/tmp") throw std::runtime_error("boom");
     });
-    ThirdPartyAppCacheManager manager(device.services(files, device.eraser));
+    ThirdPartyAppCacheManager manager(device.services(files, device.deviceEraser));
     const auto outcome = device.cleanBatch(manager, {kA, kB});
     EXPECT_TRUE(outcome.success);
     EXPECT_EQ(outcome.bytes, 120U);
@@ -259,7 +259,7 @@ TEST(AppCleanAll, AnAppWhitelistedByAnotherProcessIsSpared) {
     AppsDevice device;
     installTwo(device);
     ThirdPartyAppCacheManager manager(device.services());
-    platform::UserDefaults ofAnother(device.tree.files(), AppsDevice::kDefaultsFile);
+    platform::UserDefaults ofAnother(device.tree.files(), device.device.userDefaultsFile());
     AppWhitelistManager another(ofAnother);
     ASSERT_TRUE(another.addAppToWhitelist(kA).has_value());
     EXPECT_EQ(device.cleanAll(manager).bytes, 20U);

@@ -48,7 +48,7 @@ TEST(AppCleanFailure, AListingThatFailsIsLoggedAndCountsNothing) {
     FaultyFileManager faulty(device.files, {Operation::ReadEntries});
     faulty.failWhere([&](Operation, const std::string& path) { return path == data + "/tmp"; },
                      EIO);
-    ThirdPartyAppCacheManager manager(device.services(faulty, device.eraser));
+    ThirdPartyAppCacheManager manager(device.services(faulty, device.deviceEraser));
     const LogCapture log;
     EXPECT_EQ(device.clean(manager, kApp).bytes, 0U);
     EXPECT_EQ(log.lines().at(1),
@@ -145,7 +145,7 @@ TEST(AppCleanFailure, AnExceptionMidwayEndsTheCleanWithWhatItFreed) {
     files.before([&](Operation, const std::string& path) {
         if (path == data + "/tmp") throw std::runtime_error("memory is out");
     });
-    ThirdPartyAppCacheManager manager(device.services(files, device.eraser));
+    ThirdPartyAppCacheManager manager(device.services(files, device.deviceEraser));
     const LogCapture log;
     const auto outcome = device.clean(manager, kApp);
     EXPECT_FALSE(outcome.success);
@@ -164,7 +164,7 @@ TEST(AppCleanFailure, AnExceptionWithoutReasonIsAFailedClean) {
     files.before([&](Operation, const std::string& path) {
         if (path == data + "/tmp") throw 5;
     });
-    ThirdPartyAppCacheManager manager(device.services(files, device.eraser));
+    ThirdPartyAppCacheManager manager(device.services(files, device.deviceEraser));
     EXPECT_EQ(device.clean(manager, kApp).error,
               (platform::Error{"ThirdPartyAppCacheManager", -2, "清理失败"}));
 }

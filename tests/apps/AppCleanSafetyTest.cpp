@@ -237,7 +237,7 @@ TEST(AppCleanSafety, APathProtectedByAnotherProcessStays) {
     const std::string data = device.container("C1", kApp);
     device.tree.file(data + "/tmp/keep", 10);
     ThirdPartyAppCacheManager manager(device.services());
-    platform::UserDefaults ofAnother(device.tree.files(), AppsDevice::kDefaultsFile);
+    platform::UserDefaults ofAnother(device.tree.files(), device.device.userDefaultsFile());
     PathWhitelistManager another(ofAnother);
     ASSERT_TRUE(another.addPathToWhitelist(data + "/tmp/keep").has_value());
     EXPECT_EQ(device.clean(manager, kApp).bytes, 0U);

@@ -150,7 +150,7 @@ TEST(AppCleaning, ACleanThatFreesNothingLeavesNoTrace) {
     EXPECT_EQ(posts, 0);
     EXPECT_THAT(device.history.getAllCleanHistory(), IsEmpty());
     EXPECT_EQ(device.statistics.totals().cleanCount, 0);
-    EXPECT_FALSE(device.tree.exists(AppsDevice::kDefaultsFile));
+    EXPECT_FALSE(device.tree.exists(device.device.userDefaultsFile()));
     EXPECT_EQ(manager.getInstalledAppCount(), 1U);
 }
 

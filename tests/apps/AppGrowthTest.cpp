@@ -77,7 +77,7 @@ TEST(AppGrowth, APreviewGrowsLinearly) {
     expectLinear([](AppsDevice& device, ThirdPartyAppCacheManager&, FaultyFileManager& counting,
                     const auto& identifiers) {
         const auto preview =
-            previewAppsClean(device.services(counting, device.eraser), identifiers);
+            previewAppsClean(device.services(counting, device.deviceEraser), identifiers);
         ASSERT_TRUE(preview.has_value());
         EXPECT_EQ(preview->wouldFree, 2 * identifiers.size() + 1);
     });

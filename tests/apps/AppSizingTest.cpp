@@ -182,7 +182,7 @@ TEST(AppSizing, WhatCannotBeReadCountsNothing) {
             return path.ends_with("/b") || path.ends_with("/d");
         },
         EACCES);
-    ThirdPartyAppCacheManager manager(device.services(faulty, device.eraser));
+    ThirdPartyAppCacheManager manager(device.services(faulty, device.deviceEraser));
     EXPECT_EQ(manager.sizeOfDirectoryAtPath("/top"), 1U);
     EXPECT_EQ(manager.sizeOfDirectoryAtPath("/absent"), 0U);
     EXPECT_EQ(manager.sizeOfDirectoryAtPath("/top/a"), 0U);

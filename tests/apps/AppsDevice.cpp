@@ -38,14 +38,6 @@ class RefusingCommands final : public platform::CommandRunner {
     }
 };
 
-class NoWebStorage final : public platform::WebStorage {
-  public:
-    platform::Result<> removeAllCachedResponses() override { return {}; }
-    platform::Result<> deleteAllCookies() override { return {}; }
-};
-
-NoWebStorage noWebStorage;
-
 platform::Result<std::optional<platform::ApplicationWorkspace::Applications>> proxiesOf(
     const FakeWorkspace::Apps& apps) {
     if (!apps) return std::unexpected(apps.error());
@@ -117,7 +109,11 @@ platform::Result<std::span<const platform::DirectoryEntry>> OrderedFileManager::
 }
 
 AppsDevice::AppsDevice(platform::Idiom idiom)
-    : device(openDevice(tree, idiom)), eraser(files, noCommands(), noWebStorage) {}
+    : DeviceServices(openDevice(tree, idiom), files, tree.files()) {
+    commands.answer([](const FakeCommandRunner::Command& command) {
+        return noCommands().run(command.text, command.folder);
+    });
+}
 
 std::string AppsDevice::containerPath(const std::string& name) {
     return "/var/mobile/Containers/Data/Application/" + name;

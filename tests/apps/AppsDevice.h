@@ -8,11 +8,10 @@
 #include <utility>
 #include <vector>
 
-#include "apps/ThirdPartyAppCacheManager.h"
 #include "platform/ForwardingFileManager.h"
 #include "platform/PropertyList.h"
-#include "platform/UserDefaults.h"
 #include "support/TemporaryDevice.h"
+#include "support/engine/DeviceServices.h"
 
 namespace sweepwright::test {
 
@@ -78,11 +77,15 @@ struct CleanOutcome {
     std::vector<std::pair<std::string, double>> progress;
 };
 
-/// A device with apps, in a temporary folder, and all that an app manager works with.
-class AppsDevice {
-  public:
-    static constexpr auto kDefaultsFile = "/var/mobile/Library/Preferences/test.plist";
+/// A device's tree, read in order.
+struct OrderedTree {
+    TemporaryDevice tree;
+    OrderedFileManager files{tree.files()};
+};
 
+/// A device with apps, in a temporary folder, and all that an app manager works with.
+class AppsDevice : public OrderedTree, public DeviceServices {
+  public:
     explicit AppsDevice(platform::Idiom idiom = platform::Idiom::Phone);
 
     /// A data container with metadata that names `identifier`; its path.
@@ -96,7 +99,7 @@ class AppsDevice {
 
     /// What an app manager over `files`, which removes for good through them, works with.
     AppServices services(platform::FileManager& files, Eraser& eraser);
-    AppServices services() { return services(files, eraser); }
+    AppServices services() { return services(files, deviceEraser); }
 
     /// Starts and waits, running the main queue.
     ThirdPartyAppCacheManager::AppList scanAll(ThirdPartyAppCacheManager& manager);
@@ -106,21 +109,9 @@ class AppsDevice {
                             const std::vector<std::string>& identifiers);
     CleanOutcome cleanAll(ThirdPartyAppCacheManager& manager);
 
-    TemporaryDevice tree;
     TemporaryFolder resourceFolder;
-    OrderedFileManager files{tree.files()};
-    platform::Device device;
     FakeWorkspace workspace;
     platform::ResourceBundle resources{resourceFolder.path()};
-    platform::UserDefaults defaults{tree.files(), kDefaultsFile};
-    AppWhitelistManager appWhitelist{defaults};
-    PathWhitelistManager pathWhitelist{defaults};
-    CleanHistoryManager history{defaults};
-    CleanStatistics statistics{defaults};
-    CleanLock lock{tree.files(), CleanLock::fileBeside(kDefaultsFile)};
-    platform::NotificationCenter notifications;
-    platform::MainQueue mainQueue;
-    DeviceEraser eraser;
 
   private:
     CleanOutcome waitFor(const std::function<void(ThirdPartyAppCacheManager::Progress,

@@ -28,8 +28,8 @@ using testing::Not;
 constexpr int kDeepClean = 100;  ///< beside the clean types
 
 platform::Result<CleanPreview> previewOf(EngineDevice& device, int type) {
-    return type == kDeepClean ? previewDeepClean(device.services())
-                              : previewClean(device.services(), static_cast<CleanType>(type));
+    return type == kDeepClean ? previewDeepClean(device.engineServices())
+                              : previewClean(device.engineServices(), static_cast<CleanType>(type));
 }
 
 EngineDevice::Outcome cleanOf(EngineDevice& device, int type) {
@@ -172,9 +172,9 @@ RC_GTEST_PROP(CleanPreviewProperty, ACleanFreesWhatTheScanThenMisses, ()) {
 RC_GTEST_PROP(CleanPreviewProperty, NothingProtectedEverGoes, ()) {
     const RandomDevice description = RandomDevice::generate();
     const auto device = description.build();
-    const auto places = ProtectedPlaces::find(device->tree.files(), device->whitelist);
+    const auto places = ProtectedPlaces::find(device->tree.files(), device->pathWhitelist);
     const auto isProtected = [&](const std::string& path) {
-        return device->whitelist.isPathInWhitelist(path) || places.whitelisted.touches(path);
+        return device->pathWhitelist.isPathInWhitelist(path) || places.whitelisted.touches(path);
     };
     std::vector<std::string> shielded;
     for (const std::string& path : device->everything())
@@ -237,7 +237,7 @@ using CleanPreviewTest = EngineTest;
 TEST_F(CleanPreviewTest, EntriesComeInTheirOrderWithTheirSizes) {
     d_.tree.file(d_.library("Logs/CrashReporter/a"), 10);
     d_.tree.file(d_.library("Logs/DiagnosticReports/sub/b"), 100);
-    const auto preview = previewClean(d_.services(), CleanType::CrashReports);
+    const auto preview = previewClean(d_.engineServices(), CleanType::CrashReports);
     ASSERT_TRUE(preview.has_value());
     EXPECT_EQ(preview->wouldFree, 110U);
     EXPECT_THAT(preview->entries,
@@ -256,7 +256,7 @@ TEST_F(CleanPreviewTest, WhatStaysIsToldOnceWithItsReason) {
     d_.tree.file(d_.library("y.db-wal"), 1);
     ASSERT_TRUE(d_.tree.files().setModificationDate(d_.library("y.db-wal"), d_.time).has_value());
     d_.protect(EngineDevice::shared("GeoServices-cache/a"));
-    const auto preview = previewClean(d_.services(), CleanType::All);
+    const auto preview = previewClean(d_.engineServices(), CleanType::All);
     ASSERT_TRUE(preview.has_value());
     std::vector<std::string> told;
     for (const auto& kept : preview->kept)
@@ -290,7 +290,7 @@ TEST_F(CleanPreviewTest, WhatAnEarlierStepWouldTakeCountsOnce) {
     d_.addCustomPath("/var/mine");
     d_.addCustomPath("/var/mine/sub");
     d_.addCustomPath("/var/mine/");
-    const auto preview = previewClean(d_.services(), CleanType::All);
+    const auto preview = previewClean(d_.engineServices(), CleanType::All);
     EXPECT_EQ(preview->wouldFree, 110U);
 }
 
@@ -298,8 +298,8 @@ TEST_F(CleanPreviewTest, WhatOneStepKeepsAndAnotherTakesIsNotToldToStay) {
     d_.tree.file(d_.temporary("sub/x.db"), 10);
     d_.tree.file(d_.temporary("sub/a"), 1);
     d_.addCustomPath(d_.temporary("sub"));
-    EXPECT_THAT(previewClean(d_.services(), CleanType::Cache)->kept, testing::SizeIs(1));
-    const auto preview = previewClean(d_.services(), CleanType::All);
+    EXPECT_THAT(previewClean(d_.engineServices(), CleanType::Cache)->kept, testing::SizeIs(1));
+    const auto preview = previewClean(d_.engineServices(), CleanType::All);
     EXPECT_EQ(preview->wouldFree, 11U);
     EXPECT_THAT(preview->kept, IsEmpty());
 }
@@ -307,7 +307,7 @@ TEST_F(CleanPreviewTest, WhatOneStepKeepsAndAnotherTakesIsNotToldToStay) {
 TEST_F(CleanPreviewTest, ALinkWhoseTargetWouldGoIsStillALink) {
     d_.tree.file(d_.temporary("a/x"), 10);
     d_.tree.link(d_.temporary("b"), d_.temporary("a"));
-    const auto preview = previewClean(d_.services(), CleanType::TempFiles);
+    const auto preview = previewClean(d_.engineServices(), CleanType::TempFiles);
     EXPECT_THAT(preview->entries, ElementsAre(CleanPreview::Entry{d_.temporary("a"), 10}));
     ASSERT_EQ(preview->kept.size(), 1U);
     EXPECT_EQ(preview->kept[0].path, d_.temporary("b"));
@@ -317,10 +317,10 @@ TEST_F(CleanPreviewTest, ALinkWhoseTargetWouldGoIsStillALink) {
 TEST_F(CleanPreviewTest, ItFailsAsTheCleanWouldWhenAProtectionListCannotBeRead) {
     d_.tree.file(d_.temporary("a"), 10);
     ASSERT_TRUE(d_.defaults.set("PathWhitelistPaths", std::string("not a list")).has_value());
-    const auto preview = previewClean(d_.services(), CleanType::TempFiles);
+    const auto preview = previewClean(d_.engineServices(), CleanType::TempFiles);
     ASSERT_FALSE(preview.has_value());
     EXPECT_EQ(preview.error(), d_.clean(CleanType::TempFiles).error);
-    EXPECT_FALSE(previewDeepClean(d_.services()).has_value());
+    EXPECT_FALSE(previewDeepClean(d_.engineServices()).has_value());
 }
 
 }  // namespace

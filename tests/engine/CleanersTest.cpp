@@ -209,7 +209,7 @@ class SecondThoughts final : public FileCleanerEngine {
 
 TEST_F(CleanersTest, ASharedCacheWhitelistedBetweenTwoQuestionsStays) {
     d_.tree.file(EngineDevice::shared("SomeCache/a"), 10);
-    SecondThoughts engine(d_.services(), EngineDevice::shared("SomeCache"));
+    SecondThoughts engine(d_.engineServices(), EngineDevice::shared("SomeCache"));
     FileCleanerEngine::ErrorSlot error;
     EXPECT_EQ(engine.cleanCacheWithProgress({}, error), 0U);
     EXPECT_TRUE(isThere(EngineDevice::shared("SomeCache/a")));

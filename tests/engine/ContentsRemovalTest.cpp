@@ -83,7 +83,7 @@ TEST_F(ContentsRemovalTest, OnlyThePlainEntryOfAMixedDirectoryGoes) {
     d_.tree.link("/var/t/link", "/var/t/kept");
     d_.tree.file("/var/t/data.db", 100);
     d_.tree.file("/var/t/x.tmp", 1'000);
-    OnePathEngine engine(d_.services(), "/var/t/kept");
+    OnePathEngine engine(d_.engineServices(), "/var/t/kept");
     const auto names = d_.tree.files().contentsOfDirectory("/var/t").value();
     const auto place = std::ranges::find(names, "x.tmp") - names.begin() + 1;
     EXPECT_THAT(progressOf(engine, "/var/t"),

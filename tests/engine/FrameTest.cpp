@@ -190,7 +190,7 @@ TEST_F(FrameTest, EntryPointsTakeEmptyCallbacks) {
 
 TEST_F(FrameTest, EachTypeCallsItsOwnCleaner) {
     for (int type = 0; type <= 8; ++type) {
-        ScriptedEngine engine(d_.services());
+        ScriptedEngine engine(d_.engineServices());
         engine.freed.fill(1);
         engine.freed.at(static_cast<std::size_t>(type)) = 77;
         const auto outcome = d_.clean(engine, static_cast<CleanType>(type));
@@ -202,7 +202,7 @@ TEST_F(FrameTest, EachTypeCallsItsOwnCleaner) {
 }
 
 TEST_F(FrameTest, AllRunsTheNineInOrderAndAddsUp) {
-    ScriptedEngine engine(d_.services());
+    ScriptedEngine engine(d_.engineServices());
     engine.freed = {1, 2, 4, 8, 16, 32, 64, 128, 256};
     const auto outcome = d_.clean(engine, CleanType::All);
     EXPECT_THAT(engine.calls, ElementsAre(0, 1, 2, 3, 4, 5, 6, 7, 8));
@@ -211,7 +211,7 @@ TEST_F(FrameTest, AllRunsTheNineInOrderAndAddsUp) {
 }
 
 TEST_F(FrameTest, AllGoesOnPastErrorsAndReportsTheLastOne) {
-    ScriptedEngine engine(d_.services());
+    ScriptedEngine engine(d_.engineServices());
     engine.freed.fill(5);
     engine.errors[2] = {"Test", 2, "second"};
     engine.errors[6] = {"Test", 6, "sixth"};
@@ -230,7 +230,7 @@ TEST_F(FrameTest, AllGoesOnPastErrorsAndReportsTheLastOne) {
 }
 
 TEST_F(FrameTest, OneFailedCategoryRecordsNothingThoughItFreedBytes) {
-    ScriptedEngine engine(d_.services());
+    ScriptedEngine engine(d_.engineServices());
     engine.freed.fill(5);
     engine.errors[3] = {"Test", 3, "third"};
     const auto outcome = d_.clean(engine, CleanType::SystemLogs);
@@ -353,7 +353,7 @@ TEST_F(FrameTest, ProgressAndCompletionArriveOnTheMainQueueInThatOrder) {
 }
 
 TEST_F(FrameTest, ProgressIsHandedToTheCleanersUnchanged) {
-    ScriptedEngine engine(d_.services());
+    ScriptedEngine engine(d_.engineServices());
     std::vector<std::string> heard;
     d_.clean(engine, CleanType::All, [&](const std::string& item, double fraction) {
         heard.push_back(item);
@@ -372,7 +372,7 @@ TEST_F(FrameTest, AScanAfterACleanSeesTheCleanedState) {
 }
 
 TEST_F(FrameTest, CleansRunOneAfterTheOtherInTheOrderAskedFor) {
-    ScriptedEngine engine(d_.services());
+    ScriptedEngine engine(d_.engineServices());
     int done = 0;
     for (int type = 0; type < 8; ++type)
         engine.cleanWithType(static_cast<CleanType>(type), {},

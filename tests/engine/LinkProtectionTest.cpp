@@ -23,7 +23,7 @@ class LinkProtectionTest : public EngineTest {
     }
 
     bool leads(const std::string& path) {
-        return ProtectedPlaces::find(d_.files, d_.whitelist)
+        return ProtectedPlaces::find(d_.files, d_.pathWhitelist)
             .whitelisted.touches(d_.files.resolvedPath(path).value_or(path));
     }
     std::uint64_t empty(const std::string& path) {
@@ -157,8 +157,8 @@ TEST_F(LinkProtectionTest, AnOpenDirectoryIsProtectedByWhereItLiesAndNotByItsPat
     move("/var/mobile/keep", "/var/mobile/x");
     move("/var/mobile/free", "/var/mobile/keep");
     move("/var/mobile/x", "/var/mobile/free");
-    EXPECT_FALSE(LinkProtection(d_.files, d_.whitelist, keep).coversDirectory());
-    EXPECT_TRUE(LinkProtection(d_.files, d_.whitelist, free).coversDirectory());
+    EXPECT_FALSE(LinkProtection(d_.files, d_.pathWhitelist, keep).coversDirectory());
+    EXPECT_TRUE(LinkProtection(d_.files, d_.pathWhitelist, free).coversDirectory());
 }
 
 TEST_F(LinkProtectionTest, EntriesAreProtectedOneByOne) {
@@ -166,7 +166,7 @@ TEST_F(LinkProtectionTest, EntriesAreProtectedOneByOne) {
     d_.protect("/var/mobile/keep");
     const auto mobile =
         d_.tree.files().openDirectory("/private/var/mobile", LastLink::Refuse).value();
-    const LinkProtection protection(d_.files, d_.whitelist, mobile);
+    const LinkProtection protection(d_.files, d_.pathWhitelist, mobile);
     EXPECT_TRUE(protection.coversDirectory());
     EXPECT_TRUE(protection.covers("keep"));
     EXPECT_FALSE(protection.covers("keeper"));
@@ -176,7 +176,7 @@ TEST_F(LinkProtectionTest, ADirectoryThatIsGoneIsProtectedBecauseNobodyCanTellWh
     d_.tree.folder("/var/mobile/gone");
     const auto gone = d_.tree.files().openDirectory("/var/mobile/gone", LastLink::Refuse).value();
     std::filesystem::remove(d_.tree.host("/var/mobile/gone"));
-    const LinkProtection protection(d_.files, d_.whitelist, gone);
+    const LinkProtection protection(d_.files, d_.pathWhitelist, gone);
     EXPECT_TRUE(protection.coversDirectory());
     EXPECT_TRUE(protection.covers("a"));
 }
@@ -186,7 +186,7 @@ TEST_F(LinkProtectionTest, ADirectoryMovedOutOfTheDeviceIsProtected) {
     d_.tree.folder("/var/mobile/moved");
     const auto moved = d_.tree.files().openDirectory("/var/mobile/moved", LastLink::Refuse).value();
     std::filesystem::rename(d_.tree.host("/var/mobile/moved"), outside.path() + "/moved");
-    EXPECT_TRUE(LinkProtection(d_.files, d_.whitelist, moved).coversDirectory());
+    EXPECT_TRUE(LinkProtection(d_.files, d_.pathWhitelist, moved).coversDirectory());
 }
 
 TEST_F(LinkProtectionTest, WhereTheHostCannotTellThePathIsResolved) {
@@ -198,7 +198,7 @@ TEST_F(LinkProtectionTest, WhereTheHostCannotTellThePathIsResolved) {
         EPERM);
     const auto covers = [&](const std::string& path) {
         const auto opened = d_.tree.files().openDirectory(path, LastLink::Refuse).value();
-        return LinkProtection(d_.files, d_.whitelist, opened).coversDirectory();
+        return LinkProtection(d_.files, d_.pathWhitelist, opened).coversDirectory();
     };
     EXPECT_TRUE(covers("/private/var/mobile/keep"));
     EXPECT_FALSE(covers("/private/var/mobile/free"));
@@ -208,7 +208,7 @@ TEST_F(LinkProtectionTest, WhoProtectsAPathIsTold) {
     d_.tree.file("/var/mobile/keep/a", 10);
     d_.protect("/var/mobile/keep/");
     const auto by = [&](const std::string& path) {
-        return protectingPath(d_.files, d_.whitelist, path);
+        return protectingPath(d_.files, d_.pathWhitelist, path);
     };
     EXPECT_EQ(by("/var/mobile/keep"), "/var/mobile/keep");
     EXPECT_EQ(by("/var/mobile/keep/a/"), "/var/mobile/keep");

@@ -123,10 +123,10 @@ class MountPoints : public testing::TestWithParam<int> {
             case test::kDeep:
                 return previewDeepClean(worker.engineServices());
             case test::kOneApp:
-                return previewAppsClean(worker.appServices(), {"com.example.one"});
+                return previewAppsClean(worker.appServices(worker.resources), {"com.example.one"});
             case test::kAppBatch:
             case test::kAllApps:
-                return previewAppsClean(worker.appServices(),
+                return previewAppsClean(worker.appServices(worker.resources),
                                         {"com.example.one", "com.example.two"});
             default:
                 return previewClean(worker.engineServices(), static_cast<CleanType>(GetParam()));

@@ -11,7 +11,6 @@
 #include <unistd.h>
 
 #include "platform/PropertyList.h"
-#include "support/NoWorkspace.h"
 
 namespace sweepwright::test {
 
@@ -227,41 +226,9 @@ Worker::Worker(TemporaryDevice& tree, std::set<Operation> watched)
     : Worker(tree.root(), tree.files(), std::move(watched)) {}
 
 Worker::Worker(const std::string& root, platform::FileManager& target, std::set<Operation> watched)
-    : device(openDevice(root)),
-      files(target, std::move(watched)),
-      defaults(files, device.userDefaultsFile()),
-      pathWhitelist(defaults),
-      appWhitelist(defaults),
-      customPaths(defaults),
-      history(defaults),
-      statistics(defaults),
-      lock(files, CleanLock::fileBeside(device.userDefaultsFile())),
-      storage(device, files),
-      deviceEraser(files, commands, webStorage),
-      eraser(deviceEraser),
-      engine(engineServices()),
-      resources(root),
-      apps(appServices()) {}
-
-EngineServices Worker::engineServices() {
-    return {device,
-            files,
-            eraser,
-            pathWhitelist,
-            customPaths,
-            history,
-            statistics,
-            storage,
-            notifications,
-            mainQueue,
-            std::chrono::system_clock::now,
-            &lock};
-}
-
-AppServices Worker::appServices() {
-    return {device,        files,   eraser,     noWorkspace,   resources, appWhitelist,
-            pathWhitelist, history, statistics, notifications, mainQueue, &lock};
-}
+    : WatchedCalls{FaultyFileManager(target, std::move(watched))},
+      DeviceServices(openDevice(root), files, files),
+      resources(root) {}
 
 void Worker::start(int which, const FileCleanerEngine::Completion& completion) {
     switch (which) {

@@ -7,13 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "apps/ThirdPartyAppCacheManager.h"
-#include "engine/FileCleanerEngine.h"
-#include "platform/UserDefaults.h"
-#include "protection/AppWhitelistManager.h"
 #include "support/FaultyFileManager.h"
 #include "support/TemporaryDevice.h"
-#include "support/engine/EngineFakes.h"
+#include "support/engine/DeviceServices.h"
 
 namespace sweepwright::test {
 
@@ -62,23 +58,18 @@ class SmallDevice {
     std::string defaultsAtFirst_;
 };
 
+/// The calls of a process.
+struct WatchedCalls {
+    FaultyFileManager files;
+};
+
 /// What a process has that works on the device, every file-system call going through `files`.
-class Worker {
+class Worker : public WatchedCalls, public DeviceServices {
   public:
     explicit Worker(TemporaryDevice& tree, std::set<Operation> watched = everyOperation());
     /// On the same device as mounts made since it was opened look to a new process.
     Worker(const std::string& root, platform::FileManager& target,
            std::set<Operation> watched = everyOperation());
-
-    platform::Device device;
-    FaultyFileManager files;
-    platform::UserDefaults defaults;
-    PathWhitelistManager pathWhitelist;
-    AppWhitelistManager appWhitelist;
-    CustomPathManager customPaths;
-    CleanHistoryManager history;
-    CleanStatistics statistics;
-    CleanLock lock;
 
     struct Outcome {
         bool success = false;
@@ -91,19 +82,9 @@ class Worker {
     void failNext(std::uint64_t n, int number) { files.failAt(files.calls() + n, number); }
     void failFromNext(std::uint64_t n, int number) { files.failFrom(files.calls() + n, number); }
 
-    EngineServices engineServices();
-    AppServices appServices();
-
-    StorageAnalyzer storage;
-    platform::NotificationCenter notifications;
-    platform::MainQueue mainQueue;
-    FakeCommandRunner commands;
-    FakeWebStorage webStorage;
-    DeviceEraser deviceEraser;
-    ForwardingEraser eraser;
-    FileCleanerEngine engine;
+    FileCleanerEngine engine{engineServices()};
     platform::ResourceBundle resources;
-    ThirdPartyAppCacheManager apps;
+    ThirdPartyAppCacheManager apps{appServices(resources)};
 
   private:
     void start(int which, const FileCleanerEngine::Completion& completion);

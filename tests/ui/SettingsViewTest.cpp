@@ -99,14 +99,14 @@ TEST_F(SettingsView, TypesProtectsAndRemovesAPath) {
         QTest::keyClick(&app.window(), letter);
     tap(app, TestApp::middleOf(button(app, "Add")));
     ASSERT_TRUE(alone(app));
-    EXPECT_EQ(app.core.whitelist.getUserDefinedPaths(), std::vector<std::string>{"/var/x"});
+    EXPECT_EQ(app.core.pathWhitelist.getUserDefinedPaths(), std::vector<std::string>{"/var/x"});
     tapRow(app, "row3001");
     tap(app, TestApp::middleOf(button(app, "View Paths")));
     ASSERT_TRUE(onlyOne(app));
     tap(app, TestApp::middleOf(button(app, "/var/x")));
     ASSERT_TRUE(onlyOne(app));
     tap(app, TestApp::middleOf(button(app, "Remove")));
-    EXPECT_TRUE(app.core.whitelist.getUserDefinedPaths().empty());
+    EXPECT_TRUE(app.core.pathWhitelist.getUserDefinedPaths().empty());
     ASSERT_TRUE(alone(app));
     EXPECT_EQ(app.item("row3001")->property("subtitle").toString(),
               QLatin1String("Paths protected: 3"));

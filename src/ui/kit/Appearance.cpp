@@ -1,11 +1,5 @@
 #include "ui/kit/Appearance.h"
 
-#include <QDBusConnection>
-#include <QDBusConnectionInterface>
-#include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
-#include <QDBusVariant>
 #include <QEvent>
 #include <QFont>
 #include <QGuiApplication>
@@ -13,18 +7,12 @@
 #include <QPalette>
 #include <algorithm>
 
+#include "ui/kit/SettingsPortal.h"
+
 namespace sweepwright::ui {
 
 namespace {
 
-const QString kService = QStringLiteral("org.freedesktop.portal.Desktop");
-const QString kPath = QStringLiteral("/org/freedesktop/portal/desktop");
-const QString kInterface = QStringLiteral("org.freedesktop.portal.Settings");
-const QString kAppearanceGroup = QStringLiteral("org.freedesktop.appearance");
-const QString kGnomeGroup = QStringLiteral("org.gnome.desktop.interface");
-const QString kColorScheme = QStringLiteral("color-scheme");
-const QString kTextScaling = QStringLiteral("text-scaling-factor");
-const QString kAnimations = QStringLiteral("enable-animations");
 constexpr uint kPreferDark = 1;
 constexpr uint kPreferLight = 2;
 
@@ -45,51 +33,7 @@ double scaleOfFont() {
     return std::max(points / kLargestUsualFont, 1.0);
 }
 
-// A portal wraps a value in one variant or, in its older form, in two.
-QVariant unwrapped(QVariant value) {
-    while (value.canConvert<QDBusVariant>())
-        value = value.value<QDBusVariant>().variant();
-    return value;
-}
-
 }  // namespace
-
-// Asks for each setting once and hears of every change.
-class Appearance::Portal : public QObject {
-    Q_OBJECT
-
-  public:
-    explicit Portal(Appearance& owner) : QObject(&owner), owner_(owner) {
-        QDBusConnection bus = QDBusConnection::sessionBus();
-        if (!bus.isConnected()) return;
-        bus.connect(kService, kPath, kInterface, QStringLiteral("SettingChanged"), this,
-                    SLOT(settingChanged(QString, QString, QDBusVariant)));
-        ask(kAppearanceGroup, kColorScheme);
-        ask(kGnomeGroup, kTextScaling);
-        ask(kGnomeGroup, kAnimations);
-    }
-
-  private Q_SLOTS:
-    void settingChanged(const QString& group, const QString& key, const QDBusVariant& value) {
-        owner_.takeSetting(group, key, unwrapped(value.variant()));
-    }
-
-  private:
-    void ask(const QString& group, const QString& key) {
-        QDBusMessage call =
-            QDBusMessage::createMethodCall(kService, kPath, kInterface, QStringLiteral("Read"));
-        call << group << key;
-        auto* watcher =
-            new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call), this);
-        connect(watcher, &QDBusPendingCallWatcher::finished, this, [=, this] {
-            const QDBusPendingReply<QDBusVariant> reply = *watcher;
-            if (reply.isValid()) owner_.takeSetting(group, key, unwrapped(reply.value().variant()));
-            watcher->deleteLater();
-        });
-    }
-
-    Appearance& owner_;
-};
 
 Appearance::Appearance() {
     if (qApp != nullptr) qApp->installEventFilter(this);
@@ -146,22 +90,25 @@ void Appearance::setReducedMotion(std::optional<bool> reduced) {
 }
 
 void Appearance::followDesktop() {
-    if (portal_ == nullptr) portal_ = new Portal(*this);
+    if (portal_ != nullptr) return;
+    portal_ = new SettingsPortal(this);
+    connect(portal_, &SettingsPortal::settingRead, this, &Appearance::takeSetting);
+    portal_->start();
 }
 
 void Appearance::takeSetting(const QString& group, const QString& key, const QVariant& value) {
     change([&] {
-        if (group == kAppearanceGroup && key == kColorScheme) {
+        if (group == portal::kAppearanceGroup && key == portal::kColorScheme) {
             const uint scheme = value.toUInt();
             if (scheme == kPreferDark || scheme == kPreferLight) {
                 desktopDark_ = scheme == kPreferDark;
             } else {
                 desktopDark_.reset();
             }
-        } else if (group == kGnomeGroup && key == kTextScaling) {
+        } else if (group == portal::kGnomeGroup && key == portal::kTextScaling) {
             const double scale = value.toDouble();
             if (scale > 0.0) desktopTextScale_ = scale;
-        } else if (group == kGnomeGroup && key == kAnimations) {
+        } else if (group == portal::kGnomeGroup && key == portal::kAnimations) {
             desktopReducedMotion_ = !value.toBool();
         }
     });
@@ -176,5 +123,3 @@ bool Appearance::eventFilter(QObject* watched, QEvent* event) {
 }
 
 }  // namespace sweepwright::ui
-
-#include "Appearance.moc"

@@ -10,6 +10,8 @@ class QQmlEngine;
 
 namespace sweepwright::ui {
 
+class SettingsPortal;
+
 /// How the desktop wants things to look: light or dark, how large texts are, whether motion is
 /// welcome. What the desktop says can be overruled, by the command line and by tests.
 class Appearance : public QObject {
@@ -63,7 +65,6 @@ class Appearance : public QObject {
     // A constructor that the engine could call would win over create().
     Appearance();
 
-    class Portal;
     template <class Change>
     void change(const Change& apply);
 
@@ -73,7 +74,7 @@ class Appearance : public QObject {
     std::optional<bool> desktopDark_;
     std::optional<double> desktopTextScale_;
     std::optional<bool> desktopReducedMotion_;
-    Portal* portal_ = nullptr;
+    SettingsPortal* portal_ = nullptr;
 };
 
 }  // namespace sweepwright::ui

@@ -37,35 +37,9 @@ bool isOfProtectionLists(const std::string& line) {
 EngineDevice::EngineDevice(const std::string& home) : EngineDevice(withHome(home)) {}
 
 EngineDevice::EngineDevice(platform::DeviceOptions options)
-    : device(openDevice(tree, std::move(options))),
-      files(tree.files(), everyOperation()),
-      defaults(tree.files(), device.userDefaultsFile()),
-      time(std::chrono::system_clock::now()),
-      whitelist(defaults),
-      customPaths(defaults),
-      history(defaults, [this] { return time; }),
-      statistics(defaults, [this] { return time; }),
-      storage(device, files),
-      lock(tree.files(), CleanLock::fileBeside(device.userDefaultsFile())),
-      deviceEraser(files, commands, webStorage),
-      eraser(deviceEraser),
-      engine(services()) {
+    : DeviceServices(openDevice(tree, std::move(options)), files, tree.files(),
+                     [this] { return time; }) {
     tree.folder(library("Preferences"));
-}
-
-EngineServices EngineDevice::services() {
-    return {device,
-            files,
-            eraser,
-            whitelist,
-            customPaths,
-            history,
-            statistics,
-            storage,
-            notifications,
-            mainQueue,
-            [this] { return time; },
-            &lock};
 }
 
 std::string EngineDevice::home(const std::string& relative) const {
@@ -97,7 +71,7 @@ std::string EngineDevice::shared(const std::string& relative) {
 }
 
 void EngineDevice::protect(const std::string& path) {
-    EXPECT_TRUE(whitelist.addPathToWhitelist(path).has_value()) << path;
+    EXPECT_TRUE(pathWhitelist.addPathToWhitelist(path).has_value()) << path;
 }
 
 void EngineDevice::addCustomPath(const std::string& path) {

@@ -7,19 +7,23 @@
 #include <string_view>
 #include <vector>
 
-#include "engine/FileCleanerEngine.h"
 #include "platform/Log.h"
-#include "platform/UserDefaults.h"
 #include "support/FaultyFileManager.h"
 #include "support/TemporaryDevice.h"
-#include "support/engine/EngineFakes.h"
+#include "support/engine/DeviceServices.h"
 
 namespace sweepwright::test {
+
+/// A device's tree, and the calls on it.
+struct WatchedTree {
+    TemporaryDevice tree;
+    FaultyFileManager files{tree.files(), everyOperation()};
+};
 
 /// A temporary device with all that cleans work with, and an engine. Every file-system call of the
 /// engine goes through `files`, which counts them and can be made to fail; the user defaults are
 /// read and written past it.
-class EngineDevice {
+class EngineDevice : public WatchedTree, public DeviceServices {
   public:
     static constexpr const char* kHome = "/var/mobile/Containers/Data/Application/SELF";
     static constexpr const char* kSharedCaches = "/var/mobile/Library/Caches";
@@ -28,26 +32,8 @@ class EngineDevice {
     /// A device as described by `options`; its root folder is the temporary one.
     explicit EngineDevice(platform::DeviceOptions options);
 
-    TemporaryDevice tree;
-    platform::Device device;
-    FaultyFileManager files;
-    platform::UserDefaults defaults;
-    std::chrono::system_clock::time_point time;  ///< what time it is
-    PathWhitelistManager whitelist;
-    CustomPathManager customPaths;
-    CleanHistoryManager history;
-    CleanStatistics statistics;
-    StorageAnalyzer storage;
-    CleanLock lock;
-    platform::NotificationCenter notifications;
-    platform::MainQueue mainQueue;
-    FakeCommandRunner commands;
-    FakeWebStorage webStorage;
-    DeviceEraser deviceEraser;
-    ForwardingEraser eraser;
-    FileCleanerEngine engine;
-
-    [[nodiscard]] EngineServices services();
+    std::chrono::system_clock::time_point time = std::chrono::system_clock::now();  ///< now
+    FileCleanerEngine engine{engineServices()};
 
     // Device paths beneath the home directory.
     [[nodiscard]] std::string home(const std::string& relative) const;

@@ -9,8 +9,7 @@
 #include "engine/CleanPreview.h"
 #include "launch/SampleDevice.h"
 #include "platform/HostFileManager.h"
-#include "protection/CleanHistoryManager.h"
-#include "support/engine/EngineFakes.h"
+#include "support/engine/DeviceServices.h"
 #include "ui/endtoend/RunningApp.h"
 
 namespace sweepwright::test {
@@ -40,7 +39,7 @@ class SampleOnDisk {
     /// What a clean of everything would do now.
     [[nodiscard]] CleanPreview preview() {
         Opened device(root_);
-        const auto found = previewClean(device.services(), CleanType::All);
+        const auto found = previewClean(device.engineServices(), CleanType::All);
         EXPECT_TRUE(found.has_value());
         return found.value_or(CleanPreview{});
     }
@@ -52,32 +51,18 @@ class SampleOnDisk {
     }
 
   private:
-    struct Opened {
-        explicit Opened(const std::string& root) : device(open(root)), files(device.root()) {}
-        static platform::Device open(const std::string& root) {
-            platform::DeviceOptions options;
-            options.rootFolder = root;
-            return platform::Device::open(options).value();
-        }
-
-        platform::Device device;
+    static platform::Device open(const std::string& root) {
+        platform::DeviceOptions options;
+        options.rootFolder = root;
+        return platform::Device::open(options).value();
+    }
+    struct Calls {
         platform::HostFileManager files;
-        platform::UserDefaults defaults{files, device.userDefaultsFile()};
-        PathWhitelistManager whitelist{defaults};
-        CustomPathManager customPaths{defaults};
-        CleanHistoryManager history{defaults};
-        CleanStatistics statistics{defaults};
-        StorageAnalyzer storage{device, files};
-        FakeCommandRunner commands;
-        FakeWebStorage webStorage;
-        DeviceEraser eraser{files, commands, webStorage};
-        platform::NotificationCenter notifications;
-        platform::MainQueue mainQueue;
-
-        EngineServices services() {
-            return {device,  files,      eraser,  whitelist,     customPaths,
-                    history, statistics, storage, notifications, mainQueue};
-        }
+    };
+    struct Opened : Calls, DeviceServices {
+        explicit Opened(const std::string& root) : Opened(open(root)) {}
+        explicit Opened(const platform::Device& of)
+            : Calls{platform::HostFileManager(of.root())}, DeviceServices(of, files, files) {}
     };
 
     TemporaryFolder folder_;

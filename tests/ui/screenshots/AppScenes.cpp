@@ -10,8 +10,6 @@ namespace sweepwright::test {
 
 namespace {
 
-constexpr std::uint64_t kGiB = std::uint64_t{1} << 30U;
-
 ui::AppListViewController& screenOf(TestApp& app) {
     return *qobject_cast<ui::AppListViewController*>(app.scene().tabBarController()->at(1).root());
 }
@@ -24,17 +22,17 @@ void fill(TestApp& app) {
 }
 
 void fillWithExtremes(TestApp& app) {
-    install(app.device,
-            {"com.example.hoard", "Hoard", 2300 * kGiB, 700 * kGiB, plainIcon(180, 60, 200, 60)});
+    install(app.device, {"com.example.hoard", "Hoard", 2300 * kGigabyte, 700 * kGigabyte,
+                         plainIcon(180, 60, 200, 60)});
     install(app.device, {"com.example.long",
                          "Donaudampfschifffahrtsgesellschaftskapitänsmützenverwaltung für "
                          "unterwegs und zu Hause",
                          1023, 1025, plainIcon(40, 120, 220, 60)});
     install(app.device, {"com.example.an.identifier.without.any.name.that.goes.on.and.on.and.on",
-                         "", 5 * kGiB, 0, plainIcon(30, 160, 90, 60)});
+                         "", 5 * kGigabyte, 0, plainIcon(30, 160, 90, 60)});
     install(app.device, {"com.example.nothing", "Nothing", 0, 0, plainIcon(230, 150, 30, 60)});
     install(app.device, {"com.example.protected", "Ein sehr langer Name, der geschützt ist",
-                         77 * kGiB, 12345678, plainIcon(200, 40, 60, 60)});
+                         77 * kGigabyte, 12345678, plainIcon(200, 40, 60, 60)});
     (void)app.services().appWhitelist.addAppToWhitelist("com.example.protected");
 }
 
@@ -44,15 +42,7 @@ void settle(TestApp& app) {
         app.mainQueue.drain();
         return !screenOf(app).loading();
     });
-    // Rows are made for a frame, and ask for their icons then.
-    (void)app.window().grabWindow();
-    waitUntil([&] {
-        const auto isLoading = [](const QQuickItem* each) {
-            constexpr int kLoading = 2;
-            return each->inherits("QQuickImage") && each->property("status").toInt() == kLoading;
-        };
-        return firstItem(app.window().contentItem(), isLoading) == nullptr;
-    });
+    app.settle();
 }
 
 void showTab(TestApp& app) {
@@ -75,6 +65,17 @@ Scene scene(const char* name, const Step& step, const Step& device = fill, doubl
             false,
             device,
             textScale};
+}
+
+// The tab, then `step`, of which what is posted to the main queue does not run.
+Scene unsettled(const char* name, const Step& step) {
+    return {.name = QString::fromLatin1(name),
+            .prepare =
+                [step](TestApp& app) {
+                    showTab(app);
+                    step(app);
+                },
+            .device = fill};
 }
 
 void search(TestApp& app, const QString& text) {
@@ -111,6 +112,7 @@ void pushWhitelist(TestApp& app) {
         app.mainQueue.drain();
         return !screen.loading();
     });
+    app.settle();
 }
 
 Scene whitelist(const char* name, const Step& step, const Step& device, double textScale = 1.0) {
@@ -145,7 +147,7 @@ std::vector<Scene> listScenes() {
         scene("apps-no-match", [](TestApp& app) { search(app, QStringLiteral("confeti")); }),
         scene("apps-match-elsewhere", [](TestApp& app) { search(app, QStringLiteral("safari")); }),
         scene("apps-empty", {}, Step{}),
-        scene("apps-loading", [](TestApp& app) { screenOf(app).refreshApps(); }),
+        unsettled("apps-loading", [](TestApp& app) { screenOf(app).refreshApps(); }),
         scene("apps-swiped", [](TestApp& app) { openRow(app, rowOf(app, false)); }),
         scene("apps-swiped-protected", [](TestApp& app) { openRow(app, rowOf(app, true)); }),
         scene("apps-editing", [](TestApp& app) { select(app, {}); }),
@@ -187,16 +189,10 @@ std::vector<Scene> alertScenes() {
                       return app.presenter().alert() != busy;
                   });
               }),
-        // What is posted is not run: the alert stays as it began.
-        {QStringLiteral("apps-cleaning"),
-         {},
-         [](TestApp& app) {
-             showTab(app);
-             screenOf(app).cleanCacheForApp(screenOf(app).currentApps()[0], {});
-         },
-         26,
-         false,
-         fill},
+        unsettled("apps-cleaning",
+                  [](TestApp& app) {
+                      screenOf(app).cleanCacheForApp(screenOf(app).currentApps()[0], {});
+                  }),
     };
 }
 

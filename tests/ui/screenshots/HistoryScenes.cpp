@@ -48,8 +48,7 @@ std::vector<Scene> historyScenes() {
         scene("history-swiped",
               [](TestApp& app) {
                   furnished(app);
-                  // Rows come with the first frame.
-                  (void)app.window().grabWindow();
+                  app.settle();
                   QQuickItem* entry = app.item("entry2");
                   QMetaObject::invokeMethod(entry, "openActions");
                   (void)waitUntil([&] { return entry->property("settled").toBool(); });
@@ -57,6 +56,7 @@ std::vector<Scene> historyScenes() {
         scene("history-scrolled",
               [](TestApp& app) {
                   furnished(app);
+                  app.settle();
                   app.item("historyList")->setProperty("contentY", 400);
                   app.scene().showTabBar();
               }),

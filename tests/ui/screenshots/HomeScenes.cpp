@@ -1,5 +1,7 @@
 #include <QTest>
+#include <filesystem>
 
+#include "support/Process.h"
 #include "ui/home/ViewController.h"
 #include "ui/screenshots/Scene.h"
 #include "ui/shell/Screens.h"
@@ -11,20 +13,6 @@ namespace {
 
 using ui::CleanItemCardView;
 using ui::ViewController;
-
-constexpr std::uint64_t kGigabyte = std::uint64_t{1} << 30U;
-
-// A home screen on a volume that is `used` percent full of `total` bytes.
-TestApp::MakeScreens home(std::uint64_t total, double used) {
-    return [=](const ui::ScreenServices& services) {
-        // Never destroyed: the screens outlive this call, and the program ends soon.
-        auto* volume = new VolumeFiles(services.files);
-        const auto free = static_cast<std::uint64_t>(static_cast<double>(total) * (1 - used / 100));
-        volume->volume = platform::FileSystemAttributes{total, free};
-        auto* storage = new StorageAnalyzer(services.device, *volume);
-        return ui::makeScreens(withStorage(services, *storage));
-    };
-}
 
 ViewController& screenOf(TestApp& app) {
     return *qobject_cast<ViewController*>(app.scene().tabBarController()->at(0).root());
@@ -51,16 +39,32 @@ bool isSettled(ViewController& screen) {
     return true;
 }
 
+// Copied, as it takes a second to make one. What it holds is mostly holes, which cp keeps.
+void copySampleDevice(TemporaryDevice& device) {
+    static const auto sample = [] {
+        auto made = std::make_unique<TemporaryDevice>();
+        fillWithSampleDevice(*made);
+        return made;
+    }();
+    for (const auto& old : std::filesystem::directory_iterator(device.root()))
+        std::filesystem::remove_all(old.path());
+    ProcessOptions copying;
+    copying.arguments = {"/bin/cp", "-a", sample->root() + "/.", device.root()};
+    const ProcessResult copied = Process::run(copying);
+    if (copied.status != 0) qFatal("no sample device: %s", copied.error.c_str());
+}
+
 // The sample device's figures are in the cards.
 void fill(TestApp& app) {
     waitFor(app, [&] { return isSettled(screenOf(app)); });
-    fillWithSampleDevice(app.device);
+    copySampleDevice(app.device);
     screenOf(app).performInitialScan();
     waitFor(app, [&] { return screenOf(app).appCacheCard().fileList()->rowCount() > 0; });
     waitFor(app, [&] { return !screenOf(app).cacheCard().fileList()->sizes().empty(); });
 }
 
 void scrollTo(TestApp& app, double y) {
+    app.settle();
     QQuickItem* pane = app.item("homePane");
     const double end = pane->property("contentHeight").toDouble() +
                        pane->property("bottomMargin").toDouble() - pane->height();
@@ -119,6 +123,17 @@ void tell(TestApp& app, const char* title, const QString& message) {
 }
 
 }  // namespace
+
+TestApp::MakeScreens home(std::uint64_t total, double used) {
+    return [=](const ui::ScreenServices& services) {
+        // Never destroyed: the screens outlive this call, and the program ends soon.
+        auto* volume = new VolumeFiles(services.files);
+        const auto free = static_cast<std::uint64_t>(static_cast<double>(total) * (1 - used / 100));
+        volume->volume = platform::FileSystemAttributes{total, free};
+        auto* storage = new StorageAnalyzer(services.device, *volume);
+        return ui::makeScreens(withStorage(services, *storage));
+    };
+}
 
 std::vector<Scene> homeScenes() {
     const auto usual = home(128 * kGigabyte, 71.4);

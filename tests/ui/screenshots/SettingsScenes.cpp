@@ -34,6 +34,7 @@ void furnish(TestApp& app) {
 }
 
 void scrolledTo(TestApp& app, double share) {
+    app.settle();
     QQuickItem* list = app.item("settingsList");
     const double top = -list->property("topMargin").toDouble();
     const double end = list->property("contentHeight").toDouble() - list->height() +
@@ -49,6 +50,7 @@ Prepare press(int tag, std::vector<std::function<QString(const ui::Texts&)>> tit
         ui::SettingsViewController& screen = settings(app);
         screen.loadSettingsData();
         if (tag >= 4000) scrolledTo(app, 1);
+        app.settle();
         QQuickItem* row = app.item(("row" + std::to_string(tag)).c_str());
         const QRectF cell = row->mapRectToScene({16, 0, row->width() - 32, row->height()});
         screen.didSelectRow(tag / ui::SettingsRows::kTagsPerSection,

@@ -27,6 +27,18 @@ std::string encoded(const platform::Image& image) {
     return platform::encodePng(image).value();
 }
 
+std::vector<InstalledApp> makeSampleApps() {
+    constexpr unsigned kSide = 120;
+    std::vector<InstalledApp> apps;
+    for (const launch::catalog::App& app : launch::catalog::apps()) {
+        if (app.bundleFolder.empty()) continue;
+        apps.push_back({std::string(app.identifier), std::string(app.displayName),
+                        (app.cachesMiB + app.webMiB) * kMiB, app.temporaryMiB * kMiB,
+                        encoded(launch::drawSampleIcon(app.glyph, app.hue, kSide))});
+    }
+    return apps;
+}
+
 }  // namespace
 
 void install(TemporaryDevice& device, const InstalledApp& app) {
@@ -57,15 +69,8 @@ std::string plainIcon(std::uint8_t red, std::uint8_t green, std::uint8_t blue, u
     return encoded(image);
 }
 
-std::vector<InstalledApp> sampleApps() {
-    constexpr unsigned kSide = 120;
-    std::vector<InstalledApp> apps;
-    for (const launch::catalog::App& app : launch::catalog::apps()) {
-        if (app.bundleFolder.empty()) continue;
-        apps.push_back({std::string(app.identifier), std::string(app.displayName),
-                        (app.cachesMiB + app.webMiB) * kMiB, app.temporaryMiB * kMiB,
-                        encoded(launch::drawSampleIcon(app.glyph, app.hue, kSide))});
-    }
+const std::vector<InstalledApp>& sampleApps() {
+    static const std::vector<InstalledApp> apps = makeSampleApps();
     return apps;
 }
 

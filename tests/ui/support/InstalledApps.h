@@ -27,8 +27,8 @@ void setCaches(TemporaryDevice& device, const std::string& identifier, std::uint
 /// A PNG of one colour.
 std::string plainIcon(std::uint8_t red, std::uint8_t green, std::uint8_t blue, unsigned side = 1);
 
-/// The apps of the sample device.
-std::vector<InstalledApp> sampleApps();
+/// The apps of the sample device, made once: most of the time goes into their icons.
+const std::vector<InstalledApp>& sampleApps();
 /// `count` apps with names, and with an icon each if wanted; every tenth is a system app.
 std::vector<InstalledApp> manyApps(int count, bool withIcons = false);
 

@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include "support/NoWorkspace.h"
 #include "ui/gallery/GalleryScreen.h"
 #include "ui/kit/Appearance.h"
 #include "ui/shell/App.h"
@@ -29,21 +28,37 @@ platform::DeviceOptions described(const TestAppOptions& options) {
     return wanted;
 }
 
+bool isLoadingImage(const QQuickItem* item) {
+    constexpr int kLoading = 2;
+    return item->inherits("QQuickImage") && item->property("status").toInt() == kLoading;
+}
+
 }  // namespace
 
 TestApp::TestApp(const Options& options, const MakeScreens& makeScreens)
     : core(described(options)),
       resources_(SWEEPWRIGHT_RESOURCE_FOLDER),
-      appWhitelist_(core.defaults),
-      apps_({core.device, core.files, core.eraser, noWorkspace, resources_, appWhitelist_,
-             core.whitelist, core.history, core.statistics, notifications, mainQueue}),
+      apps_(core.appServices(resources_)),
       language_(core.defaults, notifications, resources_, {options.language}),
       texts_([this](std::string_view key) { return language_.localizedStringForKey(key); },
              notifications),
-      services_{core.device,      core.files,   core.defaults, notifications,  mainQueue,
-                core.engine,      core.storage, apps_,         core.whitelist, appWhitelist_,
-                core.customPaths, core.history, language_,     texts_,         opener,
-                resources_,       icons} {
+      services_{core.device,
+                core.files,
+                core.defaults,
+                notifications,
+                mainQueue,
+                core.engine,
+                core.storage,
+                apps_,
+                core.pathWhitelist,
+                core.appWhitelist,
+                core.customPaths,
+                core.history,
+                language_,
+                texts_,
+                opener,
+                resources_,
+                icons} {
     ui::Appearance::shared().setStyle(ui::Appearance::Style::Light);
     ui::Appearance::shared().setTextScale(1.0);
     ui::Appearance::shared().setReducedMotion(false);
@@ -64,8 +79,11 @@ TestApp::~TestApp() {
     view_.reset();
 }
 
-QQuickView& TestApp::show(QSize size) {
-    view_ = std::make_unique<QQuickView>();
+void TestApp::load(std::unique_ptr<QQuickView> view, QSize size) {
+    view_ = std::move(view);
+    // The process keeps pictures by their addresses, and an app before this one had the same.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    view_->releaseResources();
     ui::prepareEngine(*view_->engine(), icons);
     view_->setResizeMode(QQuickView::SizeRootObjectToView);
     view_->setInitialProperties({{QStringLiteral("scene"), QVariant::fromValue(scene_.get())}});
@@ -73,12 +91,41 @@ QQuickView& TestApp::show(QSize size) {
     for (const QQmlError& error : view_->errors())
         ADD_FAILURE() << qPrintable(error.toString());
     view_->resize(size);
+}
+
+QQuickView& TestApp::show(QSize size) {
+    load(std::make_unique<QQuickView>(), size);
     view_->show();
     EXPECT_TRUE(QTest::qWaitForWindowExposed(view_.get()));
     view_->requestActivate();
     EXPECT_TRUE(QTest::qWaitForWindowActive(view_.get()));
     scene_->sceneWillConnect();
     return *view_;
+}
+
+QQuickView& TestApp::showOn(QQuickRenderControl& control, QSize size) {
+    control_ = &control;
+    load(std::make_unique<QQuickView>(QUrl(), &control), size);
+    // What a display would tell the window.
+    QResizeEvent resized(size, QSize());
+    QCoreApplication::sendEvent(view_.get(), &resized);
+    QFocusEvent focused(QEvent::FocusIn, Qt::ActiveWindowFocusReason);
+    QCoreApplication::sendEvent(view_.get(), &focused);
+    scene_->sceneWillConnect();
+    return *view_;
+}
+
+void TestApp::settle() {
+    bool changed = false;
+    const auto watch = QObject::connect(control_, &QQuickRenderControl::sceneChanged,
+                                        [&changed] { changed = true; });
+    EXPECT_TRUE(waitUntil([&] {
+        changed = false;
+        QCoreApplication::processEvents();
+        control_->polishItems();
+        return !changed && firstItem(view_->contentItem(), isLoadingImage) == nullptr;
+    }));
+    QObject::disconnect(watch);
 }
 
 QQuickItem* TestApp::item(const char* objectName) const {

@@ -2,6 +2,7 @@
 
 #include <QQmlEngine>
 #include <QQuickItem>
+#include <QQuickRenderControl>
 #include <QQuickView>
 #include <functional>
 #include <memory>
@@ -61,6 +62,10 @@ class TestApp {
 
     /// Opens a window of this size in points and waits until it has drawn.
     QQuickView& show(QSize size = {390, 844});
+    /// Makes the same window, active, but on no display: whoever has `control` draws it.
+    QQuickView& showOn(QQuickRenderControl& control, QSize size);
+    /// Lays a window on no display out, until no event and no image changes it any more.
+    void settle();
     [[nodiscard]] QQuickView& window() { return *view_; }
     /// The item of this object name: of several one that is shown; fails the test when there is
     /// none.
@@ -83,14 +88,16 @@ class TestApp {
     ui::AppIconStore icons{core.files};
 
   private:
+    void load(std::unique_ptr<QQuickView> view, QSize size);
+
     platform::ResourceBundle resources_;
-    AppWhitelistManager appWhitelist_;
     ThirdPartyAppCacheManager apps_;
     localization::LanguageManager language_;
     ui::Texts texts_;
     ui::ScreenServices services_;
     std::unique_ptr<ui::SceneDelegate> scene_;
     std::unique_ptr<QQuickView> view_;
+    QQuickRenderControl* control_ = nullptr;  ///< of a window on no display
 };
 
 /// The first item of which `isWanted` says so, of `root` and what is in it, level by level; or
