@@ -64,6 +64,39 @@ finish() {
     exit 0
 }
 
+# show_progress WHAT: on a terminal, one line that tells how far the output is that it reads: Ninja's
+# [done/all], or the percentage in apt's status lines.
+show_progress() {
+    local line
+    while IFS= read -r line; do
+        if [[ "$line" =~ ^\[([0-9]+)/([0-9]+)\] ]]; then
+            printf '\r%s %d %%\e[K' "$1" "$((100 * BASH_REMATCH[1] / BASH_REMATCH[2]))"
+        elif [[ "$line" =~ ^(dl|pm)status:[^:]*:([0-9]+) ]]; then
+            printf '\r%s %d %%\e[K' "$1" "${BASH_REMATCH[2]}"
+        fi
+    done
+    printf '\r\e[K'
+}
+
+# quietly WHAT LOG COMMAND...: runs a command with its output in a log, of which only progress and
+# the time it took are shown. When it fails, the log's last lines tell why.
+quietly() {
+    local what="$1" log="$2" started=$SECONDS status=0
+    shift 2
+    mkdir -p "$(dirname "$log")"
+    if [[ -t 1 ]]; then
+        "$@" 2>&1 | tee "$log" | show_progress "$what" || status=$?
+    else
+        "$@" > "$log" 2>&1 || status=$?
+    fi
+    if [[ $status -ne 0 ]]; then
+        tail -n 30 "$log" >&2
+        echo "$what: failed; all it said is in $log" >&2
+        return "$status"
+    fi
+    echo "$what: done in $((SECONDS - started)) s"
+}
+
 # tracked PATTERN...: the project's files that match, one a line. Where the folder is no git
 # checkout (a source archive), all files below it but those in build/.
 tracked() {
