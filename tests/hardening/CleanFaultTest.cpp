@@ -29,11 +29,11 @@ constexpr std::array kFaults = {Fault{EACCES, "EACCES"},
                                 Fault{ENAMETOOLONG, "ENAMETOOLONG"},
                                 Fault{EINTR, "EINTR"}};
 
-/// The calls of a clean take turns in failing with one of the errors; with SWEEPWRIGHT_ALL_FAULTS
-/// each call fails with each.
+/// Each call of a clean fails with one of the errors in turn; with SWEEPWRIGHT_ALL_FAULTS it fails
+/// with each.
 constexpr std::size_t kTurns = kFaults.size();
-std::size_t step() {
-    return std::getenv("SWEEPWRIGHT_ALL_FAULTS") == nullptr ? kTurns : 1;
+bool allFaults() {
+    return std::getenv("SWEEPWRIGHT_ALL_FAULTS") != nullptr;
 }
 
 /// A clean, and which of the errors its calls fail with.
@@ -57,10 +57,13 @@ class CleanFaults : public testing::TestWithParam<CleanAndFault> {
 
     static int clean() { return std::get<0>(GetParam()); }
     static int number() { return kFaults.at(std::get<1>(GetParam())).number; }
+    /// A batch repeats what the clean of one app does: every fourth of its calls fails.
+    static std::size_t spread() { return clean() > test::kOneApp ? 4 : 1; }
+    static std::uint64_t step() { return allFaults() ? 1 : kTurns * spread(); }
     /// The first call whose turn this error is.
     static std::uint64_t firstCall() {
         const std::size_t turn = std::get<1>(GetParam());
-        return step() == 1 ? 1 : turn == 0 ? kTurns : turn;
+        return allFaults() ? 1 : (turn == 0 ? kTurns : turn) * spread();
     }
     static bool isOfApps() { return clean() >= test::kOneApp; }
     static bool isRemoval(Operation operation) {
