@@ -15,8 +15,8 @@ std::string sizeText(std::uint64_t bytes) {
     return StorageAnalyzer::formatBytes(bytes);
 }
 
-std::string Output::shown(std::string_view bytes) const {
-    return terminal_ ? platform::escapedControls(bytes) : std::string(bytes);
+std::string Output::shown(std::string_view bytes) {
+    return platform::escapedControls(bytes);
 }
 
 void Output::line(std::string_view text) {
@@ -27,7 +27,7 @@ void Output::line(std::string_view text) {
 
 void Output::table(const Table& table) {
     if (json_) return;
-    pending_ += table.text([this](std::string_view cell) { return shown(cell); });
+    pending_ += table.text(shown);
 }
 
 void Output::document(const Json& document) {

@@ -38,7 +38,7 @@ TEST(ListCommand, APathThatIsNotTextIsGivenAsBytesToo) {
     sweepctl.device().file("/var/mobile/tmp/a\xff", 1);
     EXPECT_EQ(sweepctl.json({"list", "temp"}), (json{{{"path", "/var/mobile/tmp/a\xEF\xBF\xBD"},
                                                       {"pathBytes", "L3Zhci9tb2JpbGUvdG1wL2H/"}}}));
-    EXPECT_EQ(sweepctl.run({"list", "temp"}).output, "/var/mobile/tmp/a\xff\n");
+    EXPECT_EQ(sweepctl.run({"list", "temp"}).output, "/var/mobile/tmp/a\\xFF\n");
 }
 
 TEST(ListCommand, OfflineDataHasNoList) {

@@ -137,12 +137,14 @@ TEST(WhitelistCommands, ADamagedListIsAnErrorAndNeverLooksEmpty) {
         "damaged");
 }
 
-TEST(WhitelistCommands, ATerminalSeesControlCharactersEscapedAndAPipeTheirBytes) {
+TEST(WhitelistCommands, ATerminalAndAPipeSeeControlCharactersEscapedAndADocumentHoldsThem) {
     Sweepctl sweepctl;
-    EXPECT_EQ(sweepctl.run({"custom-paths", "add", "/a\x1b[2J\nb\u202E"}).status, 0);
-    EXPECT_EQ(sweepctl.run({"custom-paths"}).output, "/a\x1b[2J\nb\u202E\n");
+    const std::string path = "/a\x1b[2J\nb\u202E";
+    EXPECT_EQ(sweepctl.json({"custom-paths", "add", path}), json{path});
+    const std::string shown = "/a\\x1B[2J\\nb\\u{202E}\n";
+    EXPECT_EQ(sweepctl.run({"custom-paths"}).output, shown);
     sweepctl.setTerminal({.output = true});
-    EXPECT_EQ(sweepctl.run({"custom-paths"}).screen, "/a\\x1B[2J\\nb\\u{202E}\n");
+    EXPECT_EQ(sweepctl.run({"custom-paths"}).screen, shown);
 }
 
 TEST(WhitelistCommands, APathThatIsNotUtf8IsGivenByItsBytesToo) {
@@ -150,7 +152,7 @@ TEST(WhitelistCommands, APathThatIsNotUtf8IsGivenByItsBytesToo) {
     const std::string path = "/var/mobile/a\xFFz";
     const json shown = {{"path", "/var/mobile/a\uFFFDz"}, {"pathBytes", "L3Zhci9tb2JpbGUvYf96"}};
     EXPECT_EQ(sweepctl.json({"custom-paths", "add", path, "/var/b"}), (json{shown, "/var/b"}));
-    EXPECT_EQ(sweepctl.run({"custom-paths"}).output, path + "\n/var/b\n");
+    EXPECT_EQ(sweepctl.run({"custom-paths"}).output, "/var/mobile/a\\xFFz\n/var/b\n");
     EXPECT_EQ(sweepctl.json(
                   {"whitelist", "paths", "check", "/var/mobile/Library/Caches/GeoServices/\xFF"}),
               (json{{"/var/mobile/Library/Caches/GeoServices/\uFFFD", true},
