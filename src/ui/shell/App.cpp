@@ -41,10 +41,7 @@ platform::Result<> openDevice(const LaunchOptions& options) {
     auto choice = launch::chooseDevice(options.global, launch::processEnvironment());
     if (!choice) return std::unexpected(std::move(choice.error()));
     choice->options.osVersion = options.osVersion;
-    auto device = platform::Device::open(choice->options);
-    if (!device) return std::unexpected(std::move(device.error()));
-    platform::Device::setCurrent(std::move(*device));
-    return {};
+    return launch::openCurrentDevice(choice->options);
 }
 
 int runScene(QGuiApplication& application) {
