@@ -31,7 +31,7 @@ constexpr std::string_view kClosing =
   0  done
   1  the operation reported an error
   2  the words of the call are wrong
-  3  the device root can't be used
+  3  the device root can't be used, or is no device
   130, 143  stopped by an interrupt or a request to end
 
 Nothing is removed without a question or --yes, nothing outside the device root

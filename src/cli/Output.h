@@ -45,5 +45,7 @@ class Output {
 
 /// Writes "sweepctl: <text>" as one line on standard error, whatever `text` holds.
 void complain(std::string_view text);
+/// The same as a dim line for a person at a terminal; for nobody else.
+void remark(std::string_view text);
 
 }  // namespace sweepwright::cli

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <memory>
 #include <stop_token>
+#include <string>
 #include <utility>
 
 #include <fmt/format.h>
@@ -24,6 +25,12 @@ constexpr const char* kVersion = SWEEPWRIGHT_VERSION;
 void report(Output& output, const Failure& failure) {
     complain(failure.error.description);
     if (!failure.documented) output.document(Json{{"error", errorValue(failure.error)}});
+}
+
+/// Whoever names no device should not take what they see for their own.
+std::string nameOf(const launch::DeviceChoice& choice) {
+    if (choice.isSampleDevice) return "the sample device in " + choice.options.rootFolder;
+    return platform::runsOnDevice() ? "this device" : choice.options.rootFolder;
 }
 
 /// The device the call names; none of the sample device is left when its making is interrupted.
@@ -52,6 +59,9 @@ Outcome openDevice(const Invocation& invocation, Context& context) {
         complain(fmt::format("made a sample device of {} files ({}) in {}", choice->made->files,
                              sizeText(choice->made->bytes), choice->options.rootFolder));
     }
+    context.setDevice(nameOf(*choice));
+    if (choice->isSampleDevice)
+        remark(fmt::format("working on {}; --device-root names another", context.device()));
     return {};
 }
 

@@ -1,9 +1,11 @@
+#include <filesystem>
 #include <string>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "cli/Sweepctl.h"
+#include "support/ChildProcess.h"
 
 namespace sweepwright::test {
 namespace {
@@ -55,6 +57,26 @@ TEST(StorageCommand, GivesTheThirteenFigures) {
     EXPECT_GT(storage.at("totalSpace"), 0U);
     EXPECT_TRUE(storage.at("userUsedSpaceFormatted").is_string());
     EXPECT_THAT(sweepctl.run({"storage"}).output, HasSubstr("available"));
+}
+
+TEST(StorageCommand, SaysOfACopiedTreeWhoseDiskTheFiguresAre) {
+    Sweepctl sweepctl;
+    EXPECT_THAT(sweepctl.run({"storage"}).output,
+                MatchesRegex("(.*\n)*of the disk mounted at /.*, on which " +
+                             sweepctl.device().root() + " is a folder\n"));
+}
+
+TEST(StorageCommand, SaysNothingMoreOfAMountedDevice) {
+    if (const std::string why = whyNoMounts(); !why.empty()) GTEST_SKIP() << why;
+    const Sweepctl sweepctl;
+    const TemporaryFolder mount;
+    withOwnMounts([&] {
+        mountMemory(mount.path());
+        std::filesystem::create_directories(mount.path() + "/var/mobile");
+        const ProcessResult result = sweepctl.runBare({"--device-root", mount.path(), "storage"});
+        EXPECT_EQ(result.status, 0) << result.error;
+        EXPECT_THAT(result.output, testing::Not(HasSubstr("of the disk")));
+    });
 }
 
 TEST(AnalyzeCommand, FindsLargeFiles) {
