@@ -158,4 +158,9 @@ std::string helpText(const Commands& commands, const std::string& words) {
     return text;
 }
 
+void showHelp(Output& output, const std::string& text) {
+    output.line(std::string_view(text).substr(0, text.size() - 1));
+    output.document(Json{{"help", text}});
+}
+
 }  // namespace sweepwright::cli

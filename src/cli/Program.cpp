@@ -91,9 +91,7 @@ int runInvocation(const Invocation& invocation, Output& output) {
 
 void showText(Output& output, const Commands& commands, const Invocation& invocation) {
     if (invocation.kind == Invocation::Kind::Help) {
-        const std::string text = helpText(commands, invocation.commandWords);
-        output.line(std::string_view(text).substr(0, text.size() - 1));
-        output.document(Json{{"help", text}});
+        showHelp(output, helpText(commands, invocation.commandWords));
     } else {
         output.line(fmt::format("sweepctl {}", kVersion));
         output.document(Json{{"version", kVersion}});
