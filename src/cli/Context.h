@@ -3,7 +3,6 @@
 #include <string>
 #include <utility>
 
-#include "cli/Confirmation.h"
 #include "cli/Interruption.h"
 #include "cli/Output.h"
 #include "cli/Progress.h"

@@ -138,8 +138,11 @@ TEST(HistoryCommand, ListsDeletesAndClearsWhatWasCleaned) {
     const std::string newest = records[0].at("identifier");
     EXPECT_EQ(sweepctl.run({"history", "delete", newest, "unknown"}).status, 1);
     EXPECT_EQ(sweepctl.json({"history"}).size(), 2U) << "one unknown: none is deleted";
-    EXPECT_EQ(sweepctl.json({"history", "delete", newest}), (json{records[1]}));
-    EXPECT_EQ(sweepctl.json({"history", "clear"}), json::array());
+    EXPECT_EQ(sweepctl.run({"history", "delete", newest}).status, 2);
+    EXPECT_EQ(sweepctl.run({"history", "clear"}).status, 2);
+    EXPECT_EQ(sweepctl.json({"history"}).size(), 2U) << "deleted without a yes";
+    EXPECT_EQ(sweepctl.json({"history", "delete", newest, "--yes"}), (json{records[1]}));
+    EXPECT_EQ(sweepctl.json({"history", "clear", "--yes"}), json::array());
 
     const json stats = sweepctl.json({"stats"});
     EXPECT_EQ(stats.at("history"), (json{{"totalCleanedBytes", 0},
@@ -149,6 +152,28 @@ TEST(HistoryCommand, ListsDeletesAndClearsWhatWasCleaned) {
     EXPECT_EQ(stats.at("running").at("totalCleanedBytes"), 150);
     EXPECT_EQ(stats.at("running").at("cleanCount"), 2);
     EXPECT_EQ(stats.at("running").at("lastCleanDate"), records[0].at("cleanDate"));
+}
+
+TEST(HistoryCommand, AsksOnATerminalAndTellsWhatItDeleted) {
+    Sweepctl sweepctl;
+    for (int i = 0; i < 3; ++i) {
+        sweepctl.device().file("/var/mobile/tmp/a", 1);
+        EXPECT_EQ(sweepctl.run({"clean", "temp", "--yes"}).status, 0);
+    }
+    const std::string newest = sweepctl.json({"history"})[0].at("identifier");
+    EXPECT_EQ(sweepctl.run({"history", "delete", newest, "--yes"}).output,
+              "deleted  " + newest + "\n");
+    sweepctl.setTerminal(TerminalStreams::all());
+    for (const char* answer : {"\n", "y\n"}) {
+        Process process(sweepctl.options({"history", "clear"}));
+        process.waitForText("Delete 2 of 2 records? [y/N] ");
+        process.type(answer);
+        const ProcessResult result = process.wait();
+        EXPECT_EQ(result.status, *answer == 'y' ? 0 : 1);
+        EXPECT_THAT(result.screen,
+                    HasSubstr(*answer == 'y' ? "deleted 2 records\n" : "no record was deleted"));
+    }
+    EXPECT_EQ(sweepctl.run({"history"}).screen, "");
 }
 
 TEST(LanguageCommand, ShowsAndSetsTheLanguageAndLooksTextsUp) {

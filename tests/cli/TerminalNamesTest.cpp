@@ -1,4 +1,5 @@
-// Names of the device that mean harm, in every command that shows them, on a terminal and in a pipe.
+// Names of the device that mean harm, in every command that shows them, on a terminal and in a
+// pipe.
 #include <string>
 #include <vector>
 
