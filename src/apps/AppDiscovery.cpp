@@ -262,6 +262,31 @@ void ThirdPartyAppCacheManager::scanAppDirectoriesIntoArray(AppList& apps,
     log("✅ 从目录扫描新增 {} 个应用", added);
 }
 
+bool ThirdPartyAppCacheManager::isInstalled(const std::string& bundleIdentifier) {
+    // Most have a container, which is found without a look into every bundle.
+    const auto container = getAppDataDirectory(bundleIdentifier);
+    return (container && *container) ||
+           std::ranges::binary_search(installedIdentifiers(), bundleIdentifier);
+}
+
+std::vector<std::string> ThirdPartyAppCacheManager::installedIdentifiers() {
+    std::set<std::string> found;
+    for (const auto& proxy : workspaceApplications()) {
+        if (auto identifier = proxy->applicationIdentifier(); identifier && *identifier)
+            found.insert(std::move(**identifier));
+    }
+    const auto containers = services_.files.contentsOfDirectory(std::string(kDataContainers))
+                                .value_or(std::vector<std::string>());
+    for (const std::string& name : containers) {
+        const std::string path = joinPath(kDataContainers, name);
+        if (services_.files.isDirectory(path))
+            found.insert(containerIdentifier(services_.files, path));
+    }
+    for (std::string& identifier : BundleIndex(services_.files).identifiers())
+        found.insert(std::move(identifier));
+    return {found.begin(), found.end()};
+}
+
 void ThirdPartyAppCacheManager::report(const Progress& progress, const AppCacheInfo& app,
                                        std::size_t done, std::size_t count) {
     if (progress)

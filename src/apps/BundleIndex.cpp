@@ -1,5 +1,6 @@
 #include "apps/BundleIndex.h"
 
+#include <ranges>
 #include <set>
 
 #include "engine/CategoryRules.h"
@@ -81,6 +82,11 @@ const std::vector<BundleInfo>& BundleIndex::find(const std::string& identifier) 
     static const std::vector<BundleInfo> kNone;
     const auto found = byIdentifier_.find(identifier);
     return found == byIdentifier_.end() ? kNone : found->second;
+}
+
+std::vector<std::string> BundleIndex::identifiers() const {
+    const auto keys = std::views::keys(byIdentifier_);
+    return {keys.begin(), keys.end()};
 }
 
 }  // namespace sweepwright

@@ -39,6 +39,8 @@ class BundleIndex {
 
     /// The bundles with this identifier in listing order, at most one of each bundle container.
     [[nodiscard]] const std::vector<BundleInfo>& find(const std::string& identifier) const;
+    /// Every identifier, in no order.
+    [[nodiscard]] std::vector<std::string> identifiers() const;
 
   private:
     void readContainer(platform::FileManager& files, const std::string& container);

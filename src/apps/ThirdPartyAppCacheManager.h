@@ -110,6 +110,11 @@ class ThirdPartyAppCacheManager {
     /// Whether the device's data containers are in sight.
     bool hasPrivateAPIAccess();
 
+    /// Whether an installed app or a data container has this identifier.
+    bool isInstalled(const std::string& bundleIdentifier);
+    /// Every identifier that an installed app or a data container has, sorted. Nothing is measured.
+    std::vector<std::string> installedIdentifiers();
+
     void refreshAppListCache();
     void invalidateAllCache();
     void invalidateCacheForApp(const std::string& bundleIdentifier);

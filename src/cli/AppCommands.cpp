@@ -5,9 +5,12 @@
 
 #include "apps/AppCleanPreview.h"
 #include "apps/ThirdPartyAppCacheManager.h"
+#include "cli/CleanQuestion.h"
 #include "cli/CleanRun.h"
 #include "cli/Command.h"
+#include "cli/Confirmation.h"
 #include "cli/Context.h"
+#include "cli/KnownApps.h"
 #include "platform/DispatchQueue.h"
 
 namespace sweepwright::cli {
@@ -72,11 +75,11 @@ Outcome apps(Context& context, const Call& call) {
     return {};
 }
 
-/// The identifiers that a call is about; those that may not be cleaned are an error.
+/// The identifiers that a call is about; those that may not be cleaned, or name no app, are an
+/// error. The hidden roots' shared folders would be cleaned for any word.
 std::expected<std::vector<std::string>, Failure> chosenApps(Context& context, const Call& call) {
     ThirdPartyAppCacheManager& manager = ThirdPartyAppCacheManager::sharedManager();
     const auto& named = call.words("ID");
-    if (call.has("--all") != named.empty()) return wrongWords("name apps to clean, or say --all");
     if (auto ready = manager.readiness(); !ready) return failed(ready.error());
     if (call.has("--all")) return manager.withoutWhitelisted(scanApps(context, true));
     AppWhitelistManager& whitelist = AppWhitelistManager::sharedManager();
@@ -87,29 +90,35 @@ std::expected<std::vector<std::string>, Failure> chosenApps(Context& context, co
                                ": is whitelisted, so nothing was cleaned; first: sweepctl "
                                "whitelist apps remove " +
                                identifier});
+        if (const std::string why = whyUnknownApp(identifier); !why.empty())
+            return failed({std::string(ThirdPartyAppCacheManager::kErrorDomain), 2, why});
     }
     return named;
 }
 
+std::string cachesOf(const std::vector<std::string>& identifiers) {
+    if (identifiers.size() == 1) return "the caches of " + identifiers.front();
+    return fmt::format("the caches of {} apps", identifiers.size());
+}
+
 Outcome cleanApps(Context& context, const Call& call) {
-    const bool dryRun = call.has("--dry-run");
     if (call.has("--all") != call.words("ID").empty())
         return wrongWords("name apps to clean, or say --all");
-    if (!dryRun) {
-        const std::string what =
-            call.has("--all") ? "the caches of every third-party app"
-                              : fmt::format("the caches of {} apps", call.words("ID").size());
-        if (auto sure = confirm(fmt::format("Remove {}?", what), call.has("--yes")); !sure)
-            return sure;
+    const bool sure = call.has("--yes");
+    if (!call.has("--dry-run")) {
+        if (auto answerable = requireAnswerable(kRemovesData, sure); !answerable) return answerable;
     }
     const auto identifiers = chosenApps(context, call);
     if (!identifiers) return std::unexpected(identifiers.error());
-    if (dryRun) {
-        const auto preview = previewAppsClean(AppServices::shared(), *identifiers);
+    const DryRun dryRun = [&] { return previewAppsClean(AppServices::shared(), *identifiers); };
+    if (call.has("--dry-run")) {
+        const auto preview = findWhatWouldGo(context, dryRun);
         if (!preview) return failed(preview.error());
         showPreview(context.output(), *preview);
         return {};
     }
+    const CleanQuestion question{.from = cachesOf(*identifiers), .dryRun = dryRun};
+    if (auto agreed = confirmClean(context, question, sure); !agreed) return agreed;
     ThirdPartyAppCacheManager& manager = ThirdPartyAppCacheManager::sharedManager();
     const bool single = !call.has("--all") && identifiers->size() == 1;
     return runClean(context,

@@ -3,8 +3,10 @@
 
 #include <algorithm>
 #include <charconv>
+#include <initializer_list>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -28,6 +30,16 @@ std::string calledAs(const std::string& commandWords) {
 std::string seeHelp(const std::string& commandWords) {
     return fmt::format("see {}{}{} --help", kProgram, commandWords.empty() ? "" : " ",
                        commandWords);
+}
+
+/// The value of a switch that takes one; none when it is no word for yes or no.
+std::optional<bool> readSwitch(std::string_view word) {
+    const auto isOneOf = [&](std::initializer_list<std::string_view> words) {
+        return std::ranges::find(words, word) != words.end();
+    };
+    if (isOneOf({"true", "yes", "on", "1"})) return true;
+    if (isOneOf({"false", "no", "off", "0"})) return false;
+    return std::nullopt;
 }
 
 /// The parser for one set of commands, made of their descriptions.
@@ -72,10 +84,9 @@ class Parser {
             // The last one counts, so that an alias can be overruled.
             app_.add_option(name)->take_last()->type_name("value");
         }
-        for (const char* name :
-             {"--json", "--no-progress", "-v,--verbose", "--version", "-h,--help"}) {
+        for (const char* name : {"--no-progress", "-v,--verbose", "--version", "-h,--help"})
             app_.add_flag(name)->disable_flag_override();
-        }
+        app_.add_flag("--json");
         nodeWords_[&app_] = "";
     }
 
@@ -125,7 +136,11 @@ class Parser {
     }
 
     Outcome readGlobalOptions(Invocation& invocation) const {
-        invocation.json = given("--json");
+        if (const auto word = value("--json")) {
+            const auto wanted = readSwitch(*word);
+            if (!wanted) return wrongWords(fmt::format("--json is yes or no, not \"{}\"", *word));
+            invocation.json = *wanted;
+        }
         invocation.progress = !given("--no-progress");
         invocation.global.verbose = given("--verbose");
         invocation.global.deviceRoot = value("--device-root");
@@ -244,8 +259,15 @@ std::expected<Invocation, Failure> parseArguments(const Commands& commands,
 }
 
 bool asksForJson(const std::vector<std::string>& words) {
-    const auto end = std::ranges::find(words, "--");
-    return std::find(words.begin(), end, "--json") != end;
+    constexpr std::string_view kSwitch = "--json";
+    bool wanted = false;
+    for (const std::string_view word : words) {
+        if (word == "--") break;
+        if (word == kSwitch) wanted = true;
+        if (word.starts_with("--json="))
+            wanted = readSwitch(word.substr(kSwitch.size() + 1)).value_or(true);
+    }
+    return wanted;
 }
 
 }  // namespace sweepwright::cli

@@ -28,7 +28,8 @@ struct Invocation {
 std::expected<Invocation, Failure> parseArguments(const Commands& commands,
                                                   const std::vector<std::string>& words);
 
-/// Whether `words` ask for JSON, for telling of an error in them in that form.
+/// Whether `words` ask for JSON ("--json", "--json=1"), for telling of an error in them in that
+/// form.
 bool asksForJson(const std::vector<std::string>& words);
 
 }  // namespace sweepwright::cli

@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 
 #include "cli/Categories.h"
+#include "cli/CleanQuestion.h"
 #include "cli/CleanRun.h"
 #include "cli/Command.h"
 #include "cli/Context.h"
@@ -35,8 +36,8 @@ class FailureCounter final : public CleanObserver {
     std::string first_;
 };
 
-Outcome previewed(Context& context, const platform::Result<CleanPreview>& preview) {
-    context.progress().clear();
+Outcome previewed(Context& context, const DryRun& dryRun) {
+    const auto preview = findWhatWouldGo(context, dryRun);
     if (!preview) return failed(preview.error());
     showPreview(context.output(), *preview);
     return {};
@@ -58,13 +59,14 @@ Outcome clean(Context& context, const Call& call) {
     const std::string& word = call.word("CATEGORY");
     const Category* category = categoryNamed(word);
     const CleanType type = category != nullptr ? category->type : CleanType::All;
-    if (call.has("--dry-run")) {
-        context.progress().update("finding what would go", 0);
-        return previewed(context, previewClean(EngineServices::shared(), type));
-    }
-    const std::string what =
-        category != nullptr ? std::string(category->label) : "the data of all nine categories";
-    if (auto sure = confirm(fmt::format("Remove {}?", what), call.has("--yes")); !sure) return sure;
+    const DryRun dryRun = [type] { return previewClean(EngineServices::shared(), type); };
+    if (call.has("--dry-run")) return previewed(context, dryRun);
+    const CleanQuestion question{
+        .from = category != nullptr ? std::string(category->label)
+                                    : fmt::format("{} categories", categories().size()),
+        .emptiesCustomPaths = type == CleanType::Cache || type == CleanType::All,
+        .dryRun = dryRun};
+    if (auto sure = confirmClean(context, question, call.has("--yes")); !sure) return sure;
     return runEngine(context, [type](CleanProgress progress, CleanCompletion completion) {
         FileCleanerEngine::sharedEngine().cleanWithType(type, std::move(progress),
                                                         std::move(completion));
@@ -72,13 +74,10 @@ Outcome clean(Context& context, const Call& call) {
 }
 
 Outcome deepClean(Context& context, const Call& call) {
-    if (call.has("--dry-run")) {
-        context.progress().update("finding what would go", 0);
-        return previewed(context, previewDeepClean(EngineServices::shared()));
-    }
-    if (auto sure = confirm("Remove the caches of the system?", call.has("--yes")); !sure) {
-        return sure;
-    }
+    const DryRun dryRun = [] { return previewDeepClean(EngineServices::shared()); };
+    if (call.has("--dry-run")) return previewed(context, dryRun);
+    const CleanQuestion question{.from = "the caches of the system", .dryRun = dryRun};
+    if (auto sure = confirmClean(context, question, call.has("--yes")); !sure) return sure;
     context.progress().update("caches of the system", 0);
     return runEngine(context, [](const CleanProgress&, CleanCompletion completion) {
         FileCleanerEngine::sharedEngine().deepCleanWithCompletion(std::move(completion));

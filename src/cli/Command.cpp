@@ -24,6 +24,7 @@ Commands allCommands() {
     addHistoryCommands(commands);
     addLanguageCommands(commands);
     addSampleCommands(commands);
+    addHelpCommands(commands);
     return commands;
 }
 

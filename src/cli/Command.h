@@ -83,5 +83,6 @@ void addHistoryCommands(Commands& commands);
 void addLanguageCommands(Commands& commands);
 void addProtectionCommands(Commands& commands);
 void addSampleCommands(Commands& commands);
+void addHelpCommands(Commands& commands);
 
 }  // namespace sweepwright::cli

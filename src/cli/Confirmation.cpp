@@ -2,7 +2,6 @@
 
 #include <cstdio>
 #include <iostream>
-#include <string>
 
 #include <fmt/format.h>
 
@@ -12,21 +11,40 @@
 
 namespace sweepwright::cli {
 
-Outcome confirm(const std::string& question, bool sure) {
-    using platform::StandardStream;
-    if (sure) return {};
-    if (!platform::isTerminal(StandardStream::Input) ||
-        !platform::isTerminal(StandardStream::Error)) {
-        return wrongWords("this removes data: add --yes to do it without a question");
+namespace {
+
+bool agrees(const Confirmation::Lines& question) {
+    const char* separator = "";
+    for (const std::string& line : question) {
+        fmt::print(stderr, "{}{}", separator, platform::escapedControls(line));
+        separator = "\n";
     }
-    fmt::print(stderr, "{} [y/N] ", platform::escapedControls(question));
+    std::fputs(" [y/N] ", stderr);
     std::fflush(stderr);
     std::string answer;
     std::getline(std::cin, answer);
     if (!std::cin) std::fputs("\n", stderr);  // ended without the line that Enter would have ended
     answer = platform::lowerCased(answer);
-    if (answer == "y" || answer == "yes") return {};
-    return failed({"CommandLine", kOperationFailed, "not confirmed; nothing was removed"});
+    return answer == "y" || answer == "yes";
+}
+
+}  // namespace
+
+Outcome requireAnswerable(const std::string& why, bool sure) {
+    using platform::StandardStream;
+    if (sure || (platform::isTerminal(StandardStream::Input) &&
+                 platform::isTerminal(StandardStream::Error)))
+        return {};
+    return wrongWords(why + ": add --yes to do it without a question");
+}
+
+Outcome confirm(const Confirmation& confirmation, bool sure) {
+    if (auto answerable = requireAnswerable(confirmation.why, sure); sure || !answerable)
+        return answerable;
+    const auto question = confirmation.question();
+    if (!question) return std::unexpected(question.error());
+    if (agrees(*question)) return {};
+    return failed({"CommandLine", kOperationFailed, "not confirmed; " + confirmation.otherwise});
 }
 
 }  // namespace sweepwright::cli

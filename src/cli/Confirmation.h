@@ -1,15 +1,37 @@
 #pragma once
 
+#include <expected>
+#include <functional>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "cli/Failure.h"
 
 namespace sweepwright::cli {
 
-/// Asks whether to do what can't be undone. `sure` (the person said --yes) needs no question. On a
-/// terminal the question is put on standard error and only "y" or "yes" agrees: the failure is then
-/// of status kOperationFailed. Without a terminal nobody can answer, and the failure is of status
-/// kWrongWords.
-Outcome confirm(const std::string& question, bool sure);
+/// What a person is to agree to, since it can't be undone.
+struct Confirmation {
+    using Lines = std::vector<std::string>;
+
+    std::string why;        ///< told where nobody can be asked: "this removes data"
+    std::string otherwise;  ///< what holds after a no: "nothing was removed"
+    /// What is shown; the last line is the question. Made only when somebody is asked.
+    std::function<std::expected<Lines, Failure>()> question;
+
+    /// The question of lines that are known without work.
+    static auto asking(Lines lines) {
+        return [lines = std::move(lines)] { return lines; };
+    }
+};
+
+/// Asks for agreement. `sure` (the person said --yes) needs no question. On a terminal the question
+/// is put on standard error and only "y" or "yes" agrees: the failure is then of status
+/// kOperationFailed. Without a terminal it fails as requireAnswerable() does.
+Outcome confirm(const Confirmation& confirmation, bool sure);
+
+/// A failure of status kWrongWords where a question is needed and nobody can answer it, for who
+/// must work before it can ask.
+Outcome requireAnswerable(const std::string& why, bool sure);
 
 }  // namespace sweepwright::cli

@@ -1,6 +1,8 @@
 #pragma once
 
-#include "cli/Confirmation.h"
+#include <string>
+#include <utility>
+
 #include "cli/Interruption.h"
 #include "cli/Output.h"
 #include "cli/Progress.h"
@@ -17,10 +19,15 @@ class Context {
     [[nodiscard]] Progress& progress() { return progress_; }
     [[nodiscard]] Interruption& interruption() { return interruption_; }
 
+    /// What a person calls the current device; empty as long as none is open.
+    [[nodiscard]] const std::string& device() const { return device_; }
+    void setDevice(std::string device) { device_ = std::move(device); }
+
   private:
     Output& output_;
     Progress& progress_;
     Interruption& interruption_;
+    std::string device_;
 };
 
 }  // namespace sweepwright::cli

@@ -31,7 +31,7 @@ constexpr std::string_view kClosing =
   0  done
   1  the operation reported an error
   2  the words of the call are wrong
-  3  the device root can't be used
+  3  the device root can't be used, or is no device
   130, 143  stopped by an interrupt or a request to end
 
 Nothing is removed without a question or --yes, nothing outside the device root
@@ -156,6 +156,11 @@ std::string helpText(const Commands& commands, const std::string& words) {
     std::string text = exact != nullptr ? commandHelp(*exact) : "";
     if (!below.empty()) text += (text.empty() ? "" : "\n") + commandList(below);
     return text;
+}
+
+void showHelp(Output& output, const std::string& text) {
+    output.line(std::string_view(text).substr(0, text.size() - 1));
+    output.document(Json{{"help", text}});
 }
 
 }  // namespace sweepwright::cli

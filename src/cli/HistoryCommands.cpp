@@ -2,9 +2,12 @@
 #include <limits>
 #include <string>
 
+#include <fmt/format.h>
+
 #include "cli/Command.h"
 #include "cli/Confirmation.h"
 #include "cli/Context.h"
+#include "cli/ReadableDefaults.h"
 #include "cli/Text.h"
 #include "platform/DateText.h"
 #include "protection/CleanHistoryManager.h"
@@ -18,27 +21,49 @@ Json dateValue(const std::optional<CleanHistoryItem::Date>& date) {
     return date ? Json(platform::dateText(*date)) : Json(nullptr);
 }
 
-Outcome history(Context& context, const Call& call) {
-    const std::uint64_t limit =
-        call.number("--limit").value_or(std::numeric_limits<std::uint64_t>::max());
+Json recordsDocument(const std::vector<CleanHistoryItem>& records) {
     Json document = Json::array();
-    Table table({Align::Left, Align::Right, Align::Left, Align::Left});
-    for (const CleanHistoryItem& item :
-         CleanHistoryManager::sharedManager().getRecentCleanHistory(limit)) {
+    for (const CleanHistoryItem& item : records) {
         document.push_back(Json{{"identifier", item.identifier},
                                 {"cleanType", static_cast<std::int64_t>(item.cleanType)},
                                 {"cleanTypeName", replacingBadBytes(item.cleanTypeName)},
                                 {"cleanedBytes", item.cleanedBytes},
                                 {"cleanDate", platform::dateText(item.cleanDate)}});
+    }
+    return document;
+}
+
+/// The document of the records that are left after a change.
+void showRest(Output& output) {
+    output.document(recordsDocument(CleanHistoryManager::sharedManager().getAllCleanHistory()));
+}
+
+Outcome history(Context& context, const Call& call) {
+    if (auto readable = requireReadableDefaults(); !readable) return readable;
+    const std::uint64_t limit =
+        call.number("--limit").value_or(std::numeric_limits<std::uint64_t>::max());
+    const auto records = CleanHistoryManager::sharedManager().getRecentCleanHistory(limit);
+    Table table({Align::Left, Align::Right, Align::Left, Align::Left});
+    for (const CleanHistoryItem& item : records) {
         table.row({platform::dateText(item.cleanDate), sizeText(item.cleanedBytes), item.identifier,
                    item.cleanTypeName});
     }
-    context.output().document(document);
+    context.output().document(recordsDocument(records));
     context.output().table(table);
     return {};
 }
 
+Outcome confirmDeleting(std::size_t count, std::size_t stored, bool sure) {
+    const std::string question =
+        fmt::format("Delete {} of {}?", count, counted(stored, "record", "records"));
+    return confirm({.why = "this deletes records",
+                    .otherwise = "no record was deleted",
+                    .question = Confirmation::asking({question})},
+                   sure);
+}
+
 Outcome deleteHistory(Context& context, const Call& call) {
+    if (auto readable = requireReadableDefaults(); !readable) return readable;
     CleanHistoryManager& manager = CleanHistoryManager::sharedManager();
     const auto& identifiers = call.words("ID");
     const auto stored = manager.getAllCleanHistory();
@@ -48,22 +73,35 @@ Outcome deleteHistory(Context& context, const Call& call) {
                            identifier + ": no recorded clean has this identifier; none was "
                                         "deleted"});
     }
+    if (auto agreed = confirmDeleting(identifiers.size(), stored.size(), call.has("--yes"));
+        !agreed)
+        return agreed;
+    Table table({Align::Left, Align::Left});
     for (const std::string& identifier : identifiers) {
         CleanHistoryItem item;
         item.identifier = identifier;
         if (auto deleted = manager.deleteHistoryItem(item); !deleted)
             return failed(deleted.error());
+        table.row({"deleted", identifier});
     }
-    return history(context, Call());
+    showRest(context.output());
+    context.output().table(table);
+    return {};
 }
 
-Outcome clearHistory(Context& context, const Call& /*call*/) {
-    if (auto cleared = CleanHistoryManager::sharedManager().clearAllHistory(); !cleared)
-        return failed(cleared.error());
-    return history(context, Call());
+Outcome clearHistory(Context& context, const Call& call) {
+    if (auto readable = requireReadableDefaults(); !readable) return readable;
+    CleanHistoryManager& manager = CleanHistoryManager::sharedManager();
+    const std::size_t count = manager.getAllCleanHistory().size();
+    if (auto agreed = confirmDeleting(count, count, call.has("--yes")); !agreed) return agreed;
+    if (auto cleared = manager.clearAllHistory(); !cleared) return failed(cleared.error());
+    showRest(context.output());
+    context.output().line("deleted " + counted(count, "record", "records"));
+    return {};
 }
 
 Outcome stats(Context& context, const Call& /*call*/) {
+    if (auto readable = requireReadableDefaults(); !readable) return readable;
     const CleanHistoryStatistics kept = CleanHistoryManager::sharedManager().getStatistics();
     const CleanStatistics::Totals running = CleanStatistics::sharedStatistics().totals();
     context.output().document(
@@ -90,6 +128,8 @@ Outcome stats(Context& context, const Call& /*call*/) {
 
 void addHistoryCommands(Commands& commands) {
     constexpr const char* kGroup = "Records";
+    const std::vector<Option> options{
+        {.name = "--yes", .value = "", .help = "do it without a question"}};
     commands.push_back({.words = "history",
                         .group = kGroup,
                         .summary = "list the recorded cleans, newest first",
@@ -100,10 +140,12 @@ void addHistoryCommands(Commands& commands) {
                         .group = kGroup,
                         .summary = "delete records",
                         .positionals = {{.name = "ID", .help = "identifiers", .many = true}},
+                        .options = options,
                         .run = deleteHistory});
     commands.push_back({.words = "history clear",
                         .group = kGroup,
                         .summary = "delete all records",
+                        .options = options,
                         .run = clearHistory});
     commands.push_back({.words = "stats",
                         .group = kGroup,

@@ -2,6 +2,7 @@
 
 #include "cli/Command.h"
 #include "cli/Context.h"
+#include "cli/ReadableDefaults.h"
 #include "cli/Text.h"
 #include "localization/LanguageManager.h"
 
@@ -19,6 +20,7 @@ std::vector<std::string> languageCodes() {
 }
 
 Outcome language(Context& context, const Call& call) {
+    if (auto readable = requireReadableDefaults(); !readable) return readable;
     LanguageManager& manager = LanguageManager::sharedManager();
     if (const auto& words = call.words("CODE"); !words.empty())
         if (auto set = manager.setLanguage(words.front()); !set) return failed(set.error());
@@ -29,6 +31,7 @@ Outcome language(Context& context, const Call& call) {
 }
 
 Outcome text(Context& context, const Call& call) {
+    if (auto readable = requireReadableDefaults(); !readable) return readable;
     const LanguageManager& manager = LanguageManager::sharedManager();
     Json document = Json::object();
     for (const std::string& key : call.words("KEY")) {

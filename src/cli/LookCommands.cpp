@@ -11,6 +11,8 @@
 #include "cli/Text.h"
 #include "engine/FileCleanerEngine.h"
 #include "platform/DateText.h"
+#include "platform/Device.h"
+#include "platform/HostFileManager.h"
 
 namespace sweepwright::cli {
 
@@ -77,6 +79,15 @@ Outcome listCategory(Context& context, const Call& call) {
     return {};
 }
 
+/// The figures of a tree that was copied to a disk are not the device's.
+void tellWhoseDisk(Output& output) {
+    const platform::DeviceRoot& root = *platform::Device::current().root();
+    const auto mount = root.mountAbove();
+    if (!mount) return;
+    output.line(fmt::format("of the disk mounted at {}, on which {} is a folder",
+                            Output::shown(*mount), Output::shown(root.hostFolder())));
+}
+
 Outcome storage(Context& context, const Call& /*call*/) {
     const auto info = FileCleanerEngine::sharedEngine().getStorageInfo();
     if (!info) {
@@ -104,6 +115,7 @@ Outcome storage(Context& context, const Call& /*call*/) {
     table.row({"free", info->freeSpaceFormatted, ""});
     table.row({"available", info->availableSpaceFormatted, ""});
     context.output().table(table);
+    tellWhoseDisk(context.output());
     return {};
 }
 

@@ -8,15 +8,26 @@
 
 #include "engine/StorageAnalyzer.h"
 #include "platform/ControlText.h"
+#include "platform/Terminal.h"
 
 namespace sweepwright::cli {
+
+namespace {
+
+/// On standard error.
+void writeLine(std::string line) {
+    line += '\n';
+    std::fwrite(line.data(), 1, line.size(), stderr);
+}
+
+}  // namespace
 
 std::string sizeText(std::uint64_t bytes) {
     return StorageAnalyzer::formatBytes(bytes);
 }
 
-std::string Output::shown(std::string_view bytes) const {
-    return terminal_ ? platform::escapedControls(bytes) : std::string(bytes);
+std::string Output::shown(std::string_view bytes) {
+    return platform::escapedControls(bytes);
 }
 
 void Output::line(std::string_view text) {
@@ -27,7 +38,7 @@ void Output::line(std::string_view text) {
 
 void Output::table(const Table& table) {
     if (json_) return;
-    pending_ += table.text([this](std::string_view cell) { return shown(cell); });
+    pending_ += table.text(shown);
 }
 
 void Output::document(const Json& document) {
@@ -45,8 +56,13 @@ platform::Result<> Output::flush() {
 }
 
 void complain(std::string_view text) {
-    const std::string line = fmt::format("sweepctl: {}\n", platform::escapedControls(text));
-    std::fwrite(line.data(), 1, line.size(), stderr);
+    writeLine(fmt::format("sweepctl: {}", platform::escapedControls(text)));
+}
+
+void remark(std::string_view text) {
+    if (!platform::isTerminal(platform::StandardStream::Error)) return;
+    if (platform::terminalIsDumb()) return complain(text);
+    writeLine(fmt::format("\x1b[2msweepctl: {}\x1b[22m", platform::escapedControls(text)));
 }
 
 }  // namespace sweepwright::cli

@@ -23,8 +23,9 @@ class Output {
     /// Whether a person reads standard output; false for a document.
     [[nodiscard]] bool toPerson() const { return terminal_ && !json_; }
 
-    /// A name as it may be shown: escaped on a terminal, the very bytes into a pipe.
-    [[nodiscard]] std::string shown(std::string_view bytes) const;
+    /// A name as text shows it, whoever reads: control characters escaped, so that a name with a
+    /// newline can't forge a line. Programs that need the very bytes read the document.
+    [[nodiscard]] static std::string shown(std::string_view bytes);
 
     /// Text; nothing in JSON mode. Names in it have gone through shown().
     void line(std::string_view text);
@@ -44,5 +45,7 @@ class Output {
 
 /// Writes "sweepctl: <text>" as one line on standard error, whatever `text` holds.
 void complain(std::string_view text);
+/// The same as a dim line for a person at a terminal; for nobody else.
+void remark(std::string_view text);
 
 }  // namespace sweepwright::cli

@@ -3,6 +3,8 @@
 #include <cerrno>
 #include <cstdio>
 #include <memory>
+#include <stop_token>
+#include <string>
 #include <utility>
 
 #include <fmt/format.h>
@@ -25,25 +27,48 @@ void report(Output& output, const Failure& failure) {
     if (!failure.documented) output.document(Json{{"error", errorValue(failure.error)}});
 }
 
-/// Opens the device the call names; wrong words about it are told from an unusable root.
-Outcome openDevice(const Invocation& invocation) {
-    const auto choice = launch::openCurrentDevice(invocation.global, launch::processEnvironment());
-    if (!choice) {
-        const bool words = choice.error().domain == platform::kDeviceOptionsErrorDomain;
-        return std::unexpected(
-            Failure{words ? kWrongWords : kDeviceUnusable, choice.error(), false});
-    }
+/// Whoever names no device should not take what they see for their own.
+std::string nameOf(const launch::DeviceChoice& choice) {
+    if (choice.isSampleDevice) return "the sample device in " + choice.options.rootFolder;
+    return platform::runsOnDevice() ? "this device" : choice.options.rootFolder;
+}
+
+/// The device the call names; none of the sample device is left when its making is interrupted.
+platform::Result<launch::DeviceChoice> chooseDevice(const Invocation& invocation,
+                                                    Context& context) {
+    std::stop_source stop;
+    const Interruption::Stoppable stoppable(context.interruption(), [&] { stop.request_stop(); });
+    return launch::chooseDevice(invocation.global, launch::processEnvironment(), stop.get_token());
+}
+
+/// Wrong words about the device are told from an unusable root.
+std::unexpected<Failure> unusable(const platform::Error& error) {
+    const bool words = error.domain == platform::kDeviceOptionsErrorDomain;
+    return std::unexpected(Failure{words ? kWrongWords : kDeviceUnusable, error, false});
+}
+
+/// Opens the device the call names.
+Outcome openDevice(const Invocation& invocation, Context& context) {
+    const auto choice = chooseDevice(invocation, context);
+    if (!choice) return unusable(choice.error());
+    if (context.interruption().signal())
+        return failed({"CommandLine", kOperationFailed, "interrupted; nothing was done"});
+    if (auto opened = launch::openCurrentDevice(choice->options); !opened)
+        return unusable(opened.error());
     if (choice->made) {
         complain(fmt::format("made a sample device of {} files ({}) in {}", choice->made->files,
                              sizeText(choice->made->bytes), choice->options.rootFolder));
     }
+    context.setDevice(nameOf(*choice));
+    if (choice->isSampleDevice)
+        remark(fmt::format("working on {}; --device-root names another", context.device()));
     return {};
 }
 
 Outcome runCommand(const Invocation& invocation, Context& context) {
     launch::startProgramLog("sweepctl", invocation.global.verbose, launch::processEnvironment());
     if (invocation.command->needsDevice) {
-        if (auto opened = openDevice(invocation); !opened) return opened;
+        if (auto opened = openDevice(invocation, context); !opened) return opened;
     }
     return invocation.command->run(context, invocation.call);
 }
@@ -66,9 +91,7 @@ int runInvocation(const Invocation& invocation, Output& output) {
 
 void showText(Output& output, const Commands& commands, const Invocation& invocation) {
     if (invocation.kind == Invocation::Kind::Help) {
-        const std::string text = helpText(commands, invocation.commandWords);
-        output.line(std::string_view(text).substr(0, text.size() - 1));
-        output.document(Json{{"help", text}});
+        showHelp(output, helpText(commands, invocation.commandWords));
     } else {
         output.line(fmt::format("sweepctl {}", kVersion));
         output.document(Json{{"version", kVersion}});

@@ -31,11 +31,6 @@ bool localeIsUtf8() {
     return false;
 }
 
-bool terminalIsDumb() {
-    const char* value = std::getenv("TERM");
-    return value == nullptr || *value == '\0' || std::string_view(value) == "dumb";
-}
-
 }  // namespace
 
 struct Progress::State {
@@ -67,7 +62,8 @@ struct Progress::State {
 
 std::unique_ptr<Progress> Progress::onStandardError(bool wanted) {
     Screen screen;
-    if (wanted && platform::isTerminal(platform::StandardStream::Error) && !terminalIsDumb()) {
+    if (wanted && platform::isTerminal(platform::StandardStream::Error) &&
+        !platform::terminalIsDumb()) {
         screen.write = [](std::string_view text) {
             std::fwrite(text.data(), 1, text.size(), stderr);
             std::fflush(stderr);

@@ -5,10 +5,15 @@
 #include <utility>
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include "cli/Command.h"
+#include "cli/Confirmation.h"
 #include "cli/Context.h"
 #include "cli/DevicePaths.h"
+#include "cli/KnownApps.h"
+#include "cli/PersonalPaths.h"
+#include "cli/Text.h"
 #include "protection/AppWhitelistManager.h"
 #include "protection/CustomPathManager.h"
 #include "protection/PathWhitelistManager.h"
@@ -33,6 +38,9 @@ struct StoredList {
     std::function<Words()> entries;  ///< what people have put there
     std::function<std::string(const std::string&)> storedForm;
     std::function<Outcome(const Words&)> validate;  ///< before anything is added
+    /// What a person should know of an entry that is to be added, in one line; empty for nothing.
+    std::function<std::string(const std::string&)> warning;
+    bool asksWhenWarned = false;  ///< whether adding such an entry needs a yes
     std::function<Result<>(const std::string&)> add;
     std::function<Result<>(const std::string&)> remove;
     std::function<Result<>()> clear;
@@ -91,34 +99,67 @@ Outcome change(const StoredList& list, Context& context, const Words& words, boo
     return {};
 }
 
-Outcome clear(const StoredList& list, Context& context) {
+/// Tells what is to be known of the entries, and asks where that needs a yes.
+Outcome warn(const StoredList& list, const Words& words, bool sure) {
+    Words warnings;
+    for (const std::string& word : words) {
+        if (std::string warning = list.warning(word); !warning.empty())
+            warnings.push_back(std::move(warning));
+    }
+    if (warnings.empty()) return {};
+    if (!list.asksWhenWarned || sure) {
+        std::ranges::for_each(warnings, complain);
+        return {};
+    }
+    Confirmation::Lines lines = warnings;
+    lines.emplace_back(words.size() == 1 ? "Add it?" : "Add them all?");
+    return confirm({.why = fmt::format("{}", fmt::join(warnings, "; ")),
+                    .otherwise = "nothing was added",
+                    .question = Confirmation::asking(std::move(lines))},
+                   sure);
+}
+
+Outcome add(const StoredList& list, Context& context, const Call& call) {
+    const Words& words = call.words(list.positional);
+    if (auto good = list.validate(words); !good) return good;
     if (auto readable = requireReadable(list); !readable) return readable;
-    const std::size_t count = list.entries().size();
+    if (auto warned = warn(list, words, call.has("--yes")); !warned) return warned;
+    return change(list, context, words, true);
+}
+
+Outcome clear(const StoredList& list, Context& context, bool sure) {
+    if (auto readable = requireReadable(list); !readable) return readable;
+    const std::string what =
+        fmt::format("{} from {}", counted(list.entries().size(), "entry", "entries"), list.words);
+    const auto agreed = confirm({.why = "this empties the list",
+                                 .otherwise = "the list is as it was",
+                                 .question = Confirmation::asking({"Remove " + what + "?"})},
+                                sure);
+    if (!agreed) return agreed;
     if (auto cleared = list.clear(); !cleared) return failed(cleared.error());
     showDocument(list, context.output());
-    context.output().line(fmt::format("removed {}", count));
+    context.output().line("removed " + what);
     return {};
 }
 
 void addListCommands(Commands& commands, const StoredList& list) {
     const std::string program = "sweepctl " + list.words;
     const Positional entries{.name = list.positional, .help = "one or more", .many = true};
+    const Option yes{.name = "--yes", .value = "", .help = "do it without a question"};
     commands.push_back(
         {.words = list.words,
          .group = kProtectionGroup,
          .summary = "show the list",
          .examples = {program},
          .run = [list](Context& context, const Call&) { return show(list, context); }});
-    commands.push_back({.words = list.words + " add",
-                        .group = kProtectionGroup,
-                        .summary = list.purpose,
-                        .positionals = {entries},
-                        .examples = {fmt::format("{} add {}", program, list.example)},
-                        .run = [list](Context& context, const Call& call) -> Outcome {
-                            const Words& words = call.words(list.positional);
-                            if (auto good = list.validate(words); !good) return good;
-                            return change(list, context, words, true);
-                        }});
+    commands.push_back(
+        {.words = list.words + " add",
+         .group = kProtectionGroup,
+         .summary = list.purpose,
+         .positionals = {entries},
+         .options = list.asksWhenWarned ? std::vector{yes} : std::vector<Option>(),
+         .examples = {fmt::format("{} add {}", program, list.example)},
+         .run = [list](Context& context, const Call& call) { return add(list, context, call); }});
     commands.push_back({.words = list.words + " remove",
                         .group = kProtectionGroup,
                         .summary = "take entries off the list",
@@ -126,11 +167,13 @@ void addListCommands(Commands& commands, const StoredList& list) {
                         .run = [list](Context& context, const Call& call) {
                             return change(list, context, call.words(list.positional), false);
                         }});
-    commands.push_back(
-        {.words = list.words + " clear",
-         .group = kProtectionGroup,
-         .summary = "take every entry off the list",
-         .run = [list](Context& context, const Call&) { return clear(list, context); }});
+    commands.push_back({.words = list.words + " clear",
+                        .group = kProtectionGroup,
+                        .summary = "take every entry off the list",
+                        .options = {yes},
+                        .run = [list](Context& context, const Call& call) {
+                            return clear(list, context, call.has("--yes"));
+                        }});
 }
 
 /// {"PATH": bool, …}. Keys can't hold bytes that are no UTF-8, so each such path is listed by its
@@ -174,6 +217,16 @@ void addCheckCommand(Commands& commands, const StoredList& list, const std::stri
 Words nothing() {
     return {};
 }
+std::string noWarning(const std::string& /*word*/) {
+    return {};
+}
+
+std::string warningOfPersonalData(const std::string& path) {
+    const std::string holds = personalDataAt(path);
+    if (holds.empty()) return {};
+    return fmt::format("{}: holds {}, and every clean of the caches would empty it", path, holds);
+}
+
 std::string asItIs(const std::string& word) {
     return word;
 }
@@ -192,6 +245,7 @@ StoredList pathWhitelist() {
         .entries = [=] { return manager().getUserDefinedPaths(); },
         .storedForm = PathWhitelistManager::normalizePath,
         .validate = checkDevicePaths,
+        .warning = noWarning,
         .add = [=](const std::string& path) { return manager().addPathToWhitelist(path); },
         .remove = [=](const std::string& path) -> Result<> {
             if (PathWhitelistManager::isBuiltInPath(path)) {
@@ -222,6 +276,7 @@ StoredList appWhitelist() {
         .entries = [=] { return manager().getAllWhitelistedApps(); },
         .storedForm = asItIs,
         .validate = [](const Words&) { return Outcome(); },
+        .warning = whyUnknownApp,  // who mistypes an identifier would believe an app protected
         .add = [=](const std::string& id) { return manager().addAppToWhitelist(id); },
         .remove = [=](const std::string& id) { return manager().removeAppFromWhitelist(id); },
         .clear = [=] { return manager().clearAllWhitelistedApps(); },
@@ -241,6 +296,8 @@ StoredList customPaths() {
         .entries = [=] { return manager().getAllCustomPaths(); },
         .storedForm = asItIs,
         .validate = checkDevicePaths,
+        .warning = warningOfPersonalData,
+        .asksWhenWarned = true,
         .add = [=](const std::string& path) { return manager().addCustomPath(path); },
         .remove = [=](const std::string& path) { return manager().removeCustomPath(path); },
         .clear = [=] { return manager().clearAllCustomPaths(); },

@@ -1,3 +1,6 @@
+#include <chrono>
+#include <stop_token>
+
 #include <fmt/format.h>
 
 #include "cli/Command.h"
@@ -11,7 +14,12 @@ namespace {
 Outcome makeSample(Context& context, const Call& call) {
     const std::string& folder = call.word("DIR");
     const auto scale = static_cast<unsigned>(call.number("--scale").value_or(1));
-    const auto made = launch::makeSampleDevice(folder, scale);
+    std::stop_source stop;
+    const Interruption::Stoppable stoppable(context.interruption(), [&] { stop.request_stop(); });
+    context.progress().update("making a sample device", 0);
+    const auto made =
+        launch::makeSampleDevice(folder, scale, std::chrono::system_clock::now(), stop.get_token());
+    context.progress().clear();
     if (!made) return failed(made.error());
 
     Output& output = context.output();

@@ -7,6 +7,8 @@
 #include <iterator>
 #include <span>
 
+#include <fmt/format.h>
+
 #include "platform/Utf8.h"
 
 namespace sweepwright::cli {
@@ -125,6 +127,10 @@ std::string base64(std::string_view bytes) {
         }
     }
     return text;
+}
+
+std::string counted(std::uint64_t count, std::string_view one, std::string_view many) {
+    return fmt::format("{} {}", count, count == 1 ? one : many);
 }
 
 }  // namespace sweepwright::cli

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -20,5 +21,8 @@ std::size_t displayWidth(std::string_view text);
 std::string truncatedToWidth(std::string_view text, std::size_t columns);
 
 std::string base64(std::string_view bytes);
+
+/// "1 entry", "352 entries".
+std::string counted(std::uint64_t count, std::string_view one, std::string_view many);
 
 }  // namespace sweepwright::cli

@@ -1,6 +1,7 @@
 #include "launch/GlobalOptions.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <system_error>
@@ -34,10 +35,11 @@ std::optional<std::string> baseFolder(const Environment& environment, const std:
 }
 
 /// Makes the sample device at `folder` unless it is there.
-Result<std::optional<SampleDeviceSummary>> ensureSampleDevice(const std::string& folder) {
+Result<std::optional<SampleDeviceSummary>> ensureSampleDevice(const std::string& folder,
+                                                              const std::stop_token& stop) {
     std::error_code ignored;
     if (fs::exists(fs::symlink_status(folder, ignored))) return std::nullopt;
-    auto made = makeSampleDevice(folder, 1);
+    auto made = makeSampleDevice(folder, 1, std::chrono::system_clock::now(), stop);
     if (made) return *made;
     if (fs::is_directory(folder, ignored)) return std::nullopt;  // another process was first
     return std::unexpected(std::move(made.error()));
@@ -66,7 +68,8 @@ Environment processEnvironment() {
     };
 }
 
-Result<DeviceChoice> chooseDevice(const GlobalOptions& options, const Environment& environment) {
+Result<DeviceChoice> chooseDevice(const GlobalOptions& options, const Environment& environment,
+                                  const std::stop_token& stop) {
     DeviceChoice choice;
     choice.options.home = options.home ? options.home : variable(environment, "SWEEPWRIGHT_HOME");
     choice.options.temporaryDirectory = options.temporaryDirectory;
@@ -92,7 +95,7 @@ Result<DeviceChoice> chooseDevice(const GlobalOptions& options, const Environmen
     }
     choice.options.rootFolder = *data + "/sweepwright/sample-device";
     choice.isSampleDevice = true;
-    auto made = ensureSampleDevice(choice.options.rootFolder);
+    auto made = ensureSampleDevice(choice.options.rootFolder, stop);
     if (!made) return std::unexpected(std::move(made.error()));
     choice.made = *made;
     return choice;
@@ -110,14 +113,11 @@ void startProgramLog(const std::string& name, bool verbose, const Environment& e
     platform::startLog(log);
 }
 
-Result<DeviceChoice> openCurrentDevice(const GlobalOptions& options,
-                                       const Environment& environment) {
-    auto choice = chooseDevice(options, environment);
-    if (!choice) return choice;
-    auto device = platform::Device::open(choice->options);
+Result<> openCurrentDevice(const platform::DeviceOptions& options) {
+    auto device = platform::Device::open(options);
     if (!device) return std::unexpected(std::move(device.error()));
     platform::Device::setCurrent(std::move(*device));
-    return choice;
+    return {};
 }
 
 }  // namespace sweepwright::launch

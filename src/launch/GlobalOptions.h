@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <optional>
+#include <stop_token>
 #include <string>
 
 #include "launch/SampleDevice.h"
@@ -34,16 +35,17 @@ struct DeviceChoice {
 
 /// Chooses the device: an option before its variable (an empty variable counts as unset), and with
 /// neither, "/" on a device and the bundled sample device elsewhere, which is made on first use.
-/// The preferred languages come from LC_ALL, LC_MESSAGES and LANG.
+/// The preferred languages come from LC_ALL, LC_MESSAGES and LANG. A stop ends the making of the
+/// sample device, of which nothing is left then.
 platform::Result<DeviceChoice> chooseDevice(const GlobalOptions& options,
-                                            const Environment& environment);
+                                            const Environment& environment,
+                                            const std::stop_token& stop = {});
 
 /// Starts the log of program `name`: a rotating file in $XDG_STATE_HOME/sweepwright, and standard
 /// error when `verbose`. A folder that can't be made leaves the file out.
 void startProgramLog(const std::string& name, bool verbose, const Environment& environment);
 
-/// Opens the chosen device and makes it the current one.
-platform::Result<DeviceChoice> openCurrentDevice(const GlobalOptions& options,
-                                                 const Environment& environment);
+/// Opens the device that was chosen and makes it the current one.
+platform::Result<> openCurrentDevice(const platform::DeviceOptions& options);
 
 }  // namespace sweepwright::launch

@@ -24,7 +24,8 @@ std::unexpected<Error> failed(Error error, std::string_view doing) {
 }  // namespace
 
 Result<SampleDeviceSummary> makeSampleDevice(const std::string& hostFolder, unsigned scale,
-                                             std::chrono::system_clock::time_point now) {
+                                             std::chrono::system_clock::time_point now,
+                                             const std::stop_token& stop) {
     constexpr std::string_view kDoing = "can't make a sample device";
     if (scale == 0) return failed(platform::errorFromErrno(EINVAL, "scale 0"), kDoing);
     auto folder = platform::NewHostFolder::begin(hostFolder);
@@ -34,7 +35,12 @@ Result<SampleDeviceSummary> makeSampleDevice(const std::string& hostFolder, unsi
 
     const std::string inFolder = fmt::format("{} in {}", kDoing, hostFolder);
     platform::HostFileManager files(*root);
-    const auto made = SampleDeviceBuilder(files, scale, now).build();
+    const auto made = SampleDeviceBuilder(files, scale, now, stop).build();
+    if (stop.stop_requested()) {
+        return failed(
+            {std::string(platform::kPosixErrorDomain), ECANCELED, "interrupted; nothing was made"},
+            inFolder);
+    }
     if (!made) return failed(made.error(), inFolder);
     const auto placed = folder->finish();
     if (!placed) return failed(placed.error(), inFolder);

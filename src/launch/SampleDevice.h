@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <stop_token>
 #include <string>
 
 #include "platform/Error.h"
@@ -19,9 +20,11 @@ struct SampleDeviceSummary {
 /// `scale` (1 or more) multiplies the number of files.
 ///
 /// Names, sizes and identifiers are the same each time; the files' ages are counted back from
-/// `now`. The tree appears whole or not at all: a failure leaves the folder as it was.
+/// `now`. The tree appears whole or not at all: a failure leaves the folder as it was, and so does
+/// a stop (ECANCELED), which is heeded after the file in hand.
 platform::Result<SampleDeviceSummary> makeSampleDevice(
     const std::string& hostFolder, unsigned scale,
-    std::chrono::system_clock::time_point now = std::chrono::system_clock::now());
+    std::chrono::system_clock::time_point now = std::chrono::system_clock::now(),
+    const std::stop_token& stop = {});
 
 }  // namespace sweepwright::launch

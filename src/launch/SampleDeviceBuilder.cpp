@@ -1,6 +1,7 @@
 #include "launch/SampleDeviceBuilder.h"
 
 #include <cerrno>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -71,10 +72,12 @@ std::string sampleUuid(std::string_view seed) {
 }
 
 SampleDeviceBuilder::SampleDeviceBuilder(platform::FileManager& files, unsigned scale,
-                                         std::chrono::system_clock::time_point now)
+                                         std::chrono::system_clock::time_point now,
+                                         std::stop_token stop)
     : files_(files),
       scale_(scale),
       now_(now),
+      stop_(std::move(stop)),
       home_("/var/mobile/Containers/Data/Application/" + sampleUuid("data com.sweepwright.app")) {}
 
 Result<SampleDeviceSummary> SampleDeviceBuilder::build() {
@@ -150,6 +153,7 @@ Result<> SampleDeviceBuilder::layLink(const std::string& path, const std::string
 
 Result<> SampleDeviceBuilder::finishFile(const std::string& path, std::uint64_t bytes,
                                          seconds age) {
+    if (stop_.stop_requested()) return std::unexpected(platform::errorFromErrno(ECANCELED, path));
     auto done = files_.setModificationDate(path, now_ - age);
     if (!done) return done;
     ++summary_.files;

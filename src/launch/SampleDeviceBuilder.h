@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <stop_token>
 #include <string>
 #include <string_view>
 #include <unordered_set>
@@ -20,9 +21,9 @@ class SampleDeviceBuilder {
   public:
     /// `files` must outlive this.
     SampleDeviceBuilder(platform::FileManager& files, unsigned scale,
-                        std::chrono::system_clock::time_point now);
+                        std::chrono::system_clock::time_point now, std::stop_token stop = {});
 
-    /// Makes everything; what was made before an error stays.
+    /// Makes everything; what was made before an error, or a stop (ECANCELED), stays.
     platform::Result<SampleDeviceSummary> build();
 
   private:
@@ -49,6 +50,7 @@ class SampleDeviceBuilder {
     platform::FileManager& files_;
     unsigned scale_;
     std::chrono::system_clock::time_point now_;
+    std::stop_token stop_;
     std::string home_;
     std::unordered_set<std::string> folders_;
     SampleDeviceSummary summary_;

@@ -71,6 +71,8 @@ platform::Result<> LanguageManager::setLanguage(std::optional<std::string_view> 
 }
 
 platform::Result<> LanguageManager::store() const {
+    // The store would set a damaged file aside and begin a new one, without all that protects.
+    if (auto damage = defaults_.damage()) return std::unexpected(*std::move(damage));
     return defaults_.updateAll([this](PropertyList::Dictionary& all) {
         all.set(std::string(kLanguageKey), currentLanguage_);
         all.set(std::string(kPreferredLanguagesKey), PropertyList::Array{currentLanguage_});

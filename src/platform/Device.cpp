@@ -1,6 +1,7 @@
 #include "platform/Device.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <utility>
@@ -43,6 +44,21 @@ bool isOwnContainer(FileManager& files, const std::string& folder) {
     const PropertyList* identifier = list->dictionary()->find("MCMMetadataIdentifier");
     return identifier != nullptr && identifier->string() != nullptr &&
            *identifier->string() == kBundleIdentifier;
+}
+
+/// Whether the tree has what every device has; an error tells why it can't be taken for one.
+Result<> requireDeviceTree(FileManager& files, const std::string& rootFolder) {
+    for (const char* path : {"/var/mobile", "/private/var/mobile"}) {
+        const auto found = files.attributes(path, LastLink::Follow);
+        if (found && found->type == FileType::Directory) return {};
+        const bool absent = found || found.error().code == ENOENT || found.error().code == ENOTDIR;
+        if (!absent) return std::unexpected(found.error());
+    }
+    return std::unexpected(
+        Error{std::string(kPosixErrorDomain), ENODEV,
+              rootFolder + ": is no device, since it has neither /var/mobile nor "
+                           "/private/var/mobile; name the folder that is the device's \"/\", or "
+                           "say with --home where the app lives"});
 }
 
 std::string findHome(FileManager& files) {
@@ -109,6 +125,8 @@ Result<Device> Device::open(const DeviceOptions& options) {
         if (!home) return std::unexpected(std::move(home.error()));
         device.home_ = std::move(*home);
     } else {
+        auto usable = requireDeviceTree(files, options.rootFolder);
+        if (!usable) return std::unexpected(std::move(usable.error()));
         device.home_ = findHome(files);
     }
     auto temporary = devicePath(files, "temporary directory",

@@ -41,11 +41,13 @@ struct DeviceOptions {
 class Device {
   public:
     /// Opens the root and finds the home directory: the data container whose metadata names
-    /// "com.sweepwright.app", else "/var/mobile". A home or temporary directory that is given must
-    /// be an absolute device path below "/" without "." and ".."; repeated and trailing "/" go, and
+    /// "com.sweepwright.app", else "/var/mobile". A root with neither "/var/mobile" nor
+    /// "/private/var/mobile" is no device and an error, unless a home is given. A home or temporary
+    /// directory that is given must be an absolute device path below "/" without "." and "..";
+    /// repeated and trailing "/" go, and
     /// "/private/var" reads "/var" where that is the same directory, so that protected paths are
     /// recognised by their names. An error of kDeviceOptionsErrorDomain is about these two, any
-    /// other about the root.
+    /// other about the root. Nothing is created.
     static Result<Device> open(const DeviceOptions& options);
 
     /// The device that shared instances work on. Set once in `main` before the first of them is

@@ -5,6 +5,8 @@
 #include <climits>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
+#include <system_error>
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -206,6 +208,21 @@ Result<std::shared_ptr<const DeviceRoot>> DeviceRoot::open(const std::string& ho
     }
 #endif
     return std::shared_ptr<const DeviceRoot>(new DeviceRoot(std::move(descriptor), hostFolder));
+}
+
+std::optional<std::string> DeviceRoot::mountAbove() const {
+    namespace fs = std::filesystem;
+    std::error_code unknown;
+    const fs::path root = fs::canonical(hostFolder_, unknown);
+    struct stat own{};
+    if (unknown || fstat(descriptor(), &own) != 0) return std::nullopt;
+    fs::path folder = root;
+    for (; folder.has_relative_path(); folder = folder.parent_path()) {
+        struct stat above{};
+        if (stat(folder.parent_path().c_str(), &above) != 0 || above.st_dev != own.st_dev) break;
+    }
+    if (folder == root) return std::nullopt;
+    return folder.string();
 }
 
 HostFileManager::HostFileManager(std::shared_ptr<const DeviceRoot> root, Calls calls)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "platform/BeneathRoot.h"
@@ -18,6 +19,9 @@ class DeviceRoot {
 
     [[nodiscard]] int descriptor() const { return descriptor_.get(); }
     [[nodiscard]] const std::string& hostFolder() const { return hostFolder_; }
+    /// Where the disk is mounted on which the root is a mere folder, as a copied tree is; a host
+    /// path. None when the root is mounted itself.
+    [[nodiscard]] std::optional<std::string> mountAbove() const;
 
   private:
     DeviceRoot(UniqueDescriptor descriptor, std::string hostFolder)

@@ -226,10 +226,12 @@ Result<UniqueDescriptor> HostFileManager::openLock(const std::string& path) {
         inheritOwner(directory, entry->name);
     else if (errno == EEXIST)
         opened = UniqueDescriptor(openat(directory, name, O_RDWR | kFlags));
-    // Reading suffices for a lock where the file is another's.
-    if (!opened.valid() && errno == EACCES)
-        opened = UniqueDescriptor(openat(directory, name, O_RDONLY | kFlags));
-    if (!opened.valid()) return failed(errno, path);
+    if (opened.valid()) return opened;
+    const int number = errno;
+    // Reading suffices for a lock where the file is another's. Where there is none, that it can't
+    // be read is not why.
+    if (number == EACCES) opened = UniqueDescriptor(openat(directory, name, O_RDONLY | kFlags));
+    if (!opened.valid()) return failed(number, path);
     return opened;
 }
 

@@ -31,18 +31,23 @@ Result<std::string> makeStaging(const std::string& stem) {
 
 }  // namespace
 
-NewHostFolder::NewHostFolder(std::string target, std::string staging, bool targetExists)
-    : target_(std::move(target)), staging_(std::move(staging)), targetExists_(targetExists) {}
+NewHostFolder::NewHostFolder(std::string target, bool targetExists)
+    : target_(std::move(target)), targetExists_(targetExists) {}
 
 NewHostFolder::NewHostFolder(NewHostFolder&& other) noexcept
     : target_(std::move(other.target_)),
       staging_(std::exchange(other.staging_, {})),
-      targetExists_(other.targetExists_) {}
+      targetExists_(other.targetExists_),
+      foldersMade_(std::exchange(other.foldersMade_, 0)) {}
 
 NewHostFolder::~NewHostFolder() {
     // Links in it are removed, not followed.
     std::error_code ignored;
     if (!staging_.empty()) fs::remove_all(staging_, ignored);
+    // What somebody else put into one of these keeps it and those above it.
+    fs::path folder = fs::path(target_).parent_path();
+    for (; foldersMade_ > 0; --foldersMade_, folder = folder.parent_path())
+        fs::remove(folder, ignored);
 }
 
 Result<NewHostFolder> NewHostFolder::begin(const std::string& target) {
@@ -53,25 +58,44 @@ Result<NewHostFolder> NewHostFolder::begin(const std::string& target) {
     if (!path.has_filename()) path = path.parent_path();
 
     const fs::file_status status = fs::status(path, why);
-    if (fs::is_directory(status)) {
+    const bool exists = fs::is_directory(status);
+    if (exists) {
         const bool empty = fs::is_empty(path, why);
         if (why) return failed(why, target);
         if (!empty) return std::unexpected(errorFromErrno(ENOTEMPTY, target));
-        auto staging = makeStaging((path / ".making-").string());
-        if (!staging) return std::unexpected(staging.error());
-        return NewHostFolder(path.string(), std::move(*staging), true);
+    } else {
+        if (fs::exists(status)) return std::unexpected(errorFromErrno(ENOTDIR, target));
+        if (status.type() != fs::file_type::not_found) return failed(why, target);
+        if (fs::exists(fs::symlink_status(path, why)))
+            return std::unexpected(errorFromErrno(EEXIST, target));
     }
-    if (fs::exists(status)) return std::unexpected(errorFromErrno(ENOTDIR, target));
-    if (status.type() != fs::file_type::not_found) return failed(why, target);
-    if (fs::exists(fs::symlink_status(path, why)))
-        return std::unexpected(errorFromErrno(EEXIST, target));
 
-    fs::create_directories(path.parent_path(), why);
-    if (why) return failed(why, path.parent_path().string());
-    const std::string hidden = "." + path.filename().string() + ".making-";
-    auto staging = makeStaging((path.parent_path() / hidden).string());
+    NewHostFolder folder(path.string(), exists);
+    if (!exists)
+        if (auto made = folder.makeFoldersAbove(); !made) return std::unexpected(made.error());
+    const fs::path stem = exists
+                              ? path / ".making-"
+                              : path.parent_path() / ("." + path.filename().string() + ".making-");
+    auto staging = makeStaging(stem.string());
     if (!staging) return std::unexpected(staging.error());
-    return NewHostFolder(path.string(), std::move(*staging), false);
+    folder.staging_ = std::move(*staging);
+    return folder;
+}
+
+Result<> NewHostFolder::makeFoldersAbove() {
+    std::error_code why;
+    std::vector<fs::path> missing;
+    fs::path folder = fs::path(target_).parent_path();
+    for (; !fs::exists(folder, why); folder = folder.parent_path())
+        missing.push_back(folder);
+    if (!fs::is_directory(folder, why))
+        return std::unexpected(errorFromErrno(ENOTDIR, folder.string()));
+    for (; !missing.empty(); missing.pop_back()) {
+        // One that somebody else has made meanwhile stays, and so do those above it.
+        foldersMade_ = fs::create_directory(missing.back(), why) ? foldersMade_ + 1 : 0;
+        if (why) return failed(why, missing.back().string());
+    }
+    return {};
 }
 
 Result<> NewHostFolder::finish() {
@@ -86,6 +110,7 @@ Result<> NewHostFolder::finish() {
         fs::rename(staging_, target_, why);
     if (why) return failed(why, target_);
     staging_.clear();
+    foldersMade_ = 0;
     return {};
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 #include "platform/Error.h"
@@ -7,12 +8,12 @@
 namespace sweepwright::platform {
 
 /// A folder of the host that comes into being whole or not at all. It is filled in a staging
-/// folder; finish() puts it in place. Without that, the staging folder goes and the target is as it
-/// was before.
+/// folder; finish() puts it in place. Without that, the staging folder goes, so do the folders made
+/// above it, and the target is as it was before.
 class NewHostFolder {
   public:
     /// Prepares `target`, a host path: absent, or an empty folder. Folders above an absent one are
-    /// made and stay. Errors: ENOTEMPTY, ENOTDIR, EEXIST (a link that leads nowhere), or what the
+    /// made. Errors: ENOTEMPTY, ENOTDIR, EEXIST (a link that leads nowhere), or what the
     /// host says.
     static Result<NewHostFolder> begin(const std::string& target);
 
@@ -30,11 +31,14 @@ class NewHostFolder {
     Result<> finish();
 
   private:
-    NewHostFolder(std::string target, std::string staging, bool targetExists);
+    NewHostFolder(std::string target, bool targetExists);
+    [[nodiscard]] Result<> makeFoldersAbove();
+    void removeFoldersAbove() const;
     [[nodiscard]] Result<> moveEntries() const;
     std::string target_;
-    std::string staging_;  ///< empty once there is nothing left to remove
+    std::string staging_;  ///< empty as long as, or once, there is none to remove
     bool targetExists_;
+    std::size_t foldersMade_ = 0;  ///< how many of the folders right above the target
 };
 
 }  // namespace sweepwright::platform

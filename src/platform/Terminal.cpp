@@ -1,5 +1,8 @@
 #include "platform/Terminal.h"
 
+#include <cstdlib>
+#include <string_view>
+
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -7,6 +10,11 @@ namespace sweepwright::platform {
 
 bool isTerminal(StandardStream stream) {
     return isatty(static_cast<int>(stream)) == 1;
+}
+
+bool terminalIsDumb() {
+    const char* value = std::getenv("TERM");
+    return value == nullptr || *value == '\0' || std::string_view(value) == "dumb";
 }
 
 std::size_t terminalColumns(StandardStream stream) {

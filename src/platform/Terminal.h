@@ -10,6 +10,10 @@ enum class StandardStream { Input = 0, Output = 1, Error = 2 };
 /// Whether a person sits at the other end of `stream`.
 bool isTerminal(StandardStream stream);
 
+/// Whether the terminal, by $TERM, can do no more than write lines: no cursor to move, no faint
+/// text.
+bool terminalIsDumb();
+
 /// Width of the terminal at `stream` in columns, asked anew on every call since windows are
 /// resized; 80 when it does not tell.
 std::size_t terminalColumns(StandardStream stream);

@@ -244,6 +244,24 @@ TEST(AppDiscovery, TheExtractOperationSizesItsRecord) {
     EXPECT_TRUE(info->isSystemApp);
 }
 
+TEST(AppDiscovery, AnIdentifierIsInstalledByTheServiceAContainerOrABundle) {
+    AppsDevice device;
+    device.container("C1", "com.example.container");
+    device.bundle("B1", "X",
+                  platform::PropertyList(platform::PropertyList::Dictionary{
+                      {"CFBundleIdentifier", "com.example.bundle"}}));
+    ThirdPartyAppCacheManager manager(device.services());
+    EXPECT_THAT(manager.installedIdentifiers(),
+                ElementsAre("com.example.bundle", "com.example.container"));
+    EXPECT_TRUE(manager.isInstalled("com.example.container"));
+    EXPECT_TRUE(manager.isInstalled("com.example.bundle"));
+    EXPECT_FALSE(manager.isInstalled("com.example.service"));
+    EXPECT_FALSE(manager.isInstalled("com.example"));
+    device.workspace.offer({FakeApp::named("com.example.service")});
+    EXPECT_TRUE(manager.isInstalled("com.example.service"));
+    EXPECT_TRUE(manager.isInstalled("com.example.container")) << "which the service leaves out";
+}
+
 TEST(AppDiscovery, SystemAppsAreThoseOfThreeMakersAndOfTheSystemFolder) {
     const auto isSystem = ThirdPartyAppCacheManager::isSystemApp;
     const std::string ordinary = "/var/containers/Bundle/Application/B1/A.app";

@@ -100,6 +100,67 @@ TEST(AppsCleanCommand, AWhitelistedAppIsRefusedByName) {
     EXPECT_TRUE(sweepctl.device().exists(chat + "/Library/Caches/A"));
 }
 
+TEST(AppsCleanCommand, AnIdentifierThatNothingKnowsIsRefusedBeforeAnythingRuns) {
+    Sweepctl sweepctl;
+    const std::string chat = install(sweepctl.device(), "A", "com.example.chat", 10);
+    // What every app shares would be cleaned for any word.
+    const std::string shared =
+        "/var/mobile/Containers/Shared/AppGroup/.jbroot-1/var/mobile/Library/Caches/x";
+    sweepctl.device().file(shared, 1000);
+    for (const char* how : {"--yes", "--dry-run"}) {
+        const ProcessResult result =
+            sweepctl.run({"apps", "clean", "com.example.chat", "com.nothing", how});
+        EXPECT_EQ(result.status, 1);
+        EXPECT_EQ(result.output, "");
+        EXPECT_EQ(result.error,
+                  "sweepctl: com.nothing: no app with this identifier is installed; see sweepctl "
+                  "apps\n");
+    }
+    EXPECT_EQ(errorIn(sweepctl.run({"apps", "clean", "com.nothing", "--yes", "--json"}).output),
+              "com.nothing: no app with this identifier is installed; see sweepctl apps");
+    EXPECT_TRUE(sweepctl.device().exists(shared));
+    EXPECT_TRUE(sweepctl.device().exists(chat + "/Library/Caches/A"));
+    EXPECT_EQ(sweepctl.json({"history"}), json::array());
+}
+
+TEST(AppsCleanCommand, AnIdentifierThatNothingKnowsGetsTheOneThatWasMeant) {
+    Sweepctl sweepctl;
+    install(sweepctl.device(), "A", "com.example.chat", 10);
+    install(sweepctl.device(), "B", "com.example.mail", 10);
+    for (const char* mistyped : {"com.example.caht", "com.example.Chat", "CHAT"}) {
+        EXPECT_THAT(sweepctl.run({"apps", "clean", mistyped, "--yes"}).error,
+                    HasSubstr("did you mean \"com.example.chat\"?"));
+    }
+    EXPECT_THAT(sweepctl.run({"apps", "clean", "example", "--yes"}).error,
+                HasSubstr("see sweepctl apps"));
+}
+
+TEST(AppsCleanCommand, AnAppIsKnownByItsContainersNameOrItsBundleAlone) {
+    Sweepctl sweepctl;
+    sweepctl.device().file(kContainers + "com.example.old/tmp/a", 3);
+    sweepctl.device().fileWith(
+        "/var/containers/Bundle/Application/B/X.app/Info.plist",
+        PropertyList(PropertyList::Dictionary{{"CFBundleIdentifier", "com.example.new"}}).toXml());
+    EXPECT_EQ(sweepctl.run({"apps", "clean", "com.example.old", "--yes"}).output, "freed 3 B\n");
+    EXPECT_EQ(sweepctl.run({"apps", "clean", "com.example.new", "--yes"}).output, "freed 0 B\n");
+}
+
+TEST(AppsCleanCommand, TheQuestionNamesTheAppOrHowManyAreMeant) {
+    Sweepctl sweepctl;
+    const std::string chat = install(sweepctl.device(), "A", "com.example.chat", 10);
+    install(sweepctl.device(), "B", "com.example.mail", 5);
+    sweepctl.setTerminal(TerminalStreams::all());
+    Process several(sweepctl.options({"apps", "clean", "--all"}));
+    several.waitForText("Remove 15 B in 2 entries from the caches of 2 apps? [y/N] ");
+    several.type("n\n");
+    EXPECT_EQ(several.wait().status, 1);
+    Process one(sweepctl.options({"apps", "clean", "com.example.chat"}));
+    one.waitForText("Remove 10 B in 1 entry from the caches of com.example.chat? [y/N] ");
+    one.type("y\n");
+    EXPECT_EQ(one.wait().status, 0);
+    EXPECT_FALSE(sweepctl.device().exists(chat + "/Library/Caches/A"));
+}
+
 TEST(AppsCleanCommand, ADryRunRemovesNothingAndTellsWhatWouldGo) {
     Sweepctl sweepctl;
     const std::string chat = install(sweepctl.device(), "A", "com.example.chat", 10);

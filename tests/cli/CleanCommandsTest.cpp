@@ -55,7 +55,7 @@ TEST(CleanCommand, AllCleansEveryCategory) {
 ProcessResult answered(Sweepctl& sweepctl, const std::string& answer) {
     sweepctl.setTerminal(TerminalStreams::all());
     Process process(sweepctl.options({"clean", "temp"}));
-    process.waitForText("Remove temporary files? [y/N] ");
+    process.waitForText("Remove 10 B in 1 entry from temporary files? [y/N] ");
     process.type(answer);
     return process.wait();
 }
@@ -69,6 +69,46 @@ TEST(CleanCommand, OnATerminalTheDefaultAnswerIsNo) {
         EXPECT_THAT(result.screen, HasSubstr("not confirmed; nothing was removed"));
         EXPECT_TRUE(sweepctl.device().exists("/var/mobile/tmp/a"));
     }
+}
+
+/// What stands on the screen when this call asks; the answer is no.
+std::string screenOfQuestion(Sweepctl& sweepctl, const std::vector<std::string>& words) {
+    sweepctl.setTerminal(TerminalStreams::all());
+    Process process(sweepctl.options(words));
+    process.waitForText("? [y/N] ");
+    process.type("n\n");
+    return process.wait().screen;
+}
+
+TEST(CleanCommand, TheQuestionTellsBytesEntriesCustomPathsAndTheDevice) {
+    Sweepctl sweepctl;
+    sweepctl.device().file("/var/mobile/tmp/a", 10);
+    sweepctl.device().file(kOffline + "/tile", 5);
+    const std::string custom = "/var/cus\ntom";
+    sweepctl.device().file(custom + "/b", 100);
+    sweepctl.device().file("/var/mobile/Media/DCIM/1.HEIC", 1000);
+    EXPECT_EQ(sweepctl.run({"custom-paths", "add", custom}).status, 0);
+    EXPECT_EQ(sweepctl.run({"custom-paths", "add", "/var/mobile/Media", "--yes"}).status, 0);
+    const std::string device = "Device: " + sweepctl.device().root() + "\n";
+    const std::string paths =
+        "Custom paths: /var/cus\\ntom, /var/mobile/Media (photos, voice memos)\n";
+    EXPECT_THAT(screenOfQuestion(sweepctl, {"clean", "all"}),
+                HasSubstr(device + paths + "Remove 1.1 KB in 4 entries from 9 categories? [y/N] "));
+    EXPECT_THAT(screenOfQuestion(sweepctl, {"clean", "cache"}),
+                HasSubstr(device + paths + "Remove 1.1 KB in 2 entries from caches? [y/N] "));
+    EXPECT_THAT(screenOfQuestion(sweepctl, {"clean", "temp"}),
+                HasSubstr(device + "Remove 10 B in 1 entry from temporary files? [y/N] "));
+    EXPECT_TRUE(sweepctl.device().exists("/var/mobile/Media/DCIM/1.HEIC"));
+}
+
+TEST(CleanCommand, AListThatCanNotBeReadFailsBeforeTheQuestion) {
+    Sweepctl sweepctl;
+    sweepctl.device().fileWith("/var/mobile/Library/Preferences/com.sweepwright.app.plist",
+                               "damaged");
+    sweepctl.setTerminal(TerminalStreams::all());
+    const ProcessResult result = sweepctl.run({"clean", "temp"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.screen, testing::Not(HasSubstr("[y/N]")));
 }
 
 TEST(CleanCommand, OnATerminalYesCleansWithProgress) {
@@ -194,6 +234,9 @@ TEST(DeepCleanCommand, ItPreviewsAndSweepsTheSystemsCaches) {
     sweepctl.device().file(file, 100);
     EXPECT_EQ(sweepctl.json({"deep-clean", "--dry-run"})["wouldFree"], 100);
     EXPECT_TRUE(sweepctl.device().exists(file));
+    EXPECT_THAT(screenOfQuestion(sweepctl, {"deep-clean"}),
+                HasSubstr("Remove 100 B in 1 entry from the caches of the system? [y/N] "));
+    sweepctl.setTerminal(TerminalStreams::none());
     EXPECT_EQ(sweepctl.json({"deep-clean", "--yes"})["cleanedBytes"], 100);
     EXPECT_FALSE(sweepctl.device().exists(file));
 }

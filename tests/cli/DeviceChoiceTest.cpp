@@ -154,6 +154,51 @@ TEST(DeviceChoice, TheDataFolderIsInTheHomeFolderUnlessAnAbsoluteOneIsNamed) {
                 HasSubstr(sweepctl.homeFolder() + "/.local/share/sweepwright/sample-device"));
 }
 
+TEST(DeviceChoice, AFolderThatIsNoDeviceIsUnusableAndStaysAsItIs) {
+    const Sweepctl sweepctl;
+    const TemporaryFolder folder;
+    for (const Words& words :
+         {Words{"scan"}, Words{"clean", "all", "--yes"}, Words{"language", "en"}, Words{"history"},
+          Words{"whitelist", "paths", "add", "/a"}, Words{"storage"}}) {
+        Words bare{"--device-root", folder.path()};
+        bare.insert(bare.end(), words.begin(), words.end());
+        const ProcessResult result = sweepctl.runBare(bare);
+        expectUnusable(result, folder.path() + ": is no device");
+        EXPECT_THAT(result.error, HasSubstr("--home"));
+    }
+    EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
+}
+
+TEST(DeviceChoice, AFolderIsADeviceByItsPrivateFolderOrByANamedHome) {
+    const Sweepctl sweepctl;
+    TemporaryDevice copied;
+    copied.folder("/private/var/mobile");
+    EXPECT_EQ(sweepctl.runBare({"--device-root", copied.root(), "scan"}).status, 0);
+    TemporaryDevice other;
+    other.file("/app/tmp/f", 4);
+    const Words words{"--device-root", other.root(), "--home", "/app", "size", "temp"};
+    EXPECT_EQ(sweepctl.runBare(words).output, "4 B\n");
+    other.fileWith("/var/mobile", "a file");
+    EXPECT_EQ(sweepctl.runBare({"--device-root", other.root(), "scan"}).status, 3);
+}
+
+TEST(DeviceChoice, OnATerminalADimLineTellsOfTheSampleDevice) {
+    Sweepctl sweepctl;
+    const std::string folder =
+        "the sample device in " + sweepctl.homeFolder() + "/.local/share/sweepwright/sample-device";
+    EXPECT_EQ(sweepctl.runBare({"size", "temp"}).status, 0);  // makes it
+    sweepctl.setTerminal({.error = true});
+    for (const Words& words :
+         {Words{"size", "temp", "--json", "--no-progress"}, Words{"history", "--no-progress"}}) {
+        EXPECT_EQ(sweepctl.runBare(words).screen, "\x1b[2msweepctl: working on " + folder +
+                                                      "; --device-root names another\x1b[22m\n");
+    }
+    sweepctl.setVariable("TERM", "dumb");
+    EXPECT_EQ(sweepctl.runBare({"history"}).screen,
+              "sweepctl: working on " + folder + "; --device-root names another\n");
+    EXPECT_EQ(sweepctl.run({"history"}).screen, "") << "a device was named";
+}
+
 TEST(DeviceChoice, WithoutARootAndAHomeFolderThereIsNoDevice) {
     Sweepctl sweepctl;
     sweepctl.setVariable("HOME", "");

@@ -1,9 +1,11 @@
+#include <filesystem>
 #include <string>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "cli/Sweepctl.h"
+#include "support/ChildProcess.h"
 
 namespace sweepwright::test {
 namespace {
@@ -38,7 +40,7 @@ TEST(ListCommand, APathThatIsNotTextIsGivenAsBytesToo) {
     sweepctl.device().file("/var/mobile/tmp/a\xff", 1);
     EXPECT_EQ(sweepctl.json({"list", "temp"}), (json{{{"path", "/var/mobile/tmp/a\xEF\xBF\xBD"},
                                                       {"pathBytes", "L3Zhci9tb2JpbGUvdG1wL2H/"}}}));
-    EXPECT_EQ(sweepctl.run({"list", "temp"}).output, "/var/mobile/tmp/a\xff\n");
+    EXPECT_EQ(sweepctl.run({"list", "temp"}).output, "/var/mobile/tmp/a\\xFF\n");
 }
 
 TEST(ListCommand, OfflineDataHasNoList) {
@@ -55,6 +57,26 @@ TEST(StorageCommand, GivesTheThirteenFigures) {
     EXPECT_GT(storage.at("totalSpace"), 0U);
     EXPECT_TRUE(storage.at("userUsedSpaceFormatted").is_string());
     EXPECT_THAT(sweepctl.run({"storage"}).output, HasSubstr("available"));
+}
+
+TEST(StorageCommand, SaysOfACopiedTreeWhoseDiskTheFiguresAre) {
+    Sweepctl sweepctl;
+    EXPECT_THAT(sweepctl.run({"storage"}).output,
+                MatchesRegex("(.*\n)*of the disk mounted at /.*, on which " +
+                             sweepctl.device().root() + " is a folder\n"));
+}
+
+TEST(StorageCommand, SaysNothingMoreOfAMountedDevice) {
+    if (const std::string why = whyNoMounts(); !why.empty()) GTEST_SKIP() << why;
+    const Sweepctl sweepctl;
+    const TemporaryFolder mount;
+    withOwnMounts([&] {
+        mountMemory(mount.path());
+        std::filesystem::create_directories(mount.path() + "/var/mobile");
+        const ProcessResult result = sweepctl.runBare({"--device-root", mount.path(), "storage"});
+        EXPECT_EQ(result.status, 0) << result.error;
+        EXPECT_THAT(result.output, testing::Not(HasSubstr("of the disk")));
+    });
 }
 
 TEST(AnalyzeCommand, FindsLargeFiles) {
@@ -116,8 +138,11 @@ TEST(HistoryCommand, ListsDeletesAndClearsWhatWasCleaned) {
     const std::string newest = records[0].at("identifier");
     EXPECT_EQ(sweepctl.run({"history", "delete", newest, "unknown"}).status, 1);
     EXPECT_EQ(sweepctl.json({"history"}).size(), 2U) << "one unknown: none is deleted";
-    EXPECT_EQ(sweepctl.json({"history", "delete", newest}), (json{records[1]}));
-    EXPECT_EQ(sweepctl.json({"history", "clear"}), json::array());
+    EXPECT_EQ(sweepctl.run({"history", "delete", newest}).status, 2);
+    EXPECT_EQ(sweepctl.run({"history", "clear"}).status, 2);
+    EXPECT_EQ(sweepctl.json({"history"}).size(), 2U) << "deleted without a yes";
+    EXPECT_EQ(sweepctl.json({"history", "delete", newest, "--yes"}), (json{records[1]}));
+    EXPECT_EQ(sweepctl.json({"history", "clear", "--yes"}), json::array());
 
     const json stats = sweepctl.json({"stats"});
     EXPECT_EQ(stats.at("history"), (json{{"totalCleanedBytes", 0},
@@ -127,6 +152,28 @@ TEST(HistoryCommand, ListsDeletesAndClearsWhatWasCleaned) {
     EXPECT_EQ(stats.at("running").at("totalCleanedBytes"), 150);
     EXPECT_EQ(stats.at("running").at("cleanCount"), 2);
     EXPECT_EQ(stats.at("running").at("lastCleanDate"), records[0].at("cleanDate"));
+}
+
+TEST(HistoryCommand, AsksOnATerminalAndTellsWhatItDeleted) {
+    Sweepctl sweepctl;
+    for (int i = 0; i < 3; ++i) {
+        sweepctl.device().file("/var/mobile/tmp/a", 1);
+        EXPECT_EQ(sweepctl.run({"clean", "temp", "--yes"}).status, 0);
+    }
+    const std::string newest = sweepctl.json({"history"})[0].at("identifier");
+    EXPECT_EQ(sweepctl.run({"history", "delete", newest, "--yes"}).output,
+              "deleted  " + newest + "\n");
+    sweepctl.setTerminal(TerminalStreams::all());
+    for (const char* answer : {"\n", "y\n"}) {
+        Process process(sweepctl.options({"history", "clear"}));
+        process.waitForText("Delete 2 of 2 records? [y/N] ");
+        process.type(answer);
+        const ProcessResult result = process.wait();
+        EXPECT_EQ(result.status, *answer == 'y' ? 0 : 1);
+        EXPECT_THAT(result.screen,
+                    HasSubstr(*answer == 'y' ? "deleted 2 records\n" : "no record was deleted"));
+    }
+    EXPECT_EQ(sweepctl.run({"history"}).screen, "");
 }
 
 TEST(LanguageCommand, ShowsAndSetsTheLanguageAndLooksTextsUp) {

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "cli/Sweepctl.h"
+#include "support/ChildProcess.h"
 
 namespace sweepwright::test {
 namespace {
@@ -37,7 +38,8 @@ TEST(WhitelistCommands, PathsAreAddedNormalisedAndRemovedByAnySpelling) {
     EXPECT_EQ(sweepctl.json({"whitelist", "paths"})["user"], (json{"/var/a", "/var/b", "/var/c"}));
     EXPECT_EQ(sweepctl.run({"whitelist", "paths", "remove", "/var/b/", "/var/x"}).output,
               "removed        /var/b/\nwas not there  /var/x\n");
-    EXPECT_EQ(sweepctl.run({"whitelist", "paths", "clear"}).output, "removed 2\n");
+    EXPECT_EQ(sweepctl.run({"whitelist", "paths", "clear", "--yes"}).output,
+              "removed 2 entries from whitelist paths\n");
     EXPECT_EQ(sweepctl.json({"whitelist", "paths"})["user"], json::array());
 }
 
@@ -45,8 +47,10 @@ TEST(WhitelistCommands, AChangeAnswersWithTheListAsItStands) {
     Sweepctl sweepctl;
     EXPECT_EQ(sweepctl.json({"whitelist", "paths", "add", "/var/a"})["user"], json{"/var/a"});
     EXPECT_EQ(sweepctl.json({"whitelist", "paths", "remove", "/var/a"})["user"], json::array());
+    for (const char* app : {"a", "b"})
+        sweepctl.device().folder(std::string("/var/mobile/Containers/Data/Application/") + app);
     EXPECT_EQ(sweepctl.json({"whitelist", "apps", "add", "b", "a"}), (json{"b", "a"}));
-    EXPECT_EQ(sweepctl.json({"whitelist", "apps", "clear"}), json::array());
+    EXPECT_EQ(sweepctl.json({"whitelist", "apps", "clear", "--yes"}), json::array());
     EXPECT_EQ(sweepctl.json({"custom-paths", "add", "/x/"}), json{"/x/"});
 }
 
@@ -116,6 +120,96 @@ TEST(WhitelistCommands, CustomPathsAreKeptAsTypedAndMatchByTheirBeginning) {
               json{"/var/mobile/Media/Foo/"});
 }
 
+TEST(WhitelistCommands, AListIsEmptiedAfterAQuestionOrWithYesOnly) {
+    for (const std::vector<std::string>& list : {std::vector<std::string>{"whitelist", "paths"},
+                                                 {"whitelist", "apps"},
+                                                 {"custom-paths"}}) {
+        Sweepctl sweepctl;
+        const auto run = [&](std::vector<std::string> more) {
+            more.insert(more.begin(), list.begin(), list.end());
+            return sweepctl.run(more);
+        };
+        EXPECT_EQ(run({"add", "/a", "/b"}).status, 0);
+        const std::string before = run({}).output;
+        const ProcessResult refused = run({"clear"});
+        EXPECT_EQ(refused.status, 2);
+        EXPECT_THAT(refused.error, HasSubstr("--yes"));
+        EXPECT_TRUE(isOneLine(refused.error)) << refused.error;
+        EXPECT_EQ(run({}).output, before);
+
+        sweepctl.setTerminal(TerminalStreams::all());
+        std::vector<std::string> words = list;
+        words.emplace_back("clear");
+        for (const char* answer : {"n\n", "y\n"}) {
+            Process process(sweepctl.options(words));
+            process.waitForText("Remove 2 entries from " + list.front());
+            process.type(answer);
+            const ProcessResult result = process.wait();
+            EXPECT_EQ(result.status, *answer == 'y' ? 0 : 1);
+            EXPECT_THAT(result.screen, HasSubstr(*answer == 'y' ? "removed 2 entries from "
+                                                                : "the list is as it was"));
+        }
+        sweepctl.setTerminal(TerminalStreams::none());
+        EXPECT_THAT(run({}).output, testing::Not(HasSubstr("/a")));
+    }
+}
+
+TEST(WhitelistCommands, AnIdentifierThatIsNotInstalledIsAddedAndToldOf) {
+    Sweepctl sweepctl;
+    sweepctl.device().folder("/var/mobile/Containers/Data/Application/com.example.chat");
+    const ProcessResult result =
+        sweepctl.run({"whitelist", "apps", "add", "com.example.chat", "com.example.chatt"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.output, "added  com.example.chat\nadded  com.example.chatt\n");
+    EXPECT_EQ(result.error,
+              "sweepctl: com.example.chatt: no app with this identifier is installed; did you mean "
+              "\"com.example.chat\"?\n");
+    EXPECT_EQ(sweepctl.json({"whitelist", "apps"}),
+              (json{"com.example.chat", "com.example.chatt"}));
+}
+
+const char* const kOfMedia =
+    "/var/mobile/Media: holds photos, voice memos, and every clean of the caches would empty it";
+
+TEST(CustomPathCommands, APathWithWhatPeopleKeepIsRefusedWithoutAQuestion) {
+    Sweepctl sweepctl;
+    sweepctl.device().file("/var/mobile/Media/DCIM/1.HEIC", 5);
+    sweepctl.device().link("/var/mobile/pictures", "Media/DCIM");
+    for (const char* path :
+         {"/var/mobile/Media", "/var/mobile/Media/DCIM/100APPLE/", "/var/mobile/pictures",
+          "/var/mobile/Library/SMS", "/var/mobile", "/private/var/mobile/Media",
+          "/var/mobile/Containers/Data/Application/X/Documents"}) {
+        const ProcessResult result = sweepctl.run({"custom-paths", "add", "/var/fine", path});
+        EXPECT_EQ(result.status, 2) << path;
+        EXPECT_THAT(result.error, HasSubstr(std::string(path) + ": holds ")) << path;
+        EXPECT_TRUE(isOneLine(result.error)) << result.error;
+    }
+    EXPECT_EQ(sweepctl.json({"custom-paths"}), json::array());
+    EXPECT_EQ(sweepctl.run({"custom-paths", "add", "/var/mobile/Media"}).error,
+              std::string("sweepctl: ") + kOfMedia + ": add --yes to do it without a question\n");
+}
+
+TEST(CustomPathCommands, APathWithWhatPeopleKeepIsAddedAfterAYes) {
+    Sweepctl sweepctl;
+    const ProcessResult sure = sweepctl.run({"custom-paths", "add", "/var/mobile/Media", "--yes"});
+    EXPECT_EQ(sure.status, 0);
+    EXPECT_EQ(sure.error, std::string("sweepctl: ") + kOfMedia + "\n");
+    EXPECT_EQ(sweepctl.run({"custom-paths", "clear", "--yes"}).status, 0);
+
+    sweepctl.setTerminal(TerminalStreams::all());
+    for (const char* answer : {"n\n", "y\n"}) {
+        Process process(sweepctl.options({"custom-paths", "add", "/var/mobile/Media"}));
+        process.waitForText(std::string(kOfMedia) + "\nAdd it? [y/N] ");
+        process.type(answer);
+        const ProcessResult result = process.wait();
+        EXPECT_EQ(result.status, *answer == 'y' ? 0 : 1);
+        EXPECT_THAT(result.screen,
+                    HasSubstr(*answer == 'y' ? "added  /var/mobile/Media" : "nothing was added"));
+    }
+    sweepctl.setTerminal(TerminalStreams::none());
+    EXPECT_EQ(sweepctl.json({"custom-paths"}), json{"/var/mobile/Media"});
+}
+
 TEST(WhitelistCommands, ADamagedListIsAnErrorAndNeverLooksEmpty) {
     Sweepctl sweepctl;
     sweepctl.device().fileWith("/var/mobile/Library/Preferences/com.sweepwright.app.plist",
@@ -126,23 +220,51 @@ TEST(WhitelistCommands, ADamagedListIsAnErrorAndNeverLooksEmpty) {
                                                   {"whitelist", "apps"},
                                                   {"whitelist", "apps", "clear"},
                                                   {"custom-paths"},
-                                                  {"custom-paths", "remove", "/a"}}) {
+                                                  {"custom-paths", "remove", "/a"},
+                                                  {"custom-paths", "clear", "--yes"},
+                                                  {"history"},
+                                                  {"history", "delete", "a", "--yes"},
+                                                  {"history", "clear", "--yes"},
+                                                  {"stats"},
+                                                  {"language"},
+                                                  {"language", "en"},
+                                                  {"language", "zh-Hans"},
+                                                  {"text", "Tab Home"}}) {
         const ProcessResult result = sweepctl.run(words);
         EXPECT_EQ(result.status, 1) << words[0];
         EXPECT_EQ(result.output, "");
         EXPECT_TRUE(isOneLine(result.error)) << result.error;
     }
-    EXPECT_EQ(
-        sweepctl.device().content("/var/mobile/Library/Preferences/com.sweepwright.app.plist"),
-        "damaged");
+    const std::string folder = "/var/mobile/Library/Preferences";
+    EXPECT_EQ(sweepctl.device().entriesBeneath(folder).size(), 1U) << "nothing was set aside";
+    EXPECT_EQ(sweepctl.device().content(folder + "/com.sweepwright.app.plist"), "damaged");
 }
 
-TEST(WhitelistCommands, ATerminalSeesControlCharactersEscapedAndAPipeTheirBytes) {
+TEST(WhitelistCommands, UserDefaultsThatMayNotBeWrittenNameTheTrueReason) {
+    if (const std::string why = whyNoOrdinaryUser(); !why.empty()) GTEST_SKIP() << why;
+    namespace fs = std::filesystem;
     Sweepctl sweepctl;
-    EXPECT_EQ(sweepctl.run({"custom-paths", "add", "/a\x1b[2J\nb\u202E"}).status, 0);
-    EXPECT_EQ(sweepctl.run({"custom-paths"}).output, "/a\x1b[2J\nb\u202E\n");
+    const std::string folder = "/var/mobile/Library/Preferences";
+    sweepctl.device().folder(folder);
+    fs::permissions(sweepctl.device().root(), fs::perms(0755));
+    fs::permissions(sweepctl.device().host(folder), fs::perms(0555));
+    asOrdinaryUser([&] {
+        const ProcessResult result = sweepctl.run({"whitelist", "paths", "add", "/a"});
+        EXPECT_EQ(result.status, 1);
+        EXPECT_EQ(result.error,
+                  "sweepctl: " + folder + "/com.sweepwright.app.plist.lock: Permission denied\n");
+    });
+    fs::permissions(sweepctl.device().host(folder), fs::perms(0755));
+}
+
+TEST(WhitelistCommands, ATerminalAndAPipeSeeControlCharactersEscapedAndADocumentHoldsThem) {
+    Sweepctl sweepctl;
+    const std::string path = "/a\x1b[2J\nb\u202E";
+    EXPECT_EQ(sweepctl.json({"custom-paths", "add", path}), json{path});
+    const std::string shown = "/a\\x1B[2J\\nb\\u{202E}\n";
+    EXPECT_EQ(sweepctl.run({"custom-paths"}).output, shown);
     sweepctl.setTerminal({.output = true});
-    EXPECT_EQ(sweepctl.run({"custom-paths"}).screen, "/a\\x1B[2J\\nb\\u{202E}\n");
+    EXPECT_EQ(sweepctl.run({"custom-paths"}).screen, shown);
 }
 
 TEST(WhitelistCommands, APathThatIsNotUtf8IsGivenByItsBytesToo) {
@@ -150,7 +272,7 @@ TEST(WhitelistCommands, APathThatIsNotUtf8IsGivenByItsBytesToo) {
     const std::string path = "/var/mobile/a\xFFz";
     const json shown = {{"path", "/var/mobile/a\uFFFDz"}, {"pathBytes", "L3Zhci9tb2JpbGUvYf96"}};
     EXPECT_EQ(sweepctl.json({"custom-paths", "add", path, "/var/b"}), (json{shown, "/var/b"}));
-    EXPECT_EQ(sweepctl.run({"custom-paths"}).output, path + "\n/var/b\n");
+    EXPECT_EQ(sweepctl.run({"custom-paths"}).output, "/var/mobile/a\\xFFz\n/var/b\n");
     EXPECT_EQ(sweepctl.json(
                   {"whitelist", "paths", "check", "/var/mobile/Library/Caches/GeoServices/\xFF"}),
               (json{{"/var/mobile/Library/Caches/GeoServices/\uFFFD", true},

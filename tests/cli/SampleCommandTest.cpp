@@ -1,3 +1,4 @@
+#include <csignal>
 #include <filesystem>
 #include <string>
 
@@ -58,6 +59,23 @@ TEST(SampleDevice, AFolderThatIsNotEmptyIsRefusedAndLeftAsItWas) {
     EXPECT_THAT(errorIn(document.output), HasSubstr("Directory not empty"));
     EXPECT_EQ(sweepctl.device().content("/keep"), "me");
     EXPECT_EQ(counted(folder)["files"], 1);
+}
+
+TEST(SampleDevice, AnInterruptLeavesNothingBehind) {
+    for (const int signal : {SIGINT, SIGTERM}) {
+        Sweepctl sweepctl;
+        const TemporaryFolder folder;
+        sweepctl.setTerminal({.error = true});
+        Process process(sweepctl.bareOptions(
+            {"sample-device", folder.path() + "/above/phone", "--scale", "1000"}));
+        process.waitForText("making a sample device");
+        process.signal(signal);
+        const ProcessResult result = process.wait();
+        EXPECT_EQ(result.status, 128 + signal);
+        EXPECT_EQ(result.output, "");
+        EXPECT_THAT(result.screen, HasSubstr("interrupted; nothing was made"));
+        EXPECT_TRUE(fs::is_empty(folder.path()));
+    }
 }
 
 TEST(SampleDevice, AnUnusableDeviceRootDoesNotMatterToIt) {

@@ -1,4 +1,5 @@
-// Names of the device that mean harm, in every command that shows them, on a terminal.
+// Names of the device that mean harm, in every command that shows them, on a terminal and in a
+// pipe.
 #include <string>
 #include <vector>
 
@@ -75,10 +76,10 @@ std::string withoutProgress(std::string screen) {
     return screen;
 }
 
-/// Runs a call with all streams on a terminal. Answers whether it showed a wicked name, escaped.
-bool showsSafely(Sweepctl& sweepctl, const Words& words) {
-    sweepctl.setTerminal(TerminalStreams::all());
-    const std::string screen = withoutProgress(sweepctl.run(words).screen);
+/// Runs a call. Answers whether it showed a wicked name, escaped.
+bool showsSafely(const Sweepctl& sweepctl, const Words& words) {
+    const ProcessResult result = sweepctl.run(words);
+    const std::string screen = withoutProgress(result.screen) + result.output + result.error;
     std::string call;
     for (const std::string& word : words)
         call += word + " ";
@@ -132,9 +133,11 @@ std::vector<Words> callsThatShowNames() {
     return calls;
 }
 
-TEST(TerminalNames, NoCommandLetsANameActOnTheTerminal) {
+/// Runs every call on one device with these streams on a terminal.
+void expectShownSafely(const TerminalStreams& terminal) {
     Sweepctl sweepctl;
     fill(sweepctl.device());
+    sweepctl.setTerminal(terminal);
     std::string silent;
     for (const Words& words : callsThatShowNames()) {
         if (showsSafely(sweepctl, words)) continue;
@@ -145,6 +148,14 @@ TEST(TerminalNames, NoCommandLetsANameActOnTheTerminal) {
     EXPECT_EQ(silent, "") << "these calls showed no name, so they prove nothing";
 }
 
+TEST(TerminalNames, NoCommandLetsANameActOnTheTerminal) {
+    expectShownSafely(TerminalStreams::all());
+}
+
+TEST(TerminalNames, NoCommandLetsANameForgeALineInAPipe) {
+    expectShownSafely(TerminalStreams::none());
+}
+
 TEST(TerminalNames, TheLogOfACleanDoesNotLetANameActOnTheTerminal) {
     for (const Words& words : {Words{"clean", "all", "--yes", "--verbose"},
                                Words{"apps", "clean", kWickedText, "--yes", "--verbose"},
@@ -152,6 +163,7 @@ TEST(TerminalNames, TheLogOfACleanDoesNotLetANameActOnTheTerminal) {
                                Words{"deep-clean", "--yes", "--verbose"}}) {
         Sweepctl sweepctl;
         fill(sweepctl.device());
+        sweepctl.setTerminal(TerminalStreams::all());
         const bool named = showsSafely(sweepctl, words);
         EXPECT_TRUE(named || words[0] == "deep-clean") << words[0];  // that log names no entry
     }

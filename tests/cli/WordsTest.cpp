@@ -84,6 +84,22 @@ TEST(Words, ASwitchTakesNoValue) {
     expectWrongWords({"scan", "--no-progress=false"}, "no-progress");
 }
 
+TEST(Words, JsonTakesAYesOrANo) {
+    const Sweepctl sweepctl;
+    for (const char* yes : {"--json=1", "--json=true", "--json=yes", "--json=on"}) {
+        EXPECT_EQ(sweepctl.run({"size", "temp", yes}).output,
+                  sweepctl.run({"size", "temp", "--json"}).output);
+        EXPECT_THAT(errorIn(sweepctl.run({"scna", yes}).output), HasSubstr("did you mean"));
+    }
+    for (const char* no : {"--json=0", "--json=false", "--json=no", "--json=off"}) {
+        EXPECT_EQ(sweepctl.run({"size", "temp", no}).output, "0 B\n");
+        EXPECT_EQ(sweepctl.run({"scna", no}).output, "");
+    }
+    const ProcessResult neither = sweepctl.run({"size", "temp", "--json=xml"});
+    EXPECT_EQ(neither.status, 2);
+    EXPECT_THAT(neither.error, HasSubstr("--json is yes or no, not \"xml\""));
+}
+
 TEST(Words, AnIdiomIsOneOfTwo) {
     expectWrongWords({"--idiom", "watch", "scan"}, "--idiom must be iphone or ipad");
 }
@@ -152,6 +168,17 @@ TEST(Words, HelpNamesEveryCommandAndTouchesNoDevice) {
                              "sample-device DIR [--scale N]", "--device-root DIR", "Exit status"})
         EXPECT_THAT(help.output, HasSubstr(part));
     EXPECT_EQ(sweepctl.runBare({"-h"}).output, help.output);
+}
+
+TEST(Words, HelpIsACommandToo) {
+    const Sweepctl sweepctl;
+    EXPECT_EQ(sweepctl.runBare({"help"}).output, sweepctl.runBare({"--help"}).output);
+    EXPECT_EQ(sweepctl.runBare({"help", "clean"}).output,
+              sweepctl.runBare({"clean", "--help"}).output);
+    EXPECT_EQ(sweepctl.runBare({"help", "whitelist", "paths", "add"}).output,
+              sweepctl.runBare({"whitelist", "paths", "add", "--help"}).output);
+    EXPECT_EQ(sweepctl.json({"help", "whitelist"}), sweepctl.json({"whitelist", "--help"}));
+    expectWrongWords({"help", "claen"}, "there is no command \"claen\"; did you mean \"clean\"?");
 }
 
 TEST(Words, HelpFitsATerminalOfEightyColumns) {

@@ -101,6 +101,7 @@ TEST_F(FrameTest, ThereIsOneSharedEngine) {
     test::inChildProcess([&] {
         platform::DeviceOptions options;
         options.rootFolder = d_.tree.root();
+        options.home = test::EngineDevice::kHome;
         platform::Device::setCurrent(platform::Device::open(options).value());
         FileCleanerEngine& engine = FileCleanerEngine::sharedEngine();
         EXPECT_EQ(&engine, &FileCleanerEngine::sharedEngine());

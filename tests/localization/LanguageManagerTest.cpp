@@ -170,6 +170,18 @@ TEST_F(LanguageManagerTest, ALanguageThatCannotBeStoredHoldsForThisRun) {
     EXPECT_EQ(manager.localizedStringForKey("Tab Home"), "首页");
 }
 
+TEST_F(LanguageManagerTest, DamagedUserDefaultsAreLeftAlone) {
+    const std::string folder = "/var/mobile/Library/Preferences";
+    device_.fileWith(defaults_.file(), "damaged");
+    LanguageManager manager = started({"en"});
+    const auto stored = manager.setLanguage("zh-Hans");
+    ASSERT_FALSE(stored.has_value());
+    EXPECT_NE(stored.error().description.find(defaults_.file()), std::string::npos);
+    EXPECT_EQ(manager.currentLanguage(), "zh-Hans");
+    EXPECT_EQ(device_.content(defaults_.file()), "damaged");
+    EXPECT_EQ(device_.files().contentsOfDirectory(folder)->size(), 1U) << "set aside";
+}
+
 // --- Names and texts ---
 
 TEST_F(LanguageManagerTest, TheSupportedLanguagesAreChineseAndEnglish) {

@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "platform/Device.h"
 #include "platform/FileManagerFixture.h"
 #include "support/ChildProcess.h"
 
@@ -73,6 +74,31 @@ TEST(DeviceRoot, ItStaysTheSameFolderWhenItIsRenamed) {
     std::filesystem::create_directories(before + "/others");
     EXPECT_TRUE(files.isDirectory("/mine"));
     EXPECT_FALSE(files.fileExists("/others"));
+}
+
+TEST(DeviceRoot, ACopiedTreeTellsWhereItsDiskIsMountedAndAMountedDeviceDoesNot) {
+    if (const std::string why = test::whyNoMounts(); !why.empty()) GTEST_SKIP() << why;
+    const test::TemporaryFolder folder;
+    test::withOwnMounts([&] {
+        test::mountMemory(folder.path());
+        std::filesystem::create_directories(folder.path() + "/copies/phone");
+        EXPECT_EQ(DeviceRoot::open(folder.path()).value()->mountAbove(), std::nullopt);
+        EXPECT_EQ(DeviceRoot::open(folder.path() + "/copies/phone").value()->mountAbove(),
+                  folder.path());
+    });
+}
+
+TEST(Device, ATreeWithoutAUsersHomeIsNoDeviceUnlessAHomeIsGiven) {
+    test::TemporaryDevice tree;
+    DeviceOptions options;
+    options.rootFolder = tree.root();
+    EXPECT_EQ(errorOf(Device::open(options)), ENODEV);
+    EXPECT_TRUE(tree.entriesBeneath("/").empty());
+    options.home = "/app";
+    EXPECT_TRUE(Device::open(options));
+    options.home.reset();
+    tree.folder("/private/var/mobile");
+    EXPECT_TRUE(Device::open(options));
 }
 
 }  // namespace sweepwright::platform

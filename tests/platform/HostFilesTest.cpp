@@ -348,6 +348,12 @@ TEST_P(HostFilesTest, AFileThatMayOnlyBeReadCanBeLocked) {
     test::asOrdinaryUser([&] { EXPECT_EQ(errorOf(files_.lock("/lock")), 0); });
 }
 
+TEST_P(HostFilesTest, ALockThatMayNotBeMadeSaysSo) {
+    if (const std::string why = test::whyNoOrdinaryUser(); !why.empty()) GTEST_SKIP() << why;
+    permit("/", 0555);
+    test::asOrdinaryUser([&] { EXPECT_EQ(errorOf(files_.lock("/lock")), EACCES); });
+}
+
 FOR_BOTH_CALLS(HostFilesTest);
 
 }  // namespace sweepwright::platform

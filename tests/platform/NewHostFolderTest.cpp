@@ -64,6 +64,31 @@ TEST_F(NewHostFolderTest, WhatIsNotFinishedLeavesNothing) {
     EXPECT_TRUE(fs::is_empty(at("/empty")));
 }
 
+TEST_F(NewHostFolderTest, FoldersMadeAboveGoWithWhatIsNotFinishedUnlessSomebodyUsesThem) {
+    {
+        ASSERT_TRUE(NewHostFolder::begin(at("/a/b/c/new")));
+    }
+    EXPECT_EQ(entries(), 0U);
+    fs::create_directory(at("/mine"));
+    {
+        ASSERT_TRUE(NewHostFolder::begin(at("/mine/a/new")));
+    }
+    EXPECT_TRUE(fs::is_empty(at("/mine")));
+    {
+        auto folder = NewHostFolder::begin(at("/a/b/new"));
+        ASSERT_TRUE(folder);
+        std::ofstream(at("/a/somebodys")) << "text";
+    }
+    EXPECT_FALSE(fs::exists(at("/a/b")));
+    EXPECT_TRUE(fs::exists(at("/a/somebodys")));
+}
+
+TEST_F(NewHostFolderTest, AFileAboveIsAnErrorAndNothingIsMade) {
+    std::ofstream(at("/file")) << "mine";
+    EXPECT_EQ(NewHostFolder::begin(at("/file/a/new")).error().code, ENOTDIR);
+    EXPECT_EQ(entries(), 1U);
+}
+
 TEST_F(NewHostFolderTest, WhatIsThereIsRefusedAndStays) {
     fs::create_directory(at("/full"));
     std::ofstream(at("/full/mine")) << "mine";

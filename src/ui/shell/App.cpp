@@ -41,10 +41,7 @@ platform::Result<> openDevice(const LaunchOptions& options) {
     auto choice = launch::chooseDevice(options.global, launch::processEnvironment());
     if (!choice) return std::unexpected(std::move(choice.error()));
     choice->options.osVersion = options.osVersion;
-    auto device = platform::Device::open(choice->options);
-    if (!device) return std::unexpected(std::move(device.error()));
-    platform::Device::setCurrent(std::move(*device));
-    return {};
+    return launch::openCurrentDevice(choice->options);
 }
 
 int runScene(QGuiApplication& application) {
@@ -97,17 +94,20 @@ void prepareEngine(QQmlEngine& engine, const AppIconStore& icons) {
     engine.addImageProvider(AppIconStore::kProvider, new AppIconProvider(icons));
 }
 
+std::optional<int> answerQuestion(const QStringList& words) {
+    const auto options = parseLaunchOptions(words);
+    if (!options || options->kind == LaunchOptions::Kind::Run) return std::nullopt;
+    say(stdout, options->kind == LaunchOptions::Kind::Help
+                    ? options->helpText.trimmed()
+                    : QStringLiteral("sweepwright ") + QCoreApplication::applicationVersion());
+    return kDone;
+}
+
 int runApp(QGuiApplication& application, const QStringList& words) {
+    // Qt has taken its own options away, so that the rest may be a question now.
+    if (const auto status = answerQuestion(words)) return *status;
     const auto options = parseLaunchOptions(words);
     if (!options) return complain(kWrongWords, options.error());
-    if (options->kind == LaunchOptions::Kind::Help) {
-        say(stdout, options->helpText.trimmed());
-        return kDone;
-    }
-    if (options->kind == LaunchOptions::Kind::Version) {
-        say(stdout, QStringLiteral("sweepwright ") + QGuiApplication::applicationVersion());
-        return kDone;
-    }
     launch::startProgramLog("sweepwright", options->global.verbose, launch::processEnvironment());
     if (const auto opened = openDevice(*options); !opened) {
         const bool wrongWords = opened.error().domain == platform::kDeviceOptionsErrorDomain;

@@ -23,6 +23,7 @@ void makeHome(TemporaryDevice& device) {
 
 platform::DeviceOptions described(const TestAppOptions& options) {
     platform::DeviceOptions wanted;
+    wanted.home = "/var/mobile";
     wanted.idiom = options.idiom;
     wanted.osVersion = platform::OperatingSystemVersion{options.osVersion, 0};
     return wanted;

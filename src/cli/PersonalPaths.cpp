@@ -1,0 +1,24 @@
+#include "cli/PersonalPaths.h"
+
+#include <algorithm>
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include "platform/Device.h"
+#include "platform/FileManager.h"
+#include "protection/PersonalData.h"
+
+namespace sweepwright::cli {
+
+std::string personalDataAt(const std::string& path) {
+    const std::string& home = platform::Device::current().homeDirectory();
+    auto held = personalDataIn(path, home);
+    if (const auto target = platform::FileManager::defaultManager().resolvedPath(path)) {
+        for (const std::string_view other : personalDataIn(*target, home))
+            if (std::ranges::find(held, other) == held.end()) held.push_back(other);
+    }
+    return fmt::format("{}", fmt::join(held, ", "));
+}
+
+}  // namespace sweepwright::cli
