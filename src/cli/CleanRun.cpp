@@ -19,13 +19,16 @@ struct CleanEnd {
 /// Turns the main queue until the clean has reported.
 CleanEnd awaitClean(Context& context, const CleanJob& job) {
     std::optional<CleanEnd> end;
-    job.start([&](const std::string& item,
-                  double fraction) { context.progress().update(item, fraction); },
-              [&](bool success, std::uint64_t bytes, const std::optional<platform::Error>& error) {
-                  end = CleanEnd{success, bytes, error};
-              });
-    // Starting makes the job forget an earlier stop, so a stop can be asked for from here on.
-    const Interruption::Stoppable stoppable(context.interruption(), job.stop);
+    const auto progress = [&](const std::string& item, double fraction) {
+        context.progress().update(item, fraction);
+    };
+    const auto completion = [&](bool success, std::uint64_t bytes,
+                                const std::optional<platform::Error>& error) {
+        end = CleanEnd{success, bytes, error};
+    };
+    // Starting makes the job forget an earlier stop: a signal waits until it has started.
+    const Interruption::Stoppable stoppable(context.interruption(), job.stop,
+                                            [&] { job.start(progress, completion); });
     platform::MainQueue::shared().runUntil([&] { return end.has_value(); });
     context.progress().clear();
     return *end;

@@ -29,8 +29,13 @@ void Interruption::arrived(int signal) {
 }
 
 Interruption::Stoppable::Stoppable(Interruption& interruption, std::function<void()> stop)
+    : Stoppable(interruption, std::move(stop), [] {}) {}
+
+Interruption::Stoppable::Stoppable(Interruption& interruption, std::function<void()> stop,
+                                   const std::function<void()>& start)
     : interruption_(interruption) {
     const std::scoped_lock lock(interruption_.mutex_);
+    start();
     interruption_.stop_ = std::move(stop);
 }
 

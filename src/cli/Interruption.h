@@ -25,6 +25,10 @@ class Interruption {
     class Stoppable {
       public:
         Stoppable(Interruption& interruption, std::function<void()> stop);
+        /// Calls `start` first. A signal that arrives meanwhile takes effect when `start` has
+        /// returned, so that `stop` finds work that it can stop.
+        Stoppable(Interruption& interruption, std::function<void()> stop,
+                  const std::function<void()>& start);
         ~Stoppable();
         Stoppable(const Stoppable&) = delete;
         Stoppable& operator=(const Stoppable&) = delete;

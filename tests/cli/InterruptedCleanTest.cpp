@@ -53,8 +53,6 @@ TEST(CleanCommand, AnInterruptDuringACleanReportsWhatWasFreedSoFar) {
         int removals = 0;
         beforeRemoval = [&] {
             if (++removals != 3) return;
-            // The main queue runs when the command has begun to listen.
-            platform::MainQueue::shared().sync([] {});
             std::raise(SIGINT);
             while (!interruption.signal())
                 std::this_thread::yield();

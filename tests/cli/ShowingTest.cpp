@@ -192,6 +192,19 @@ TEST_F(InterruptionTest, WorkThatCanBeStoppedIsAskedOnceAndTheSignalIsRemembered
     EXPECT_EQ(interruption.signal(), SIGTERM);
 }
 
+TEST_F(InterruptionTest, ASignalThatArrivesWhileWorkStartsStopsItOnceItHasStarted) {
+    Interruption interruption([] {});
+    bool started = false;
+    std::promise<bool> asked;
+    const Interruption::Stoppable stoppable(
+        interruption, [&] { asked.set_value(started); },
+        [&] {
+            std::raise(SIGTERM);
+            started = true;
+        });
+    EXPECT_TRUE(asked.get_future().get());
+}
+
 TEST_F(InterruptionDeathTest, WithoutSuchWorkTheProgramTidiesUpAndEndsWithTheSignalsStatus) {
     const auto interrupted = [](int signal) {
         Interruption interruption([] { std::fputs("tidied", stderr); });
