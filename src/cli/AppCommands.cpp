@@ -44,7 +44,7 @@ Json appValue(const AppCacheInfo& app) {
 
 /// Scans on the manager's queue while the main queue shows how far it is.
 AppList scanApps(Context& context, bool thirdPartyOnly) {
-    ThirdPartyAppCacheManager& manager = ThirdPartyAppCacheManager::sharedManager();
+    ThirdPartyAppCacheManager& manager = context.apps();
     std::optional<AppList> found;
     const auto completion = [&found](const AppList& apps) { found = apps; };
     const auto progress = [&context](const std::string& name, double fraction) {
@@ -78,7 +78,7 @@ Outcome apps(Context& context, const Call& call) {
 /// The identifiers that a call is about; those that may not be cleaned, or name no app, are an
 /// error. The hidden roots' shared folders would be cleaned for any word.
 std::expected<std::vector<std::string>, Failure> chosenApps(Context& context, const Call& call) {
-    ThirdPartyAppCacheManager& manager = ThirdPartyAppCacheManager::sharedManager();
+    ThirdPartyAppCacheManager& manager = context.apps();
     const auto& named = call.words("ID");
     if (auto ready = manager.readiness(); !ready) return failed(ready.error());
     if (call.has("--all")) return manager.withoutWhitelisted(scanApps(context, true));
@@ -110,16 +110,18 @@ Outcome cleanApps(Context& context, const Call& call) {
     }
     const auto identifiers = chosenApps(context, call);
     if (!identifiers) return std::unexpected(identifiers.error());
-    const DryRun dryRun = [&] { return previewAppsClean(AppServices::shared(), *identifiers); };
+    const auto dryRun = [&](CleanObserver* observer) {
+        return previewAppsClean(AppServices::shared(), *identifiers, observer);
+    };
     if (call.has("--dry-run")) {
-        const auto preview = findWhatWouldGo(context, dryRun);
+        const auto preview = findWhatWouldGo(context, dryRun, &context.failures());
         if (!preview) return failed(preview.error());
         showPreview(context.output(), *preview);
         return {};
     }
     const CleanQuestion question{.from = cachesOf(*identifiers), .dryRun = dryRun};
     if (auto agreed = confirmClean(context, question, sure); !agreed) return agreed;
-    ThirdPartyAppCacheManager& manager = ThirdPartyAppCacheManager::sharedManager();
+    ThirdPartyAppCacheManager& manager = context.apps();
     const bool single = !call.has("--all") && identifiers->size() == 1;
     return runClean(context,
                     {.start =
@@ -132,7 +134,8 @@ Outcome cleanApps(Context& context, const Call& call) {
                                                            std::move(completion));
                              }
                          },
-                     .stop = [&manager] { manager.stop(); }});
+                     .stop = [&manager] { manager.stop(); },
+                     .countsWhatWasThere = true});
 }
 
 }  // namespace

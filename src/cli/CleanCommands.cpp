@@ -15,73 +15,58 @@ namespace sweepwright::cli {
 
 namespace {
 
-/// Counts what could not be removed, which a clean goes past.
-class FailureCounter final : public CleanObserver {
-  public:
-    void removed(const std::string& /*path*/, std::uint64_t /*bytes*/) override {}
-    void kept(const std::string& path, KeptReason reason, const std::string& by) override {
-        if (reason != KeptReason::Failed) return;
-        if (count_++ == 0) first_ = by.empty() ? path : by;
-    }
-
-    /// One line about the failures, if there were any.
-    void report() const {
-        if (count_ == 0) return;
-        complain(fmt::format("{} could not be removed, first: {}",
-                             count_ == 1 ? "1 entry" : fmt::format("{} entries", count_), first_));
-    }
-
-  private:
-    std::size_t count_ = 0;
-    std::string first_;
-};
-
-Outcome previewed(Context& context, const DryRun& dryRun) {
-    const auto preview = findWhatWouldGo(context, dryRun);
+Outcome previewed(Context& context, const platform::Result<CleanPreview>& preview) {
     if (!preview) return failed(preview.error());
     showPreview(context.output(), *preview);
     return {};
-}
-
-/// Runs `start` of the shared engine and tells of what it could not remove.
-Outcome runEngine(Context& context,
-                  const std::function<void(CleanProgress, CleanCompletion)>& start) {
-    FileCleanerEngine& engine = FileCleanerEngine::sharedEngine();
-    FailureCounter failures;
-    engine.setObserver(&failures);
-    auto outcome = runClean(context, {.start = start, .stop = [&engine] { engine.stop(); }});
-    engine.setObserver(nullptr);
-    failures.report();
-    return outcome;
 }
 
 Outcome clean(Context& context, const Call& call) {
     const std::string& word = call.word("CATEGORY");
     const Category* category = categoryNamed(word);
     const CleanType type = category != nullptr ? category->type : CleanType::All;
-    const DryRun dryRun = [type] { return previewClean(EngineServices::shared(), type); };
-    if (call.has("--dry-run")) return previewed(context, dryRun);
+    const auto dryRun = [type](CleanObserver* observer) {
+        return previewClean(EngineServices::shared(), type, observer);
+    };
+    if (call.has("--dry-run")) {
+        const auto preview = findWhatWouldGo(context, dryRun, &context.failures());
+        const std::uint64_t scanned = preview ? scannedSize(context.engine(), category) : 0;
+        auto shown = previewed(context, preview);
+        if (shown && scanned != preview->wouldFree)
+            context.output().line(fmt::format("a scan counts {} there", sizeText(scanned)));
+        return shown;
+    }
     const CleanQuestion question{
         .from = category != nullptr ? std::string(category->label)
                                     : fmt::format("{} categories", categories().size()),
         .emptiesCustomPaths = type == CleanType::Cache || type == CleanType::All,
         .dryRun = dryRun};
     if (auto sure = confirmClean(context, question, call.has("--yes")); !sure) return sure;
-    return runEngine(context, [type](CleanProgress progress, CleanCompletion completion) {
-        FileCleanerEngine::sharedEngine().cleanWithType(type, std::move(progress),
-                                                        std::move(completion));
-    });
+    FileCleanerEngine& engine = context.engine();
+    return runClean(context, {.start =
+                                  [&](CleanProgress progress, CleanCompletion completion) {
+                                      engine.cleanWithType(type, std::move(progress),
+                                                           std::move(completion));
+                                  },
+                              .stop = [&engine] { engine.stop(); }});
 }
 
 Outcome deepClean(Context& context, const Call& call) {
-    const DryRun dryRun = [] { return previewDeepClean(EngineServices::shared()); };
-    if (call.has("--dry-run")) return previewed(context, dryRun);
+    const auto dryRun = [](CleanObserver* observer) {
+        return previewDeepClean(EngineServices::shared(), observer);
+    };
+    if (call.has("--dry-run"))
+        return previewed(context, findWhatWouldGo(context, dryRun, &context.failures()));
     const CleanQuestion question{.from = "the caches of the system", .dryRun = dryRun};
     if (auto sure = confirmClean(context, question, call.has("--yes")); !sure) return sure;
     context.progress().update("caches of the system", 0);
-    return runEngine(context, [](const CleanProgress&, CleanCompletion completion) {
-        FileCleanerEngine::sharedEngine().deepCleanWithCompletion(std::move(completion));
-    });
+    FileCleanerEngine& engine = context.engine();
+    return runClean(context, {.start =
+                                  [&](const CleanProgress&, CleanCompletion completion) {
+                                      engine.deepCleanWithCompletion(std::move(completion));
+                                  },
+                              .stop = [&engine] { engine.stop(); },
+                              .countsWhatWasThere = true});
 }
 
 }  // namespace

@@ -24,9 +24,10 @@ std::vector<std::string> describedCustomPaths() {
 
 }  // namespace
 
-platform::Result<CleanPreview> findWhatWouldGo(Context& context, const DryRun& dryRun) {
+platform::Result<CleanPreview> findWhatWouldGo(Context& context, const DryRun& dryRun,
+                                               CleanObserver* observer) {
     context.progress().update("finding what would go", 0);
-    auto preview = dryRun();
+    auto preview = dryRun(observer);
     context.progress().clear();
     return preview;
 }

@@ -12,8 +12,8 @@ namespace sweepwright::cli {
 /// Why a clean needs a yes.
 inline constexpr const char* kRemovesData = "this removes data";
 
-/// The dry run of a clean.
-using DryRun = std::function<platform::Result<CleanPreview>()>;
+/// The dry run of a clean; `observer`, if there is one, hears of the folders that can't be read.
+using DryRun = std::function<platform::Result<CleanPreview>(CleanObserver* observer)>;
 
 /// A clean that a person is to agree to.
 struct CleanQuestion {
@@ -23,7 +23,8 @@ struct CleanQuestion {
 };
 
 /// Does a dry run, with its progress.
-platform::Result<CleanPreview> findWhatWouldGo(Context& context, const DryRun& dryRun);
+platform::Result<CleanPreview> findWhatWouldGo(Context& context, const DryRun& dryRun,
+                                               CleanObserver* observer = nullptr);
 
 /// Asks whether to clean, unless `sure`. The question tells the device, the custom paths, and how
 /// many bytes and entries the dry run came to, which is done only when somebody is asked.

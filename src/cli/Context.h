@@ -3,9 +3,12 @@
 #include <string>
 #include <utility>
 
+#include "apps/ThirdPartyAppCacheManager.h"
 #include "cli/Interruption.h"
 #include "cli/Output.h"
 #include "cli/Progress.h"
+#include "engine/Failures.h"
+#include "engine/FileCleanerEngine.h"
 
 namespace sweepwright::cli {
 
@@ -14,6 +17,9 @@ class Context {
   public:
     Context(Output& output, Progress& progress, Interruption& interruption)
         : output_(output), progress_(progress), interruption_(interruption) {}
+    ~Context();
+    Context(const Context&) = delete;
+    Context& operator=(const Context&) = delete;
 
     [[nodiscard]] Output& output() { return output_; }
     [[nodiscard]] Progress& progress() { return progress_; }
@@ -23,11 +29,20 @@ class Context {
     [[nodiscard]] const std::string& device() const { return device_; }
     void setDevice(std::string device) { device_ = std::move(device); }
 
+    /// What the command could not read, remove or record; who runs it tells them in the end.
+    [[nodiscard]] Failures& failures() { return failures_; }
+    /// The shared engine and the shared manager of apps, whose failures are those above.
+    [[nodiscard]] FileCleanerEngine& engine();
+    [[nodiscard]] ThirdPartyAppCacheManager& apps();
+
   private:
     Output& output_;
     Progress& progress_;
     Interruption& interruption_;
     std::string device_;
+    Failures failures_;
+    FileCleanerEngine* engine_ = nullptr;
+    ThirdPartyAppCacheManager* apps_ = nullptr;
 };
 
 }  // namespace sweepwright::cli
