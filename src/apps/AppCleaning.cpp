@@ -102,6 +102,8 @@ std::uint64_t ThirdPartyAppCacheManager::cleanNow(const Run& run, std::optional<
     } catch (...) {
         interrupt({});
     }
+    if (observer_ != nullptr)
+        observer_->finished({CleanType::ThirdPartyApps, bundleIdentifier}, cleaned);
     return cleaned;
 }
 

@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 
 #include "apps/AppCleanPreview.h"
+#include "apps/AppNames.h"
 #include "apps/ThirdPartyAppCacheManager.h"
 #include "cli/CleanQuestion.h"
 #include "cli/CleanRun.h"
@@ -11,6 +12,8 @@
 #include "cli/Confirmation.h"
 #include "cli/Context.h"
 #include "cli/KnownApps.h"
+#include "cli/PreviewOutput.h"
+#include "cli/Wording.h"
 #include "platform/DispatchQueue.h"
 
 namespace sweepwright::cli {
@@ -63,12 +66,19 @@ AppList scanApps(Context& context, bool thirdPartyOnly) {
 Outcome apps(Context& context, const Call& call) {
     const AppList list = scanApps(context, call.has("--third-party"));
     Json document = Json::array();
-    Table table({Align::Right, Align::Right, Align::Right, Align::Left, Align::Left, Align::Left});
+    Table table({{.title = wording::kTotal, .align = Align::Right},
+                 {.title = wording::kCaches, .align = Align::Right, .spare = 2},
+                 {.title = wording::kTemporary, .align = Align::Right, .spare = 3},
+                 {.title = wording::kApp, .holds = Holds::Text, .reader = Reader::Person},
+                 {.title = wording::kKind, .spare = 1},
+                 {.title = wording::kIdentifier, .holds = Holds::Identifier},
+                 {.reader = Reader::Program}});
     for (const AppCacheInfo& app : list) {
         document.push_back(appValue(app));
-        table.row({sizeText(app.totalSize), sizeText(app.cacheSize), sizeText(app.tmpSize),
+        const std::string name = app.appName.value_or("-");
+        table.row({sizeText(app.totalSize), sizeText(app.cacheSize), sizeText(app.tmpSize), name,
                    app.isSystemApp ? "system" : "third-party", app.bundleIdentifier.value_or("-"),
-                   app.appName.value_or("-")});
+                   name});
     }
     context.output().document(document);
     context.output().table(table);
@@ -102,6 +112,7 @@ std::string cachesOf(const std::vector<std::string>& identifiers) {
 }
 
 Outcome cleanApps(Context& context, const Call& call) {
+    if (auto good = checkPreviewOptions(call); !good) return good;
     if (call.has("--all") != call.words("ID").empty())
         return wrongWords("name apps to clean, or say --all");
     const bool sure = call.has("--yes");
@@ -116,7 +127,12 @@ Outcome cleanApps(Context& context, const Call& call) {
     if (call.has("--dry-run")) {
         const auto preview = findWhatWouldGo(context, dryRun, &context.failures());
         if (!preview) return failed(preview.error());
-        showPreview(context.output(), *preview);
+        showPreview(
+            context.output(), *preview,
+            {.nameOf =
+                 [](const CleanPart& part) { return AppNames::sharedNames().nameOf(part.app); },
+             .paths = Holds::Path,
+             .full = call.has("--full")});
         return {};
     }
     const CleanQuestion question{.from = cachesOf(*identifiers), .dryRun = dryRun};
@@ -142,6 +158,10 @@ Outcome cleanApps(Context& context, const Call& call) {
 
 void addAppCommands(Commands& commands) {
     constexpr const char* kGroup = "Apps";
+    std::vector<Option> cleanOptions{
+        {.name = "--all", .value = "", .help = "every third-party app that is not whitelisted"},
+        {.name = "--yes", .value = "", .help = "do it without a question"}};
+    addPreviewOptions(cleanOptions);
     commands.push_back(
         {.words = "apps",
          .group = kGroup,
@@ -155,13 +175,7 @@ void addAppCommands(Commands& commands) {
          .summary = "remove apps' caches, temporary files and web data",
          .positionals =
              {{.name = "ID", .help = "bundle identifiers", .many = true, .optional = true}},
-         .options = {{.name = "--all",
-                      .value = "",
-                      .help = "every third-party app that is not whitelisted"},
-                     {.name = "--yes", .value = "", .help = "do it without a question"},
-                     {.name = "--dry-run",
-                      .value = "",
-                      .help = "tell what would go and what stays; remove nothing"}},
+         .options = cleanOptions,
          .examples = {"sweepctl apps clean com.example.chat",
                       "sweepctl apps clean --all --dry-run"},
          .run = cleanApps});

@@ -8,6 +8,8 @@
 #include "cli/CleanRun.h"
 #include "cli/Command.h"
 #include "cli/Context.h"
+#include "cli/PreviewOutput.h"
+#include "cli/Wording.h"
 #include "engine/CleanPreview.h"
 #include "engine/FileCleanerEngine.h"
 
@@ -15,13 +17,20 @@ namespace sweepwright::cli {
 
 namespace {
 
-Outcome previewed(Context& context, const platform::Result<CleanPreview>& preview) {
+std::string nameOf(const CleanPart& part) {
+    const Category* category = categoryOf(part.type);
+    return std::string(category != nullptr ? category->label : wording::kSystemCaches);
+}
+
+Outcome previewed(Context& context, const Call& call,
+                  const platform::Result<CleanPreview>& preview) {
     if (!preview) return failed(preview.error());
-    showPreview(context.output(), *preview);
+    showPreview(context.output(), *preview, {.nameOf = nameOf, .full = call.has("--full")});
     return {};
 }
 
 Outcome clean(Context& context, const Call& call) {
+    if (auto good = checkPreviewOptions(call); !good) return good;
     const std::string& word = call.word("CATEGORY");
     const Category* category = categoryNamed(word);
     const CleanType type = category != nullptr ? category->type : CleanType::All;
@@ -31,7 +40,7 @@ Outcome clean(Context& context, const Call& call) {
     if (call.has("--dry-run")) {
         const auto preview = findWhatWouldGo(context, dryRun, &context.failures());
         const std::uint64_t scanned = preview ? scannedSize(context.engine(), category) : 0;
-        auto shown = previewed(context, preview);
+        auto shown = previewed(context, call, preview);
         if (shown && scanned != preview->wouldFree)
             context.output().line(fmt::format("a scan counts {} there", sizeText(scanned)));
         return shown;
@@ -52,11 +61,12 @@ Outcome clean(Context& context, const Call& call) {
 }
 
 Outcome deepClean(Context& context, const Call& call) {
+    if (auto good = checkPreviewOptions(call); !good) return good;
     const auto dryRun = [](CleanObserver* observer) {
         return previewDeepClean(EngineServices::shared(), observer);
     };
     if (call.has("--dry-run"))
-        return previewed(context, findWhatWouldGo(context, dryRun, &context.failures()));
+        return previewed(context, call, findWhatWouldGo(context, dryRun, &context.failures()));
     const CleanQuestion question{.from = "the caches of the system", .dryRun = dryRun};
     if (auto sure = confirmClean(context, question, call.has("--yes")); !sure) return sure;
     context.progress().update("caches of the system", 0);
@@ -73,11 +83,8 @@ Outcome deepClean(Context& context, const Call& call) {
 
 void addCleanCommands(Commands& commands) {
     constexpr const char* kGroup = "Clean";
-    const std::vector<Option> options{
-        {.name = "--yes", .value = "", .help = "do it without a question"},
-        {.name = "--dry-run",
-         .value = "",
-         .help = "tell what would go and what stays; remove nothing"}};
+    std::vector<Option> options{{.name = "--yes", .value = "", .help = "do it without a question"}};
+    addPreviewOptions(options);
     commands.push_back(
         {.words = "clean",
          .group = kGroup,

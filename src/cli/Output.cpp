@@ -6,6 +6,8 @@
 
 #include <fmt/format.h>
 
+#include "cli/Text.h"
+#include "cli/Wording.h"
 #include "engine/StorageAnalyzer.h"
 #include "platform/ControlText.h"
 #include "platform/Terminal.h"
@@ -36,9 +38,22 @@ void Output::line(std::string_view text) {
     pending_ += '\n';
 }
 
+void Output::note(std::string_view text) {
+    if (toPerson()) line(wrapped(text, page().columns));
+}
+
 void Output::table(const Table& table) {
     if (json_) return;
-    pending_ += table.text(shown);
+    if (toPerson() && table.empty()) return line(wording::kNothing);
+    pending_ += table.text(page());
+}
+
+Page Output::page() const {
+    return {.forPerson = toPerson(),
+            .columns = platform::terminalColumns(platform::StandardStream::Output),
+            .unicode = platform::localeIsUtf8(),
+            .shown = shown,
+            .ownerOf = ownerOf_};
 }
 
 void Output::document(Json document) {

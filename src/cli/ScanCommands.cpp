@@ -11,6 +11,7 @@
 #include "cli/Categories.h"
 #include "cli/Command.h"
 #include "cli/Context.h"
+#include "cli/Wording.h"
 #include "engine/CleanPreview.h"
 #include "engine/FileCleanerEngine.h"
 
@@ -34,15 +35,8 @@ std::string_view labelOf(std::string_view key) {
     return found == all.end() ? key : found->label;
 }
 
-/// A bar whose length says what share of `total` is `part`, for eyes.
-std::string shareBar(std::uint64_t part, std::uint64_t total) {
-    constexpr double kLength = 24;
-    const double share = static_cast<double>(part) / static_cast<double>(total);
-    const auto blocks = static_cast<std::size_t>(share * kLength + 0.5);
-    std::string bar;
-    for (std::size_t i = 0; i < blocks; ++i)
-        bar += "█";
-    return bar;
+Share shareOf(std::uint64_t part, std::uint64_t total) {
+    return {total == 0 ? 0 : static_cast<double>(part) / static_cast<double>(total)};
 }
 
 std::string percentText(std::uint64_t part, std::uint64_t total) {
@@ -53,22 +47,25 @@ std::string percentText(std::uint64_t part, std::uint64_t total) {
 /// Bytes that cleans would free, by the words of the categories and "total".
 using WouldFree = std::map<std::string, std::uint64_t, std::less<>>;
 
-Table scanTable(const ScanResult& result, const WouldFree& wouldFree, bool forEyes) {
-    std::vector<Align> columns{Align::Left, Align::Right, Align::Right};
-    if (!wouldFree.empty()) columns.push_back(Align::Right);
-    if (forEyes) columns.push_back(Align::Left);
-    Table table(columns);
+Table scanTable(const ScanResult& result, const WouldFree& wouldFree) {
+    std::vector<Column> columns{{.title = wording::kCategory},
+                                {.title = wording::kSize, .align = Align::Right},
+                                {.title = wording::kShare, .align = Align::Right}};
+    if (!wouldFree.empty())
+        columns.push_back({.title = wording::kWouldFree, .align = Align::Right});
+    columns.push_back({.holds = Holds::Bar, .reader = Reader::Person, .spare = 1});
+    Table table(std::move(columns));
     const std::uint64_t total = result.totalSize;
-    const auto add = [&](std::string_view word, std::uint64_t size, const std::string& bar) {
-        std::vector<std::string> row{std::string(word), sizeText(size), percentText(size, total)};
+    const auto add = [&](std::string_view word, std::uint64_t size, Cell bar) {
+        std::vector<Cell> row{std::string(word), sizeText(size), percentText(size, total)};
         if (const auto found = wouldFree.find(word); found != wouldFree.end())
             row.push_back(sizeText(found->second));
-        if (forEyes) row.push_back(bar);
+        row.push_back(std::move(bar));
         table.row(std::move(row));
     };
     for (const Category& category : categories()) {
         const std::uint64_t size = result.*category.figure;
-        add(category.word, size, total == 0 ? "" : shareBar(size, total));
+        add(category.word, size, shareOf(size, total));
     }
     add("total", total, "");
     return table;
@@ -109,9 +106,8 @@ Outcome scan(Context& context, const Call& call) {
     if (!wouldFree->empty()) document["wouldFree"] = *wouldFree;
     Output& output = context.output();
     output.document(document);
-    output.table(scanTable(result, *wouldFree, output.toPerson()));
-    if (output.toPerson() && wouldFree->empty())
-        output.line("What cleans would free can differ: sweepctl scan --would-free");
+    output.table(scanTable(result, *wouldFree));
+    if (wouldFree->empty()) output.note(wording::kScanIsNoClean);
     return {};
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -7,6 +8,7 @@
 
 #include "platform/Error.h"
 #include "platform/Unreadable.h"
+#include "protection/CleanType.h"
 
 namespace sweepwright {
 
@@ -26,6 +28,13 @@ enum class KeptReason {
 /// The reason as scripts read it: "protected", "hidden", "link", …
 std::string_view keptReasonName(KeptReason reason);
 
+/// A part of a clean: one of the nine categories, or one app (CleanType::ThirdPartyApps).
+struct CleanPart {
+    CleanType type = CleanType::All;
+    std::string app;  ///< its bundle identifier
+    auto operator<=>(const CleanPart&) const = default;
+};
+
 /// Hears of every decision of a clean, on the clean's thread, and of what a clean, a scan or a list
 /// could not do.
 class CleanObserver {
@@ -40,6 +49,8 @@ class CleanObserver {
     virtual void unreadable(const std::string& /*folder*/, const platform::Error& /*error*/) {}
     /// A clean has freed something, and its record could not be stored.
     virtual void notRecorded(const platform::Error& /*error*/) {}
+    /// All of `part` has been told of; it freed `bytes`.
+    virtual void finished(const CleanPart& /*part*/, std::uint64_t /*bytes*/) {}
 };
 
 /// The handler that tells `observer`, which must outlive it; none for none.
@@ -58,9 +69,18 @@ struct CleanPreview {
         std::string by;  ///< the protecting path, where there is one
     };
 
+    /// What a part of the clean would do.
+    struct Part {
+        CleanPart part;
+        std::uint64_t wouldFree = 0;  ///< bytes
+        std::size_t entries = 0;      ///< how many of the entries are its own
+        auto operator<=>(const Part&) const = default;
+    };
+
     std::uint64_t wouldFree = 0;  ///< bytes the clean would report
     std::vector<Entry> entries;   ///< in the order in which they would go
     std::vector<Kept> kept;       ///< each once
+    std::vector<Part> parts;      ///< one after the other, as their entries stand in `entries`
 };
 
 }  // namespace sweepwright

@@ -74,6 +74,11 @@ EngineServices EngineServices::shared() {
             &CleanLock::sharedLock()};
 }
 
+EngineServices EngineServices::over(platform::FileManager& view, Eraser& viewEraser) const {
+    return {device,     view,    viewEraser,    pathWhitelist, customPaths, history,
+            statistics, storage, notifications, mainQueue,     now};
+}
+
 FileCleanerEngine& FileCleanerEngine::sharedEngine() {
     static FileCleanerEngine engine(EngineServices::shared());
     return engine;
@@ -164,9 +169,11 @@ std::uint64_t FileCleanerEngine::cleanCategories(CleanType type, const Progress&
     std::uint64_t cleaned = 0;
     if (const Category* category = categoryOf(type)) {
         cleaned = (this->*category->clean)(progress, error);
+        if (observer_ != nullptr) observer_->finished({type, {}}, cleaned);
     } else if (type == CleanType::All) {
-        for (const Category& each : kCategories)
-            if (!isStopped()) cleaned += (this->*each.clean)(progress, error);
+        for (std::size_t value = 0; value < kCategories.size(); ++value)
+            if (!isStopped())
+                cleaned += cleanCategories(static_cast<CleanType>(value), progress, error);
     }
     return cleaned;
 }

@@ -33,6 +33,7 @@ class NotingEraser final : public Eraser, public CleanObserver {
     void unreadable(const std::string& folder, const platform::Error& error) override {
         if (observer_ != nullptr) observer_->unreadable(folder, error);
     }
+    void finished(const CleanPart& part, std::uint64_t bytes) override;
 
     /// What was noted, with the total that the run came to.
     CleanPreview take(std::uint64_t wouldFree);
@@ -48,6 +49,7 @@ class NotingEraser final : public Eraser, public CleanObserver {
     HidingFileManager& files_;
     CleanObserver* observer_;
     CleanPreview preview_;
+    std::size_t entriesOfParts_ = 0;  // of the parts that are finished
     std::set<std::pair<std::string, KeptReason>> seen_;
 };
 

@@ -270,7 +270,7 @@ TEST(WhitelistCommands, ATerminalAndAPipeSeeControlCharactersEscapedAndADocument
     const std::string shown = "/a\\x1B[2J\\nb\\u{202E}\n";
     EXPECT_EQ(sweepctl.run({"custom-paths"}).output, shown);
     sweepctl.setTerminal({.output = true});
-    EXPECT_EQ(sweepctl.run({"custom-paths"}).screen, shown);
+    EXPECT_EQ(sweepctl.run({"custom-paths"}).screen, "PATH\n" + shown);
 }
 
 TEST(WhitelistCommands, APathThatIsNotUtf8IsGivenByItsBytesToo) {

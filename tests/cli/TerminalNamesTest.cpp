@@ -47,7 +47,7 @@ void fillFolders(TemporaryDevice& device) {
 }
 
 /// A device on which everything that has a name has a wicked one.
-void fill(TemporaryDevice& device) {
+void fillWickedly(TemporaryDevice& device) {
     fillFolders(device);
     device.fileWith(kContainer + "/.com.apple.mobile_container_manager.metadata.plist",
                     PropertyList(Dictionary{{"MCMMetadataIdentifier", kWickedText}}).toBinary());
@@ -100,7 +100,11 @@ std::vector<Words> callsThatShowNames() {
     std::vector<Words> calls{{"apps"},
                              {"apps", "clean", kWickedText, "--dry-run"},
                              {"deep-clean", "--dry-run"},
+                             {"apps", "clean", "--all", "--dry-run", "--full"},
+                             {"analyze", "apps"},
                              {"analyze", "large", "--min-size", "1"},
+                             {"analyze", "large", "--folder", "/" + kWicked},
+                             {"analyze", "usage", "--folder", "/var/mobile/tmp"},
                              {"analyze", "duplicates"},
                              {"analyze", "extensions"},
                              {"history"},
@@ -136,8 +140,8 @@ std::vector<Words> callsThatShowNames() {
 /// Runs every call on one device with these streams on a terminal.
 void expectShownSafely(const TerminalStreams& terminal) {
     Sweepctl sweepctl;
-    fill(sweepctl.device());
-    sweepctl.setTerminal(terminal);
+    fillWickedly(sweepctl.device());
+    sweepctl.setTerminal(terminal, 1000);  // names are shown whole
     std::string silent;
     for (const Words& words : callsThatShowNames()) {
         if (showsSafely(sweepctl, words)) continue;
@@ -162,8 +166,8 @@ TEST(TerminalNames, TheLogOfACleanDoesNotLetANameActOnTheTerminal) {
                                Words{"apps", "clean", "--all", "--yes", "--verbose"},
                                Words{"deep-clean", "--yes", "--verbose"}}) {
         Sweepctl sweepctl;
-        fill(sweepctl.device());
-        sweepctl.setTerminal(TerminalStreams::all());
+        fillWickedly(sweepctl.device());
+        sweepctl.setTerminal(TerminalStreams::all(), 1000);
         const bool named = showsSafely(sweepctl, words);
         EXPECT_TRUE(named || words[0] == "deep-clean") << words[0];  // that log names no entry
     }
