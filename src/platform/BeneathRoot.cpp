@@ -100,7 +100,7 @@ std::string_view withoutTrailingSlashes(std::string_view path) {
 
 /// Whether `inner`, an entry of `outer`, is a mount point. A folder of the same volume that is
 /// mounted there is known by its attribute only, which Linux tells since 5.8.
-bool isMountPoint(int outer, int inner) {
+bool crossesMount(int outer, int inner) {
     struct stat a{};
     struct stat b{};
     if (fstat(outer, &a) != 0 || fstat(inner, &b) != 0 || a.st_dev != b.st_dev) return true;
@@ -241,7 +241,7 @@ Opened BeneathRoot::openBeneath(int base, std::string_view relative, Mounts moun
         if (components.front() == "..") return std::unexpected(EXDEV);
         const int flags = components.size() == 1 ? kList : kSearch;
         Opened next = openAt(current->get(), components.front(), flags | O_NOFOLLOW);
-        if (next && mounts == Mounts::Refuse && isMountPoint(current->get(), next->get()))
+        if (next && mounts == Mounts::Refuse && crossesMount(current->get(), next->get()))
             return std::unexpected(EXDEV);
         current = std::move(next);
         components.pop_front();

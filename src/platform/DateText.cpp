@@ -4,32 +4,13 @@
 #include <charconv>
 #include <ctime>
 
-#include <fmt/format.h>
+#include <fmt/chrono.h>
 
 namespace sweepwright::platform {
 
 namespace {
 
 using std::chrono::system_clock;
-
-constexpr std::string_view kForm = "0000-00-00 00:00:00";
-
-bool isDigit(char c) {
-    return c >= '0' && c <= '9';
-}
-
-/// Whether `text` has a digit wherever the form has one, and the form's character elsewhere.
-bool hasForm(std::string_view text) {
-    return std::ranges::equal(text, kForm, [](char given, char wanted) {
-        return wanted == '0' ? isDigit(given) : given == wanted;
-    });
-}
-
-int numberAt(std::string_view text, std::size_t from, std::size_t length) {
-    int number = 0;
-    std::from_chars(text.data() + from, text.data() + from + length, number);
-    return number;
-}
 
 bool sameClockReading(const std::tm& a, const std::tm& b) {
     return a.tm_year == b.tm_year && a.tm_mon == b.tm_mon && a.tm_mday == b.tm_mday &&
@@ -52,42 +33,46 @@ std::time_t timeOf(const std::tm& reading) {
     return timeWith(reading, 0);
 }
 
-/// `time` as a date, or the nearest whole day that the type holds: its nanoseconds fit 584 years.
-system_clock::time_point nearestDate(std::time_t time) {
-    constexpr std::chrono::seconds kFarthest =
-        std::chrono::floor<std::chrono::days>(system_clock::duration::max());
-    const std::chrono::seconds since1970(time);
-    return system_clock::time_point(std::clamp(since1970, -kFarthest, kFarthest));
-}
-
 }  // namespace
 
 std::string dateText(system_clock::time_point date) {
     const auto seconds = std::chrono::floor<std::chrono::seconds>(date);
-    const std::time_t time = system_clock::to_time_t(seconds);
-    std::tm local{};
-    localtime_r(&time, &local);
-    return fmt::format("{:04}-{:02}-{:02} {:02}:{:02}:{:02}", local.tm_year + 1900,
-                       local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec);
+    return fmt::format("{:%Y-%m-%d %H:%M:%S}", fmt::localtime(system_clock::to_time_t(seconds)));
 }
 
 std::optional<system_clock::time_point> dateFromText(std::string_view text) {
-    if (!hasForm(text)) return std::nullopt;
-    const std::chrono::year_month_day day{
-        std::chrono::year(numberAt(text, 0, 4)),
-        std::chrono::month(static_cast<unsigned>(numberAt(text, 5, 2))),
-        std::chrono::day(static_cast<unsigned>(numberAt(text, 8, 2)))};
-    std::tm reading{};
-    reading.tm_hour = numberAt(text, 11, 2);
-    reading.tm_min = numberAt(text, 14, 2);
-    reading.tm_sec = numberAt(text, 17, 2);
-    if (!day.ok() || reading.tm_hour > 23 || reading.tm_min > 59 || reading.tm_sec > 59) {
-        return std::nullopt;
-    }
-    reading.tm_year = static_cast<int>(day.year()) - 1900;
-    reading.tm_mon = static_cast<int>(static_cast<unsigned>(day.month())) - 1;
-    reading.tm_mday = static_cast<int>(static_cast<unsigned>(day.day()));
-    return nearestDate(timeOf(reading));
+    const auto reading = calendarTimeFrom(text, "0000-00-00 00:00:00");
+    if (!reading || reading->tm_sec > 59) return std::nullopt;
+    return nearestDate(timeOf(*reading));
+}
+
+std::optional<std::tm> calendarTimeFrom(std::string_view text, std::string_view form) {
+    const bool hasForm = std::ranges::equal(text, form, [](char given, char wanted) {
+        return wanted == '0' ? given >= '0' && given <= '9' : given == wanted;
+    });
+    if (!hasForm) return std::nullopt;
+    const auto number = [&](std::size_t from, std::size_t length) {
+        int value = 0;
+        std::from_chars(text.data() + from, text.data() + from + length, value);
+        return value;
+    };
+    std::tm time{};
+    time.tm_year = number(0, 4) - 1900;
+    time.tm_mon = number(5, 2) - 1;
+    time.tm_mday = number(8, 2);
+    time.tm_hour = number(11, 2);
+    time.tm_min = number(14, 2);
+    time.tm_sec = number(17, 2);
+    const bool isDay = (std::chrono::year(number(0, 4)) / number(5, 2) / number(8, 2)).ok();
+    if (!isDay || time.tm_hour > 23 || time.tm_min > 59 || time.tm_sec > 60) return std::nullopt;
+    return time;
+}
+
+system_clock::time_point nearestDate(std::time_t since1970) {
+    constexpr std::chrono::seconds kFarthest =
+        std::chrono::floor<std::chrono::days>(system_clock::duration::max());
+    const std::chrono::seconds seconds(since1970);
+    return system_clock::time_point(std::clamp(seconds, -kFarthest, kFarthest));
 }
 
 }  // namespace sweepwright::platform

@@ -2,11 +2,12 @@
 
 #include <algorithm>
 #include <cmath>
-#include <tuple>
+#include <map>
 
 #include "platform/Failure.h"
-#include "platform/PropertyListBinary.h"
-#include "platform/PropertyListXmlReader.h"
+#include "platform/Log.h"
+#include "platform/PropertyListFormats.h"
+#include "platform/Utf8.h"
 
 namespace sweepwright::platform {
 
@@ -14,18 +15,19 @@ namespace {
 
 using Entry = PropertyList::Dictionary::Entry;
 
+/// The deepest that any caller may allow: lists are read, compared and destroyed by recursion.
+constexpr std::size_t kDeepest = 512;
+
 constexpr double kTwoTo63 = 9'223'372'036'854'775'808.0;
 constexpr double kTwoTo64 = 2 * kTwoTo63;
 
-/// The entries in the order of their keys; those of equal keys in the order given.
+/// The entries in the order of their keys.
 std::vector<const Entry*> sortedByKey(const std::vector<Entry>& entries) {
     std::vector<const Entry*> sorted;
     sorted.reserve(entries.size());
     for (const Entry& entry : entries)
         sorted.push_back(&entry);
-    std::ranges::sort(sorted, [](const Entry* one, const Entry* two) {
-        return std::tie(one->first, one) < std::tie(two->first, two);
-    });
+    std::ranges::sort(sorted, {}, [](const Entry* entry) -> auto& { return entry->first; });
     return sorted;
 }
 
@@ -48,31 +50,33 @@ std::optional<Integer> exactInteger(double value, double lowest, double beyond) 
 
 }  // namespace
 
+bool isPlainText(std::string_view text) {
+    return isUtf8(text) && !text.contains('\0');
+}
+
+bool isPlainAscii(std::string_view text) {
+    return std::ranges::all_of(text, [](signed char c) { return c > 0; });
+}
+
+void logOmittedKey(std::string_view key) {
+    log("⚠️ 属性列表的键不是文本，已略过: {}", key);
+}
+
 PropertyList::Dictionary::Dictionary(std::initializer_list<Entry> entries)
     : Dictionary(std::vector<Entry>(entries)) {}
 
-PropertyList::Dictionary::Dictionary(std::vector<Entry> entries) : entries_(std::move(entries)) {
-    // By sorting, not by set(): a list from outside may hold very many keys.
-    const auto sorted = sortedByKey(entries_);
-    std::vector<bool> superseded(entries_.size());
-    std::vector<std::pair<std::size_t, std::size_t>> moves;  // value of .second to .first
-    for (std::size_t first = 0; first < sorted.size();) {
-        std::size_t last = first;
-        while (last + 1 < sorted.size() && sorted[last + 1]->first == sorted[first]->first)
-            ++last;
-        const auto place = [&](std::size_t at) {
-            return static_cast<std::size_t>(sorted[at] - entries_.data());
-        };
-        for (std::size_t at = first + 1; at <= last; ++at)
-            superseded[place(at)] = true;
-        if (last != first) moves.emplace_back(place(first), place(last));
-        first = last + 1;
+PropertyList::Dictionary::Dictionary(std::vector<Entry> entries) {
+    // By a map, not by set(): a list from outside may hold very many keys.
+    entries_.reserve(entries.size());  // so that the views of the keys stay
+    std::map<std::string_view, PropertyList*> values;
+    for (auto& [key, value] : entries) {
+        if (const auto known = values.find(key); known != values.end()) {
+            *known->second = std::move(value);
+        } else {
+            auto& kept = entries_.emplace_back(std::move(key), std::move(value));
+            values.emplace(kept.first, &kept.second);
+        }
     }
-    if (moves.empty()) return;
-    for (const auto& [to, from] : moves)
-        entries_[to].second = std::move(entries_[from].second);
-    std::size_t index = 0;
-    std::erase_if(entries_, [&](const Entry&) { return superseded[index++]; });
 }
 
 const PropertyList* PropertyList::Dictionary::find(std::string_view key) const {
@@ -105,12 +109,12 @@ Result<PropertyList> PropertyList::parse(std::string_view bytes) {
 
 Result<PropertyList> PropertyList::parse(std::string_view bytes, const Limits& limits) {
     constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-    if (bytes.size() > limits.bytes) {
-        return refuse("a property list of too many bytes");
-    }
+    if (bytes.size() > limits.bytes) return refuse("a property list of too many bytes");
     if (bytes.starts_with(kByteOrderMark)) bytes.remove_prefix(kByteOrderMark.size());
-    if (isBinaryPropertyList(bytes)) return readBinaryPropertyList(bytes, limits);
-    return PropertyListXmlReader(bytes, limits).read();
+    Limits kept = limits;
+    kept.depth = std::min(limits.depth, kDeepest);
+    return bytes.starts_with("bplist") ? readBinaryPropertyList(bytes, kept)
+                                       : readXmlPropertyList(bytes, kept);
 }
 
 std::optional<std::int64_t> PropertyList::integer() const {

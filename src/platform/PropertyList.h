@@ -19,8 +19,8 @@ namespace sweepwright::platform {
 /// metadata, Info.plist) and compiled string tables are made of.
 ///
 /// Reading takes binary and XML lists, with or without a UTF-8 byte-order mark. What would nest,
-/// expand or claim more than the limits allow is refused before it is built, so that a file of an
-/// app that means harm costs time and memory in proportion to its size, whatever it holds.
+/// expand or claim more than the limits allow is refused before memory is taken for it, so that a
+/// file of an app that means harm costs no more than the limits, whatever it holds.
 ///
 /// The format's strings are text, but a device's paths are bytes. A string that a list can't hold
 /// as a string (it is not UTF-8, holds a NUL or, in XML, another control character) is therefore
@@ -79,7 +79,7 @@ class PropertyList {
         /// Of the file, and of its strings and data after shared references are expanded.
         std::size_t bytes = std::size_t{16} << 20U;
         std::size_t nodes = 200'000;  ///< after shared references are expanded
-        std::size_t depth = 64;       ///< of nested containers
+        std::size_t depth = 64;       ///< of nested containers; 512 at most
     };
 
     PropertyList() : value_(Dictionary{}) {}

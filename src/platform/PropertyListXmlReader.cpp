@@ -1,24 +1,109 @@
-#include "platform/PropertyListXmlReader.h"
-
 #include <algorithm>
-#include <limits>
+#include <array>
+#include <charconv>
+#include <ctime>
+#include <memory>
+#include <optional>
+#include <utility>
+#include <vector>
 
+#include <expat.h>
+#include <fmt/format.h>
+
+#include "platform/DateText.h"
 #include "platform/Failure.h"
-#include "platform/PropertyListXmlScalars.h"
-#include "platform/Utf8.h"
+#include "platform/PropertyListFormats.h"
 
 namespace sweepwright::platform {
 
 namespace {
 
-constexpr std::string_view kUidKey = "CF$UID";
+using OptionalValue = std::optional<PropertyList>;
 
-std::unexpected<Error> truncated() {
-    return refuse("a truncated XML property list");
+bool isXmlSpace(char byte) {
+    return byte == ' ' || byte == '\t' || byte == '\n' || byte == '\r';
 }
 
-/// An entity's name is never longer: "#x10FFFF" and room for leading zeros.
-constexpr std::size_t kLongestEntity = 16;
+std::string_view trimmed(std::string_view text) {
+    while (!text.empty() && isXmlSpace(text.front()))
+        text.remove_prefix(1);
+    while (!text.empty() && isXmlSpace(text.back()))
+        text.remove_suffix(1);
+    return text;
+}
+
+bool skip(std::string_view& text, std::string_view what) {
+    if (!text.starts_with(what)) return false;
+    text.remove_prefix(what.size());
+    return true;
+}
+
+/// The number that all of `text` is.
+template <class Number, class... Base>
+std::optional<Number> numberFrom(std::string_view text, Base... base) {
+    Number value{};
+    const char* end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, value, base...);
+    if (error != std::errc() || stop != end) return {};
+    return value;
+}
+
+/// "-5", "18446744073709551615", "0x1F".
+OptionalValue integerFrom(std::string_view text) {
+    const bool negative = skip(text, "-");
+    if (!negative) skip(text, "+");
+    const bool hexadecimal = skip(text, "0x") || skip(text, "0X");
+    const auto magnitude = numberFrom<std::uint64_t>(text, hexadecimal ? 16 : 10);
+    if (!magnitude) return {};
+    if (!negative) return *magnitude;
+    if (*magnitude > std::uint64_t{1} << 63U) return {};
+    return static_cast<std::int64_t>(0 - *magnitude);
+}
+
+/// "0.5", "-1e3", "nan", "+infinity".
+OptionalValue realFrom(std::string_view text) {
+    if (skip(text, "+") && text.starts_with('-')) return {};
+    const auto value = numberFrom<double>(text);
+    if (!value) return {};
+    return *value;
+}
+
+/// "2024-02-29T12:00:00Z".
+OptionalValue dateFrom(std::string_view text) {
+    auto time = calendarTimeFrom(text, "0000-00-00T00:00:00Z");
+    if (!time) return {};
+    return nearestDate(timegm(&*time));
+}
+
+/// Base64 with white space anywhere.
+OptionalValue dataFrom(std::string_view text) {
+    static constexpr auto kValues = [] {
+        std::array<std::int8_t, 256> values{};
+        values.fill(-1);
+        for (std::size_t i = 0; i < kBase64Digits.size(); ++i)
+            values[static_cast<unsigned char>(kBase64Digits[i])] = static_cast<std::int8_t>(i);
+        return values;
+    }();
+    PropertyList::Data data;
+    std::uint32_t bits = 0;  // of which the lowest `count` are still to be written
+    unsigned count = 0;
+    bool ended = false;
+    for (const char byte : text) {
+        if (isXmlSpace(byte)) continue;
+        const int value = kValues[static_cast<unsigned char>(byte)];
+        ended = ended || byte == '=';
+        if (ended ? byte != '=' : value < 0) return {};
+        if (ended) continue;
+        bits = bits << 6U | static_cast<std::uint32_t>(value);
+        count += 6;
+        if (count < 8) continue;
+        count -= 8;
+        data.bytes += static_cast<char>(bits >> count & 0xFFU);
+    }
+    // A single digit left over is no byte: something was cut off.
+    if (count == 6) return {};
+    return data;
+}
 
 /// What XML has no reference type for: a dictionary of one number under a fixed key.
 PropertyList uidOrDictionary(PropertyList::Dictionary dictionary) {
@@ -28,228 +113,157 @@ PropertyList uidOrDictionary(PropertyList::Dictionary dictionary) {
     return PropertyList::Uid{static_cast<std::uint32_t>(*value)};
 }
 
-}  // namespace
+/// An element that is not closed yet, with what was read of it.
+struct Element {
+    std::string name;
+    std::size_t depth = 0;  ///< how many arrays and dictionaries it lies in, itself included
+    std::string text = {};
+    PropertyList::Array values = {};
+    std::vector<PropertyList::Dictionary::Entry> entries = {};
+    std::optional<std::string> key = {};  ///< whose value comes next
 
-Result<PropertyList> PropertyListXmlReader::read() {
-    if (auto checked = checkText(); !checked) return std::unexpected(checked.error());
-    auto list = readDocument();
-    if (!list) return list;
-    if (auto skipped = skipToMarkup(); !skipped) return std::unexpected(skipped.error());
-    if (position_ != text_.size()) return refuse("an XML property list with something after it");
-    return list;
-}
+    [[nodiscard]] bool isContainer() const { return name == "array" || name == "dict"; }
+    [[nodiscard]] bool holdsElements() const { return isContainer() || name == "plist"; }
 
-/// Judges the whole text before anything is built from it.
-Result<> PropertyListXmlReader::checkText() const {
-    if (text_.find('\0') != std::string_view::npos || !isUtf8(text_)) {
-        return refuse("not a property list");
+    /// None when it is damaged or no property list has such an element.
+    OptionalValue value() && {
+        if (name == "array") return PropertyList(std::move(values));
+        if (name == "dict" && !key) {
+            return uidOrDictionary(PropertyList::Dictionary(std::move(entries)));
+        }
+        if (name == "plist" && values.size() == 1) return std::move(values.front());
+        if (name == "string") return PropertyList(std::move(text));
+        if (name == "data") return dataFrom(text);
+        if (name == "integer") return integerFrom(trimmed(text));
+        if (name == "real") return realFrom(trimmed(text));
+        if (name == "date") return dateFrom(trimmed(text));
+        if ((name == "true" || name == "false") && text.empty()) return name == "true";
+        return {};
     }
-    std::size_t nodes = 0;
-    for (std::size_t at = text_.find('<'); at != std::string_view::npos;
-         at = text_.find('<', at + 1)) {
-        const char next = at + 1 < text_.size() ? text_[at + 1] : '\0';
-        if (next != '/' && next != '!' && next != '?' && ++nodes > limits_.nodes + 1) {
+};
+
+/// Builds a list from the elements that expat finds, and counts them against the limits before
+/// anything is built. What is no well-formed XML in UTF-8 expat refuses.
+class XmlReader {
+  public:
+    explicit XmlReader(const PropertyList::Limits& limits)
+        : limits_(limits), parser_(XML_ParserCreate("UTF-8")) {
+        open_.push_back({.name = "plist"});  // around the outermost element
+    }
+
+    Result<PropertyList> read(std::string_view text) {
+        // expat keeps the names of all attributes, each of which has a "="; data may end in two.
+        if (std::cmp_greater(std::ranges::count(text, '=') / 3, limits_.nodes)) {
             return refuse("a property list of too many values");
         }
+        if (!std::in_range<int>(text.size())) return refuse("a property list of too many bytes");
+        if (parser_ == nullptr) return refuse("out of memory");
+        setHandlers();
+        const auto status =
+            XML_Parse(parser_.get(), text.data(), static_cast<int>(text.size()), XML_TRUE);
+        if (!why_.empty()) return refuse(why_);
+        if (status != XML_STATUS_OK) {
+            return refuse(fmt::format("a damaged XML property list: {}",
+                                      XML_ErrorString(XML_GetErrorCode(parser_.get()))));
+        }
+        return std::move(open_.front().values.front());
     }
-    return {};
-}
 
-Result<PropertyList> PropertyListXmlReader::readDocument() {
-    auto tag = readTag();
-    if (!tag) return std::unexpected(tag.error());
-    if (tag->name != "plist") return readValue(*tag, 0);
-    if (tag->form != Form::Opening) return refuse("a property list without a value");
-    tag = readTag();
-    if (!tag) return std::unexpected(tag.error());
-    auto list = readValue(*tag, 0);
-    if (!list) return list;
-    if (auto closed = readClosingTag("plist"); !closed) return std::unexpected(closed.error());
-    return list;
-}
+  private:
+    struct Free {
+        void operator()(XML_Parser parser) const { XML_ParserFree(parser); }
+    };
 
-/// Skips white space, comments and what stands outside of the list, up to a tag or the end.
-Result<> PropertyListXmlReader::skipToMarkup() {
-    for (;;) {
-        while (position_ < text_.size() && isXmlSpace(text_[position_]))
-            ++position_;
-        const std::string_view next = rest();
-        Result<> skipped;
-        if (next.starts_with("<!--")) {
-            skipped = skipPast("<!--", "-->");
-        } else if (next.starts_with("<?")) {
-            skipped = skipPast("<?", "?>");
-        } else if (next.starts_with("<!DOCTYPE")) {
-            skipped = skipDocumentType();
-        } else if (next.empty() || next.front() == '<') {
-            return {};
+    void setHandlers() {
+        XML_Parser const parser = parser_.get();
+        XML_SetUserData(parser, this);
+        XML_SetElementHandler(
+            parser,
+            [](void* reader, const XML_Char* name, const XML_Char** attributes) {
+                static_cast<XmlReader*>(reader)->begin(name, *attributes != nullptr);
+            },
+            [](void* reader, const XML_Char*) { static_cast<XmlReader*>(reader)->end(); });
+        XML_SetCharacterDataHandler(parser, [](void* reader, const XML_Char* text, int length) {
+            static_cast<XmlReader*>(reader)->add({text, static_cast<std::size_t>(length)});
+        });
+        XML_SetStartDoctypeDeclHandler(parser, [](void* reader, const XML_Char*, const XML_Char*,
+                                                  const XML_Char*, int definesSomething) {
+            if (definesSomething == 0) return;
+            static_cast<XmlReader*>(reader)->fail(
+                "an XML property list that defines a document type");
+        });
+        // Called for what the document type, which is not fetched, might have defined.
+        XML_SetSkippedEntityHandler(parser, [](void* reader, const XML_Char*, int) {
+            static_cast<XmlReader*>(reader)->fail("an XML property list with an unknown entity");
+        });
+    }
+
+    void fail(std::string_view why) {
+        if (why_.empty()) why_ = why;
+        XML_StopParser(parser_.get(), XML_FALSE);
+    }
+
+    void begin(std::string_view name, bool hasAttributes) {
+        if (!why_.empty()) return;
+        const Element& parent = open_.back();
+        const bool envelope = name == "plist";
+        const bool keyIsNext = parent.name == "dict" && !parent.key;
+        if (envelope ? open_.size() > 1 : hasAttributes) {
+            return fail("a damaged XML property list");
+        }
+        if (!parent.holdsElements() || keyIsNext != (name == "key")) {
+            return fail("an XML property list with a damaged value");
+        }
+        if (!envelope && limits_.nodes-- == 0) return fail("a property list of too many values");
+        Element element{.name = std::string(name), .depth = parent.depth};
+        if (element.isContainer()) ++element.depth;
+        if (element.depth > limits_.depth) return fail("a property list nested too deep");
+        open_.push_back(std::move(element));
+    }
+
+    /// expat hands a text out in pieces, without markup, its entities replaced.
+    void add(std::string_view text) {
+        if (!why_.empty()) return;
+        Element& element = open_.back();
+        if (!element.holdsElements()) {
+            element.text += text;
+        } else if (!std::ranges::all_of(text, isXmlSpace)) {
+            fail("an XML property list with a damaged value");
+        }
+    }
+
+    void end() {
+        if (!why_.empty()) return;
+        Element element = std::move(open_.back());
+        open_.pop_back();
+        Element& parent = open_.back();
+        if (element.name == "key") {
+            parent.key = std::move(element.text);
+            return;
+        }
+        auto value = std::move(element).value();
+        if (!value) return fail("an XML property list with a damaged value");
+        if (parent.key) {
+            parent.entries.emplace_back(*std::exchange(parent.key, {}), *std::move(value));
         } else {
-            return refuse("not a property list");
-        }
-        if (!skipped) return skipped;
-    }
-}
-
-Result<> PropertyListXmlReader::skipPast(std::string_view opening, std::string_view closing) {
-    const std::size_t end = text_.find(closing, position_ + opening.size());
-    if (end == std::string_view::npos) return truncated();
-    position_ = end + closing.size();
-    return {};
-}
-
-Result<> PropertyListXmlReader::skipDocumentType() {
-    const std::size_t end = text_.find('>', position_);
-    if (end == std::string_view::npos) return truncated();
-    const std::string_view type = text_.substr(position_, end - position_);
-    if (nodes_ != 0 || type.contains('[')) {
-        return refuse("an XML property list that defines a document type");
-    }
-    position_ = end + 1;
-    return {};
-}
-
-auto PropertyListXmlReader::readTag() -> Result<Tag> {
-    if (auto skipped = skipToMarkup(); !skipped) return std::unexpected(skipped.error());
-    const std::size_t end = text_.find('>', position_);
-    if (end == std::string_view::npos) return truncated();
-    std::string_view body = text_.substr(position_ + 1, end - position_ - 1);
-    position_ = end + 1;
-    Tag tag;
-    if (body.starts_with('/')) {
-        tag.form = Form::Closing;
-        body.remove_prefix(1);
-    } else if (body.ends_with('/')) {
-        tag.form = Form::Empty;
-        body.remove_suffix(1);
-    }
-    const auto space = std::ranges::find_if(body, isXmlSpace);
-    tag.name = body.substr(0, static_cast<std::size_t>(space - body.begin()));
-    // An attribute's text could hide a ">" or a "<".
-    const bool quoteOpen = std::ranges::count(body, '"') % 2 != 0;
-    if (tag.name.empty() || quoteOpen || body.contains('<')) {
-        return refuse("a damaged XML property list");
-    }
-    if (tag.form != Form::Closing && tag.name != "plist" && ++nodes_ > limits_.nodes) {
-        return refuse("a property list of too many values");
-    }
-    return tag;
-}
-
-Result<> PropertyListXmlReader::readClosingTag(std::string_view name) {
-    const auto tag = readTag();
-    if (!tag) return std::unexpected(tag.error());
-    if (tag->form != Form::Closing || tag->name != name) {
-        return refuse("a damaged XML property list");
-    }
-    return {};
-}
-
-/// Reads the value that `tag`, just read, begins. `depth` counts the containers around it.
-Result<PropertyList> PropertyListXmlReader::readValue(const Tag& tag, std::size_t depth) {
-    if (tag.form == Form::Closing) return refuse("a damaged XML property list");
-    if (tag.name == "array") return readArray(tag, depth + 1);
-    if (tag.name == "dict") return readDictionary(tag, depth + 1);
-    auto text = readText(tag);
-    if (!text) return std::unexpected(text.error());
-    if (tag.name == "string") return PropertyList(std::move(*text));
-    std::optional<PropertyList> value;
-    if (tag.name == "integer") value = integerFromXml(*text);
-    if (tag.name == "real") value = realFromXml(*text);
-    if (tag.name == "date") value = dateFromXml(*text);
-    if (tag.name == "data") value = dataFromXml(*text);
-    if (text->empty() && tag.name == "true") value = PropertyList(true);
-    if (text->empty() && tag.name == "false") value = PropertyList(false);
-    if (!value) return refuse("an XML property list with a damaged value");
-    return *std::move(value);
-}
-
-Result<PropertyList> PropertyListXmlReader::readArray(const Tag& tag, std::size_t depth) {
-    if (depth > limits_.depth) return refuse("a property list nested too deep");
-    PropertyList::Array array;
-    if (tag.form == Form::Empty) return array;
-    for (;;) {
-        const auto next = readTag();
-        if (!next) return std::unexpected(next.error());
-        if (next->form == Form::Closing && next->name == tag.name) return array;
-        auto value = readValue(*next, depth);
-        if (!value) return value;
-        array.push_back(*std::move(value));
-    }
-}
-
-Result<PropertyList> PropertyListXmlReader::readDictionary(const Tag& tag, std::size_t depth) {
-    if (depth > limits_.depth) return refuse("a property list nested too deep");
-    std::vector<PropertyList::Dictionary::Entry> entries;
-    if (tag.form == Form::Empty) return PropertyList(PropertyList::Dictionary());
-    for (;;) {
-        auto next = readTag();
-        if (!next) return std::unexpected(next.error());
-        if (next->form == Form::Closing && next->name == tag.name) break;
-        if (next->form == Form::Closing || next->name != "key") {
-            return refuse("an XML property list with a value that has no key");
-        }
-        auto key = readText(*next);
-        if (!key) return std::unexpected(key.error());
-        next = readTag();
-        if (!next) return std::unexpected(next.error());
-        auto value = readValue(*next, depth);
-        if (!value) return value;
-        entries.emplace_back(*std::move(key), *std::move(value));
-    }
-    return uidOrDictionary(PropertyList::Dictionary(std::move(entries)));
-}
-
-/// Reads up to the closing tag of `tag`, just read, which holds text only.
-Result<std::string> PropertyListXmlReader::readText(const Tag& tag) {
-    constexpr std::string_view kCharacterData = "<![CDATA[";
-    constexpr std::string_view kCharacterDataEnd = "]]>";
-    std::string text;
-    if (tag.form == Form::Empty) return text;
-    for (;;) {
-        const std::size_t markup = text_.find('<', position_);
-        if (markup == std::string_view::npos) return truncated();
-        const auto appended = appendCharacters(text, text_.substr(position_, markup - position_));
-        if (!appended) return std::unexpected(appended.error());
-        position_ = markup;
-        Result<> skipped;
-        if (rest().starts_with("<!--")) {
-            skipped = skipPast("<!--", "-->");
-        } else if (rest().starts_with(kCharacterData)) {
-            skipped = skipPast(kCharacterData, kCharacterDataEnd);
-            const std::size_t start = markup + kCharacterData.size();
-            if (skipped) {
-                text += text_.substr(start, position_ - kCharacterDataEnd.size() - start);
-            }
-        } else {
-            if (auto closed = readClosingTag(tag.name); !closed) {
-                return std::unexpected(closed.error());
-            }
-            return text;
-        }
-        if (!skipped) return std::unexpected(skipped.error());
-    }
-}
-
-/// Appends `raw` with its entities replaced and its line ends as line feeds.
-Result<> PropertyListXmlReader::appendCharacters(std::string& text, std::string_view raw) const {
-    while (!raw.empty()) {
-        const std::size_t special = std::min(raw.find_first_of("&\r"), raw.size());
-        text += raw.substr(0, special);
-        raw.remove_prefix(special);
-        if (raw.starts_with('\r')) {
-            raw.remove_prefix(raw.starts_with("\r\n") ? 2 : 1);
-            text += '\n';
-        } else if (raw.starts_with('&')) {
-            const std::size_t end = raw.substr(0, kLongestEntity).find(';');
-            const auto character = end == std::string_view::npos
-                                       ? std::nullopt
-                                       : characterFromXmlEntity(raw.substr(1, end - 1));
-            if (!character) return refuse("an XML property list with an unknown entity");
-            appendUtf8(text, *character);
-            raw.remove_prefix(end + 1);
+            parent.values.push_back(*std::move(value));
         }
     }
-    return {};
+
+    PropertyList::Limits limits_;  ///< nodes: how many more there may be
+    std::unique_ptr<XML_ParserStruct, Free> parser_;
+    std::vector<Element> open_;
+    std::string_view why_;  ///< of the first failure
+};
+
+}  // namespace
+
+Result<PropertyList> readXmlPropertyList(std::string_view text,
+                                         const PropertyList::Limits& limits) {
+    // Before an XML declaration XML has no white space; property lists may.
+    while (!text.empty() && isXmlSpace(text.front()))
+        text.remove_prefix(1);
+    return XmlReader(limits).read(text);
 }
 
 }  // namespace sweepwright::platform

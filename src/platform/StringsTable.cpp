@@ -1,17 +1,21 @@
 #include "platform/StringsTable.h"
 
 #include <algorithm>
+#include <charconv>
 #include <expected>
 #include <optional>
 
-#include "platform/PropertyList.h"
+#include "platform/Failure.h"
 #include "platform/Utf16.h"
 #include "platform/Utf8.h"
 
 namespace sweepwright::platform {
 namespace {
 
-constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+/// Stands for half a surrogate pair.
+constexpr char32_t kReplacementCharacter = 0xFFFD;
 
 using Why = std::string_view;
 
@@ -24,14 +28,7 @@ bool isPlain(char c) {
            c == '-' || c == '.' || c == '$' || c == ':' || c == '/';
 }
 
-int hexDigit(char c) {
-    if (c >= '0' && c <= '9') return c - '0';
-    if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-    if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-    return -1;
-}
-
-/// Reads the written form, one entry at a time.
+/// Reads one entry at a time.
 class Scanner {
   public:
     struct Entry {
@@ -162,19 +159,20 @@ class Scanner {
             }
             at_ = after;
         }
-        appendUtf8(out, codePointOf(*unit));
+        const bool alone = isHighSurrogate(*unit) || isLowSurrogate(*unit);
+        appendUtf8(out, alone ? kReplacementCharacter : *unit);
         return true;
     }
 
+    /// Reads four hexadecimal digits.
     std::optional<char32_t> readHex() {
-        if (text_.size() - at_ < 4) return std::nullopt;
-        char32_t value = 0;
-        for (int i = 0; i < 4; ++i) {
-            const int digit = hexDigit(text_[at_]);
-            if (digit < 0) return std::nullopt;
-            ++at_;
-            value = value << 4U | static_cast<char32_t>(digit);
+        const std::string_view digits = text_.substr(at_, 4);
+        std::uint32_t value = 0;
+        const char* const end = digits.data() + digits.size();
+        if (digits.size() < 4 || std::from_chars(digits.data(), end, value, 16).ptr != end) {
+            return std::nullopt;
         }
+        at_ += digits.size();
         return value;
     }
 
@@ -185,78 +183,30 @@ class Scanner {
     std::size_t line_ = 1;
 };
 
-/// The byte order of UTF-16 with a byte-order mark, or without one but beginning with an ASCII
-/// character, as every table does.
-std::optional<ByteOrder> utf16Order(std::string_view bytes) {
-    if (bytes.size() < 2) return std::nullopt;
-    if (bytes.starts_with("\xFF\xFE")) return ByteOrder::LittleEndian;
-    if (bytes.starts_with("\xFE\xFF")) return ByteOrder::BigEndian;
-    if (bytes[1] == '\0' && bytes[0] != '\0') return ByteOrder::LittleEndian;
-    if (bytes[0] == '\0' && bytes[1] != '\0') return ByteOrder::BigEndian;
-    return std::nullopt;
-}
-
-bool isPropertyList(std::string_view bytes) {
-    if (bytes.starts_with("bplist")) return true;
-    if (bytes.starts_with(kUtf8Mark)) bytes.remove_prefix(kUtf8Mark.size());
-    while (!bytes.empty() && isSpace(bytes.front()))
-        bytes.remove_prefix(1);
-    // No table in the written form begins with "<".
-    return bytes.starts_with('<');
-}
-
 }  // namespace
 
 Result<StringsTable> StringsTable::parse(std::string_view bytes) {
-    if (bytes.size() > kMaxBytes) {
-        return std::unexpected(formatError("", "the string table is too long"));
-    }
-    if (isPropertyList(bytes)) return fromPropertyList(bytes);
+    if (bytes.size() > kMaxBytes) return refuse("the string table is too long");
+    if (bytes.starts_with(kByteOrderMark)) bytes.remove_prefix(kByteOrderMark.size());
     StringsTable table;
-    if (const auto order = utf16Order(bytes)) {
-        std::string text = utf8FromUtf16(bytes, *order);
-        table.readWritten(text);
-    } else {
-        table.readWritten(bytes);
-    }
-    return table;
-}
-
-Result<StringsTable> StringsTable::fromPropertyList(std::string_view bytes) {
-    const auto list = PropertyList::parse(bytes);
-    if (!list) return std::unexpected(list.error());
-    const auto* dictionary = list->dictionary();
-    if (dictionary == nullptr) {
-        return std::unexpected(formatError("", "the compiled string table is no dictionary"));
-    }
-    StringsTable table;
-    for (const auto& [key, value] : dictionary->entries()) {
-        if (const std::string* text = value.string()) {
-            table.entries_.insert_or_assign(key, *text);
-        } else {
-            table.problems_.push_back({0, "a value is no text"});
-        }
-    }
-    return table;
-}
-
-void StringsTable::readWritten(std::string_view utf8) {
-    if (utf8.starts_with(kUtf8Mark)) utf8.remove_prefix(kUtf8Mark.size());
-    Scanner scanner(utf8);
+    Scanner scanner(bytes);
+    const auto report = [&](Why why) { table.problems_.push_back({scanner.line(), why}); };
     while (scanner.findEntry()) {
-        if (problems_.size() == kMaxProblems) {
-            problems_.push_back({scanner.line(), "too many problems; the rest is not read"});
-            return;
+        if (table.problems_.size() == kMaxProblems) {
+            report("too many problems; the rest is not read");
+            break;
         }
         auto entry = scanner.readEntry();
         if (!entry) {
-            problems_.push_back({scanner.line(), entry.error()});
+            report(entry.error());
             scanner.skipLine();
-        } else if (!entries_.insert_or_assign(std::move(entry->key), std::move(entry->text))
-                        .second) {
-            problems_.push_back({scanner.line(), "the key stands twice; this text holds"});
+            continue;
         }
+        auto& [key, text] = *entry;
+        const bool isNew = table.entries_.insert_or_assign(std::move(key), std::move(text)).second;
+        if (!isNew) report("the key stands twice; this text holds");
     }
+    return table;
 }
 
 const std::string* StringsTable::find(std::string_view key) const {

@@ -10,17 +10,13 @@
 
 namespace sweepwright::platform {
 
-class PropertyList;
-
-/// A table of texts by key, as a ".strings" file holds it. Keys and texts are UTF-8.
-///
-/// Read are the written form, `"key" = "text";` with comments and escapes, in UTF-8 or UTF-16 of
-/// either byte order, with or without a byte-order mark; and the compiled form, a property list.
+/// A table of texts by key, as a ".strings" file of the program's own resources holds it:
+/// `"key" = "text";` with comments and escapes, in UTF-8, with or without a byte-order mark.
 class StringsTable {
   public:
     /// Something in the file that is not as it should be.
     struct Problem {
-        std::size_t line = 0;  ///< from 1; 0 for a compiled table, which has no lines
+        std::size_t line = 0;  ///< from 1
         std::string_view why;  ///< lives as long as the program
         bool operator==(const Problem&) const = default;
     };
@@ -35,10 +31,10 @@ class StringsTable {
     /// An empty table.
     StringsTable() = default;
 
-    /// Reads a table. In the written form a broken entry costs the line it begins on, not the
-    /// table: reading goes on with the next line, and problems() tells of it. Of a key that stands
-    /// twice the later text holds, which is a problem, too. An error of kFormatErrorDomain is given
-    /// only for a file that is too long and for a compiled table that can't be read.
+    /// Reads a table. A broken entry costs the line it begins on, not the table: reading goes on
+    /// with the next line, and problems() tells of it. Of a key that stands twice the later text
+    /// holds, which is a problem, too. An error of kFormatErrorDomain is given only for a file that
+    /// is too long.
     static Result<StringsTable> parse(std::string_view bytes);
 
     /// The text under `key`, or nullptr.
@@ -50,9 +46,6 @@ class StringsTable {
     [[nodiscard]] const std::vector<Problem>& problems() const { return problems_; }
 
   private:
-    static Result<StringsTable> fromPropertyList(std::string_view bytes);
-    void readWritten(std::string_view utf8);
-
     std::map<std::string, std::string, std::less<>> entries_;
     std::vector<Problem> problems_;
 };

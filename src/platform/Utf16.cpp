@@ -4,26 +4,44 @@
 
 namespace sweepwright::platform {
 
-std::string utf8FromUtf16(std::string_view bytes, ByteOrder order) {
+std::optional<std::string> utf8FromUtf16(std::string_view bytes) {
     const auto unit = [&](std::size_t at) {
-        const char32_t first = static_cast<unsigned char>(bytes[at]);
-        const char32_t second = static_cast<unsigned char>(bytes[at + 1]);
-        return order == ByteOrder::BigEndian ? first << 8U | second : second << 8U | first;
+        const char32_t high = static_cast<unsigned char>(bytes[at]);
+        return high << 8U | static_cast<unsigned char>(bytes[at + 1]);
     };
-    std::string out;
-    out.reserve(bytes.size());
-    std::size_t at = 0;
-    for (; at + 1 < bytes.size(); at += 2) {
-        const char32_t first = unit(at);
-        if (isHighSurrogate(first) && at + 3 < bytes.size() && isLowSurrogate(unit(at + 2))) {
-            appendUtf8(out, joinedSurrogates(first, unit(at + 2)));
+    if (bytes.size() % 2 != 0) return std::nullopt;
+    std::string text;
+    text.reserve(bytes.size());
+    for (std::size_t at = 0; at < bytes.size(); at += 2) {
+        char32_t character = unit(at);
+        if (isHighSurrogate(character) && at + 2 < bytes.size() && isLowSurrogate(unit(at + 2))) {
             at += 2;
-        } else {
-            appendUtf8(out, codePointOf(first));
+            character = joinedSurrogates(character, unit(at));
+        } else if (isHighSurrogate(character) || isLowSurrogate(character)) {
+            return std::nullopt;
         }
+        appendUtf8(text, character);
     }
-    if (at < bytes.size()) appendUtf8(out, kReplacementCharacter);
-    return out;
+    return text;
+}
+
+std::string utf16FromUtf8(std::string_view text) {
+    std::string bytes;
+    const auto append = [&](char32_t unit) {
+        bytes += static_cast<char>(unit >> 8U);
+        bytes += static_cast<char>(unit & 0xFFU);
+    };
+    while (!text.empty()) {
+        const Utf8Character next = firstUtf8Character(text);
+        if (next.code < 0x10000) {
+            append(next.code);
+        } else {
+            append(0xD800 + ((next.code - 0x10000) >> 10U));
+            append(0xDC00 + (next.code & 0x3FFU));
+        }
+        text.remove_prefix(next.bytes);
+    }
+    return bytes;
 }
 
 }  // namespace sweepwright::platform

@@ -1,18 +1,16 @@
 #pragma once
 
-#include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
 namespace sweepwright::platform {
 
-/// What stands for text that can't be read.
-inline constexpr char32_t kReplacementCharacter = 0xFFFD;
+/// Big-endian UTF-16 as UTF-8; none when it is not well-formed: a surrogate alone, an odd byte.
+std::optional<std::string> utf8FromUtf16(std::string_view bytes);
 
-enum class ByteOrder : std::uint8_t { LittleEndian, BigEndian };
-
-/// UTF-16 as UTF-8. A lone surrogate and a last odd byte become the replacement character.
-std::string utf8FromUtf16(std::string_view bytes, ByteOrder order);
+/// Well-formed UTF-8 as big-endian UTF-16.
+std::string utf16FromUtf8(std::string_view text);
 
 inline bool isHighSurrogate(char32_t unit) {
     return unit >= 0xD800 && unit <= 0xDBFF;
@@ -24,11 +22,6 @@ inline bool isLowSurrogate(char32_t unit) {
 /// The code point that two surrogates make.
 inline char32_t joinedSurrogates(char32_t high, char32_t low) {
     return 0x10000 + ((high - 0xD800) << 10U) + (low - 0xDC00);
-}
-
-/// A code unit that is no half of a pair, as a code point: itself, or the replacement character.
-inline char32_t codePointOf(char32_t unit) {
-    return isHighSurrogate(unit) || isLowSurrogate(unit) ? kReplacementCharacter : unit;
 }
 
 }  // namespace sweepwright::platform

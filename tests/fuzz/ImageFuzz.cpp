@@ -1,6 +1,6 @@
 // Any bytes as a picture. An input is a file, or, when it begins with a byte that no picture begins
 // with, the measures and filtered rows of one: those are put into files of both variants, so that
-// what lies behind checksums and deflate is reached, too, and the two readers check each other.
+// what lies behind checksums and deflate is reached, too, and the variants are compared.
 #include <algorithm>
 #include <string>
 #include <vector>
@@ -70,7 +70,7 @@ std::size_t filteredBytes(std::size_t width, std::size_t height, bool interlaced
     return bytes;
 }
 
-/// Both readers undo the same filters; they differ in the order of colours only.
+/// Both variants have the same filters; they differ in the order of colours only.
 void checkRows(std::string_view input) {
     if (input.size() < 3) return;
     const auto byte = [&](std::size_t at) { return static_cast<std::uint8_t>(input[at]); };
@@ -92,11 +92,11 @@ void checkRows(std::string_view input) {
                                    .bytes();
     const auto one = platform::decode(standard);
     auto two = platform::decode(device);
-    require(one.has_value() == two.has_value(), "both readers take the same rows");
+    require(one.has_value() == two.has_value(), "both variants take the same rows");
     if (!one) return;
     for (std::size_t at = 0; at < two->rgba.size(); at += 4)
         std::swap(two->rgba[at], two->rgba[at + 2]);
-    require(*one == *two, "both readers see the same pixels");
+    require(*one == *two, "both variants show the same pixels");
     checkFile(device);
 }
 

@@ -49,11 +49,7 @@ def strings_tables():
              '"escapes" = "\\n\\t\\"\\\\ \\U6e05 \\Ud83d\\Ude00";\n"清理" = "🧹";\nbroken = ;\n')
     yield "utf-8", table.encode()
     yield "utf-8-mark", b"\xef\xbb\xbf" + table.encode()
-    yield "utf-16-mark", table.encode("utf-16")
-    yield "utf-16-be", table.encode("utf-16-be")
     yield "cr-lf", table.replace("\n", "\r\n").encode()
-    for form, content in both({"key": "text", "清理": "🧹", "number": 1}):
-        yield f"compiled.{form}", content
 
 
 def chunk(kind, data):

@@ -268,6 +268,35 @@ TEST(Image, AChangedPixelStreamIsRefusedByItsChecksum) {
     }
 }
 
+TEST(Image, AWrongChecksumOfAnyChunkIsRefused) {
+    const Image image = noise(3, 2, true);
+    const std::string pixels = filteredRows(asText(image.rgba), 12, 4, {0});
+    const auto standard = PngBuilder()
+                              .header(3, 2, 8, 6)
+                              .chunk("tEXt", std::string_view("a\0b", 3))
+                              .chunk("IDAT", zlibStream(pixels))
+                              .end()
+                              .bytes();
+    const auto device = PngBuilder()
+                            .deviceMark()
+                            .header(3, 2, 8, 6)
+                            .chunk("tEXt", std::string_view("a\0b", 3))
+                            .chunk("IDAT", rawStream(pixels))
+                            .end()
+                            .bytes();
+    for (const std::string& whole : {standard, device}) {
+        EXPECT_TRUE(decode(whole).has_value());
+        for (const std::string_view type : {"CgBI", "IHDR", "tEXt", "IDAT", "IEND"}) {
+            const std::size_t name = whole.find(type);
+            if (name == std::string::npos) continue;
+            const auto length = static_cast<std::uint8_t>(whole[name - 1]);
+            std::string damaged = whole;
+            damaged[name + 4 + length] = static_cast<char>(damaged[name + 4 + length] ^ 1);
+            EXPECT_FALSE(decode(damaged).has_value()) << type;
+        }
+    }
+}
+
 TEST(Image, GarbageIsRefused) {
     expectRefused("", "not a PNG file");
     expectRefused("GIF89a", "not a PNG file");
@@ -296,7 +325,7 @@ TEST(Image, ASizeBeyondTheLimitIsRefusedBeforeMemoryIsAskedFor) {
             decode(PngBuilder().header(width, height, 8, 6).chunk("IDAT", stream).end().bytes())
                 .has_value());
     }
-    expectRefused(PngBuilder().deviceMark().header(0, 5, 8, 6).end().bytes(), "no pixels");
+    expectRefused(PngBuilder().deviceMark().header(0, 5, 8, 6).end().bytes(), "Invalid IHDR");
     EXPECT_FALSE(decode(PngBuilder().header(0, 5, 8, 6).end().bytes()).has_value());
 }
 
@@ -339,30 +368,28 @@ TEST(Image, AFileBeyondTheLimitIsRefusedUnread) {
 TEST(Image, ADeviceFileOfAnotherFormIsRefused) {
     const std::string stream = rawStream(std::string(64, '\0'));
     const auto file = [&](int depth, int colour, int interlaced) {
-        return PngBuilder()
-            .deviceMark()
-            .header(2, 2, depth, colour, interlaced)
-            .chunk("IDAT", stream)
-            .end()
-            .bytes();
+        PngBuilder builder;
+        builder.deviceMark().header(2, 2, depth, colour, interlaced);
+        if (colour == 3) builder.chunk("PLTE", "rgb");
+        return builder.chunk("IDAT", stream).end().bytes();
     };
     expectRefused(file(16, 6, 0), "8 bits only");
     expectRefused(file(8, 3, 0), "8 bits only");
     expectRefused(file(8, 0, 0), "8 bits only");
     expectRefused(file(8, 4, 0), "8 bits only");
-    expectRefused(file(8, 6, 2), "unknown coding");
-    expectRefused(PngBuilder().deviceMark().chunk("IDAT", stream).end().bytes(), "no header");
+    expectRefused(file(8, 6, 2), "Invalid IHDR");
+    expectRefused(PngBuilder().deviceMark().chunk("IDAT", stream).end().bytes(), "Missing IHDR");
 }
 
 TEST(Image, ADeviceFileWithDamagedPixelsIsRefused) {
-    expectRefused(deviceFile(2, 2, 6, std::string(17, '\0')), "pixels are missing");
+    expectRefused(deviceFile(2, 2, 6, std::string(17, '\0')), "Not enough image data");
     std::string rows(18, '\0');
     rows[9] = '\x05';
-    expectRefused(deviceFile(2, 2, 6, rows), "unknown filter");
+    expectRefused(deviceFile(2, 2, 6, rows), "bad adaptive filter");
     expectRefused(
         PngBuilder().deviceMark().header(2, 2, 8, 6).chunk("IDAT", "\xFF\xFF\xFF").end().bytes(),
-        "stream is damaged");
-    expectRefused(PngBuilder().deviceMark().header(2, 2, 8, 6).end().bytes(), "pixels are missing");
+        "invalid block type");
+    expectRefused(PngBuilder().deviceMark().header(2, 2, 8, 6).end().bytes(), "IEND");
 }
 
 }  // namespace

@@ -20,6 +20,7 @@ static std::ostream& operator<<(std::ostream& out, const PropertyList& list) {
 namespace {
 
 using namespace std::chrono_literals;
+using namespace std::string_view_literals;
 using Array = PropertyList::Array;
 using Data = PropertyList::Data;
 using Date = PropertyList::Date;
@@ -97,6 +98,27 @@ TEST(PropertyList, KeysKeepTheirOrder) {
         ASSERT_NE(read.dictionary(), nullptr);
         EXPECT_EQ(read.dictionary()->entries(), list.dictionary()->entries());
     }
+}
+
+TEST(PropertyList, EqualValuesAreWrittenToABinaryFileOnce) {
+    const std::string text(1000, 'x');
+    const auto size = [](const PropertyList& list) { return list.toBinary().size(); };
+    EXPECT_LT(size(Array{text, text, text}), size(Array{text}) + 10);
+    EXPECT_LT(size(Array{Dictionary{{text, 1}}, Dictionary{{text, 2}}}), 2 * text.size());
+}
+
+TEST(PropertyList, ABinaryFileIsLaidOutAsOtherProgramsDo) {
+    // What Python's plistlib writes for the same values.
+    EXPECT_EQ(
+        PropertyList(Array{1, 300, -2, "a", "清", true, 1, 0.5, Data{std::string(16, 'd')}})
+            .toBinary(),
+        "bplist00\xA9\x01\x02\x03\x04\x05\x06\x01\x07\x08\x10\x01\x11\x01,"
+        "\x13\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFEQaan\x05\x09#?\xE0\x00\x00\x00\x00\x00\x00O\x10\x10"
+        "dddddddddddddddd\x08\x12\x14\x17 "
+        "\x22%&/"
+        "\x00\x00\x00\x00\x00\x00\x01\x01\x00\x00\x00\x00\x00\x00\x00\x09\x00\x00\x00\x00\x00\x00"
+        "\x00\x00\x00\x00\x00\x00\x00\x00\x00"
+        "B"sv);
 }
 
 TEST(PropertyList, AnIntegerAboveTheSignedOnesIsWrittenSixteenBytesWide) {

@@ -62,6 +62,10 @@ TEST(PropertyListXml, ReadsAListWithoutItsEnvelope) {
     EXPECT_EQ(PropertyList::parse(" <string>x</string> "), PropertyList("x"));
 }
 
+TEST(PropertyListXml, SpaceMayStandBeforeTheDeclaration) {
+    EXPECT_EQ(PropertyList::parse("\r\n\t " + plist("<true/>")), PropertyList(true));
+}
+
 TEST(PropertyListXml, TextKeepsItsSpacesAndLosesItsMarkup) {
     EXPECT_EQ(read("<string>  two  </string>"), PropertyList("  two  "));
     EXPECT_EQ(read("<string/>"), PropertyList(""));
@@ -107,6 +111,7 @@ TEST(PropertyListXml, ReadsDates) {
     EXPECT_EQ(read("<date>2024-02-29T23:59:59Z</date>"),
               PropertyList(PropertyList::Date(1'709'251'199s)));
     EXPECT_EQ(read("<date>1969-12-31T23:59:59Z</date>"), PropertyList(PropertyList::Date(-1s)));
+    EXPECT_EQ(read("<date>1969-12-31T23:59:60Z</date>"), PropertyList(PropertyList::Date(0s)));
     // Beyond what the type holds.
     const auto distant = read("<date>4001-01-01T00:00:00Z</date>");
     ASSERT_NE(distant.date(), nullptr);
@@ -169,8 +174,11 @@ TEST(PropertyListXml, WhatIsNoPropertyListIsRefused) {
     }
 }
 
-TEST(PropertyListXml, TextThatIsNotUtf8OrHoldsANulIsRefused) {
+TEST(PropertyListXml, TextThatXmlDoesNotAllowIsRefused) {
     EXPECT_TRUE(isRefused("<string>\xFF</string>"));
+    EXPECT_TRUE(isRefused("<string>\xED\xA0\x80</string>"));
+    EXPECT_TRUE(isRefused("<string>\x01</string>"));
+    EXPECT_TRUE(isRefused("<string>&#1;</string>"));
     EXPECT_TRUE(isRefused("<string>" + std::string(1, '\0') + "</string>"));
     EXPECT_TRUE(isRefused("<string>&#0;</string>"));
     EXPECT_TRUE(isRefused("<string>&#xD800;</string>"));
@@ -216,6 +224,24 @@ TEST(PropertyListXml, ValuesUpToTheLimitAreReadAndBeyondItRefused) {
     EXPECT_FALSE(PropertyList::parse(three, Limits{.nodes = 2}).has_value());
     EXPECT_TRUE(isRefused("<array>" + repeated("<true/>", 200'000) + "</array>"));
     EXPECT_FALSE(isRefused("<array>" + repeated("<true/>", 199'999) + "</array>"));
+}
+
+TEST(PropertyListXml, OnlyTheEnvelopeHasAttributesAndNotMoreThanALimit) {
+    std::string attributes;
+    for (int i = 0; i < 8; ++i)
+        attributes += " a" + std::to_string(i) + "='1'";
+    const auto read = [&](std::size_t nodes) {
+        return PropertyList::parse("<plist" + attributes + "><true/></plist>",
+                                   Limits{.nodes = nodes});
+    };
+    EXPECT_TRUE(read(2).has_value());
+    EXPECT_FALSE(read(1).has_value());
+    EXPECT_TRUE(isRefused("<array a=\"1\"/>"));
+    EXPECT_TRUE(isRefused("<plist><true/></plist>"));
+}
+
+TEST(PropertyListXml, AsMuchDataAsThereMayBeValuesIsRead) {
+    EXPECT_FALSE(isRefused("<array>" + repeated("<data>YQ==</data>", 199'999) + "</array>"));
 }
 
 TEST(PropertyListXml, EveryTruncationIsRefused) {
