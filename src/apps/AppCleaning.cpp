@@ -102,8 +102,8 @@ std::uint64_t ThirdPartyAppCacheManager::cleanNow(const Run& run, std::optional<
     } catch (...) {
         interrupt({});
     }
-    if (observer_ != nullptr)
-        observer_->finished({CleanType::ThirdPartyApps, bundleIdentifier}, cleaned);
+    if (run.observer != nullptr)
+        run.observer->finished({CleanType::ThirdPartyApps, run.app}, cleaned);
     return cleaned;
 }
 

@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 
 #include "cli/FailureReport.h"
+#include "cli/Text.h"
 #include "platform/DispatchQueue.h"
 
 namespace sweepwright::cli {
@@ -39,7 +40,8 @@ CleanEnd awaitClean(Context& context, const CleanJob& job) {
 std::string freedText(const CleanEnd& end, const CleanJob& job, const FailureList& failed) {
     const std::string size = sizeText(end.cleanedBytes);
     if (!job.countsWhatWasThere || failed.count == 0) return size;
-    return fmt::format("up to {}; {} could not be removed", size, entriesText(failed.count));
+    return fmt::format("up to {}; {} could not be removed", size,
+                       counted(failed.count, "entry", "entries"));
 }
 
 }  // namespace

@@ -47,15 +47,7 @@ void tellList(const FailureList& list, const std::string& what, bool all) {
         complain(fmt::format("  and {} more", list.count - list.entries.size()));
 }
 
-std::string counted(std::size_t count, std::string_view one, std::string_view many) {
-    return fmt::format("{} {}", count, count == 1 ? one : many);
-}
-
 }  // namespace
-
-std::string entriesText(std::size_t count) {
-    return counted(count, "entry", "entries");
-}
 
 void tellFailures(Output& output, const Failures& failures, bool all) {
     const Json keys = failureKeys(failures);
@@ -65,7 +57,7 @@ void tellFailures(Output& output, const Failures& failures, bool all) {
     const FailureList folders = failures.unreadableFolders();
     tellList(folders, counted(folders.count, "folder", "folders") + " could not be read", each);
     const FailureList entries = failures.failedEntries();
-    tellList(entries, entriesText(entries.count) + " could not be removed", each);
+    tellList(entries, counted(entries.count, "entry", "entries") + " could not be removed", each);
     if (const auto error = failures.recordError())
         complain("this clean could not be recorded: " + error->description);
 }

@@ -81,7 +81,7 @@ Outcome deleteHistory(Context& context, const Call& call) {
     if (auto agreed = confirmDeleting(identifiers.size(), stored.size(), call.has("--yes"));
         !agreed)
         return agreed;
-    Table table({Align::Left, Align::Left});
+    Table table({{.title = wording::kResult}, {.title = wording::kRecord}});
     for (const std::string& identifier : identifiers) {
         CleanHistoryItem item;
         item.identifier = identifier;

@@ -22,8 +22,6 @@ namespace {
 
 constexpr std::string_view kEraseLine = "\r\x1b[K";
 
-}
-
 }  // namespace
 
 struct Progress::State {

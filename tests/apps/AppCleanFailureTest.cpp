@@ -206,7 +206,7 @@ TEST(AppCleanFailure, AnObserverOfItsOwnHearsOfACleanAndWhetherItIsRecorded) {
     AppsDevice device;
     const std::string data = device.container("C1", kApp);
     device.tree.file(data + "/tmp/x", 5);
-    device.tree.folder(std::string(AppsDevice::kDefaultsFile) + ".lock");
+    device.tree.folder(std::string(device.device.userDefaultsFile()) + ".lock");
     Watched watched(device, device.files);
     const auto own = std::make_shared<Failures>();
     bool done = false;
@@ -214,7 +214,7 @@ TEST(AppCleanFailure, AnObserverOfItsOwnHearsOfACleanAndWhetherItIsRecorded) {
         {kApp}, {}, [&](bool, std::uint64_t, const auto&) { done = true; }, own);
     device.mainQueue.runUntil([&] { return done; });
     ASSERT_TRUE(own->recordError().has_value());
-    EXPECT_THAT(own->recordError()->description, ::testing::HasSubstr("test.plist.lock"));
+    EXPECT_THAT(own->recordError()->description, ::testing::HasSubstr(".plist.lock"));
     EXPECT_EQ(watched.failures.recordError(), std::nullopt);
 }
 

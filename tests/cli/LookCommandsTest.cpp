@@ -185,7 +185,7 @@ TEST(HistoryCommand, AsksOnATerminalAndTellsWhatItDeleted) {
         EXPECT_THAT(result.screen,
                     HasSubstr(*answer == 'y' ? "deleted 2 records\n" : "no record was deleted"));
     }
-    EXPECT_EQ(sweepctl.run({"history"}).screen, "");
+    EXPECT_EQ(sweepctl.run({"history"}).screen, "(none)\n");
 }
 
 TEST(HistoryCommand, OnATerminalWhatWasCleanedStandsBeforeItsRecord) {

@@ -210,7 +210,7 @@ TEST(CustomPathCommands, APathWithWhatPeopleKeepIsAddedAfterAYes) {
         const ProcessResult result = process.wait();
         EXPECT_EQ(result.status, *answer == 'y' ? 0 : 1);
         EXPECT_THAT(result.screen,
-                    HasSubstr(*answer == 'y' ? "added  /var/mobile/Media" : "nothing was added"));
+                    HasSubstr(*answer == 'y' ? "added   /var/mobile/Media" : "nothing was added"));
     }
     sweepctl.setTerminal(TerminalStreams::none());
     EXPECT_EQ(sweepctl.json({"custom-paths"}), json{"/var/mobile/Media"});

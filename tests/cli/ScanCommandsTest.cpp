@@ -80,7 +80,7 @@ TEST(Scan, ATerminalSeesTheCategoriesWhileTheyAreMeasuredAndBarsInTheEnd) {
 /// What a terminal shows of a scan in an environment.
 std::string scanned(const std::string& variable, const std::string& value) {
     Sweepctl sweepctl;
-    fill(sweepctl.device());
+    fillCategories(sweepctl.device());
     sweepctl.setTerminal({.output = true}, 40);
     sweepctl.setVariable("LANG", "C");
     sweepctl.setVariable(variable, value);
@@ -99,7 +99,9 @@ TEST(Scan, ItFitsANarrowTerminalWithBarsThatItsLocaleCanShow) {
               "databases        64 B     5%\n"
               "crash-reports     0 B     0%\n"
               "offline-data    256 B    19%  ##\n"
-              "total          1.3 KB   100%\n");
+              "total          1.3 KB   100%\n"
+              "What cleans would free can differ:\n"
+              "sweepctl scan --would-free\n");
     for (const auto& [variable, value] :
          {std::pair("LANG", "de_DE.utf8"), {"LC_CTYPE", "C.UTF-8"}, {"LC_ALL", "en_US.utf-8"}})
         EXPECT_THAT(scanned(variable, value), HasSubstr("75%  ███████\n")) << variable;

@@ -258,7 +258,7 @@ TEST_F(CleanPreviewTest, OfEverythingItIsDividedByCategory) {
     d_.tree.file(d_.temporary("a"), 10);
     d_.tree.file(d_.temporary("b"), 20);
     d_.tree.file(d_.documents("Downloads/c"), 100);
-    const auto preview = previewClean(d_.services(), CleanType::All);
+    const auto preview = previewClean(d_.engineServices(), CleanType::All);
     ASSERT_TRUE(preview.has_value());
     ASSERT_THAT(preview->parts, testing::SizeIs(9));
     for (std::size_t value = 0; value < preview->parts.size(); ++value)
@@ -266,9 +266,9 @@ TEST_F(CleanPreviewTest, OfEverythingItIsDividedByCategory) {
     using Part = CleanPreview::Part;
     EXPECT_EQ(preview->parts[1], (Part{{CleanType::TempFiles, ""}, 30, 2}));
     EXPECT_EQ(preview->parts[4], (Part{{CleanType::Downloads, ""}, 100, 1}));
-    EXPECT_THAT(previewClean(d_.services(), CleanType::TempFiles)->parts,
+    EXPECT_THAT(previewClean(d_.engineServices(), CleanType::TempFiles)->parts,
                 ElementsAre(Part{{CleanType::TempFiles, ""}, 30, 2}));
-    EXPECT_THAT(previewDeepClean(d_.services())->parts, IsEmpty());
+    EXPECT_THAT(previewDeepClean(d_.engineServices())->parts, IsEmpty());
 }
 
 TEST_F(CleanPreviewTest, WhatStaysIsToldOnceWithItsReason) {

@@ -278,7 +278,7 @@ TEST_F(FailuresOf, EntriesThatCouldNotBeRemovedAreThoseThatAPreviewNames) {
         return operation == Operation::RemoveFileAt && path.ends_with("stays");
     };
     d_.files.failWhere(isStuck, EPERM);
-    const auto preview = previewClean(d_.services(), CleanType::TempFiles, &failures_);
+    const auto preview = previewClean(d_.engineServices(), CleanType::TempFiles, &failures_);
     EXPECT_EQ(preview.value().entries.size(), 3U);
     EXPECT_THAT(failed(), IsEmpty());
 
@@ -296,7 +296,7 @@ TEST_F(FailuresOf, APreviewNamesTheFoldersThatItCouldNotRead) {
     close(d_.temporary("closed"));
     close(d_.library("Logs"));
     closeAll();
-    ASSERT_TRUE(previewClean(d_.services(), CleanType::All, &failures_).has_value());
+    ASSERT_TRUE(previewClean(d_.engineServices(), CleanType::All, &failures_).has_value());
     EXPECT_THAT(unreadable(), ElementsAre(d_.library("Logs"), d_.temporary("closed")));
 }
 

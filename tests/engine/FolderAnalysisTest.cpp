@@ -14,7 +14,9 @@ using testing::SizeIs;
 
 class FolderAnalysisTest : public EngineTest {
   protected:
-    FolderAnalysis of(const std::string& folder) { return FolderAnalysis(d_.services(), folder); }
+    FolderAnalysis of(const std::string& folder) {
+        return FolderAnalysis(d_.engineServices(), folder);
+    }
 
     static std::vector<std::string> pathsOf(const auto& entries) {
         std::vector<std::string> paths;
@@ -40,7 +42,7 @@ TEST_F(FolderAnalysisTest, LinksAreLeftOutWhereTheListingDoesNotTellThem) {
     d_.tree.link("/data/b", "a");
     d_.tree.link("/data/up", "..");
     test::UntypedFileManager untyped(d_.files);
-    FolderAnalysis analysis(d_.services().over(untyped, d_.eraser), "/data");
+    FolderAnalysis analysis(d_.engineServices().over(untyped, d_.eraser), "/data");
     EXPECT_THAT(pathsOf(analysis.largeFiles(1)), ElementsAre("/data/a"));
 }
 

@@ -1,4 +1,5 @@
 #include <cerrno>
+#include <filesystem>
 
 #include "platform/PropertyList.h"
 #include "ui/support/HomeTest.h"
@@ -120,7 +121,9 @@ TEST_F(HomeCleaningTest, TheOutcomeOfTheAppsSaysThatItsFigureCountsWhatStayed) {
 
 TEST_F(HomeCleaningTest, TheOutcomeTellsOfFoldersThatCouldNotBeReadAndOfAMissingRecord) {
     app_.device.file("/var/mobile/Library/WebKit/a", 10);
-    app_.device.folder(app_.core.device.userDefaultsFile() + ".lock");
+    const std::string lock = app_.core.device.userDefaultsFile() + ".lock";
+    std::filesystem::remove(app_.device.host(lock));
+    app_.device.folder(lock);
     app_.core.files.failWhere(
         [](Operation operation, const std::string& path) {
             return operation == Operation::OpenDirectory && path == "/var/mobile/Library/Cookies";
