@@ -25,7 +25,7 @@ std::uint64_t numberIn(std::string_view bytes) {
 
 /// The date `seconds` after the start of 2001, to the nearest microsecond.
 PropertyList::Date dateSince2001(double seconds) {
-    constexpr double kBeyondAnyDate = 1e10;
+    constexpr double kBeyondAnyDate = 1e11;
     if (std::isnan(seconds)) return {};
     const double within = std::clamp(seconds, -kBeyondAnyDate, kBeyondAnyDate);
     // In two parts: a double holds the microseconds of today's dates only just, and would move a

@@ -158,7 +158,8 @@ TEST(PropertyList, ADateDoesNotMoveByBeingReadAndWritten) {
 }
 
 TEST(PropertyList, ADateFarAwaySurvives) {
-    for (const auto seconds : {-9'000'000'000s, 7'000'000'000s}) {  // 1684 and 2191
+    // 1684, 2191, and the first and the last day that the type holds whole.
+    for (const auto seconds : {-9'000'000'000s, 7'000'000'000s, -9'223'286'400s, 9'223'286'400s}) {
         const PropertyList date((Date(seconds)));
         EXPECT_EQ(throughBinary(date), date);
         EXPECT_EQ(throughXml(date), date);
