@@ -148,10 +148,15 @@ Json checkDocument(const std::vector<std::pair<std::string, bool>>& answers) {
     return document;
 }
 
+/// What a list has to do with a path, as a document says it and in words.
+struct Answer {
+    bool isTouched = false;
+    std::string words;
+};
+
 /// A command that asks a list about paths.
 void addCheckCommand(Commands& commands, const StoredList& list, const std::string& summary,
-                     const std::string& yes, const std::string& no,
-                     const std::function<bool(const std::string&)>& question) {
+                     const std::function<Answer(const std::string&)>& question) {
     commands.push_back(
         {.words = list.words + " check",
          .group = kProtectionGroup,
@@ -162,8 +167,9 @@ void addCheckCommand(Commands& commands, const StoredList& list, const std::stri
              Table table({Align::Left, Align::Left});
              std::vector<std::pair<std::string, bool>> answers;
              for (const std::string& path : call.words(list.positional)) {
-                 answers.emplace_back(path, question(path));
-                 table.row({answers.back().second ? yes : no, path});
+                 const Answer answer = question(path);
+                 answers.emplace_back(path, answer.isTouched);
+                 table.row({answer.words, path});
              }
              context.output().document(checkDocument(answers));
              context.output().table(table);
@@ -253,16 +259,20 @@ StoredList customPaths() {
 void addProtectionCommands(Commands& commands) {
     const StoredList paths = pathWhitelist();
     addListCommands(commands, paths);
-    addCheckCommand(commands, paths, "tell whether paths are protected", "protected", "free",
-                    [](const std::string& path) {
-                        return PathWhitelistManager::sharedManager().isPathInWhitelist(path);
+    addCheckCommand(commands, paths, "tell whether paths are protected, or hold what is",
+                    [](const std::string& path) -> Answer {
+                        const auto& manager = PathWhitelistManager::sharedManager();
+                        if (!manager.isPathInWhitelist(path)) return {false, "free"};
+                        if (!manager.holdsProtectedPath(path)) return {true, "protected"};
+                        return {true, "holds a protected path: never removed whole"};
                     });
     addListCommands(commands, appWhitelist());
     const StoredList custom = customPaths();
     addListCommands(commands, custom);
-    addCheckCommand(commands, custom, "tell whether paths match a custom path", "custom", "other",
-                    [](const std::string& path) {
-                        return CustomPathManager::sharedManager().isCustomPath(path);
+    addCheckCommand(commands, custom, "tell whether paths match a custom path",
+                    [](const std::string& path) -> Answer {
+                        const bool is = CustomPathManager::sharedManager().isCustomPath(path);
+                        return {is, is ? "custom" : "other"};
                     });
 }
 

@@ -167,6 +167,15 @@ bool PathWhitelistManager::isPathInWhitelist(std::string_view path) const {
     return true;
 }
 
+bool PathWhitelistManager::holdsProtectedPath(std::string_view path) const {
+    const std::string_view normal = normalized(path);
+    const auto paths = paths_.get();
+    return !path.empty() && paths->index.touches(normal) &&
+           std::ranges::none_of(paths->set.strings(), [&](const std::string& member) {
+               return boundaryPrefixes(normal, member);
+           });
+}
+
 bool PathWhitelistManager::isFree(const std::string& path) const {
     return !path.empty() && paths_.get()->index.isFree(normalized(path));
 }

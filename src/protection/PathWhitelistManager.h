@@ -53,6 +53,9 @@ class PathWhitelistManager : public platform::TreeProtection {
     /// Whether `path` is protected: equal to, inside or above a protected path. A positive answer
     /// logs its reason. "/" is above nothing, since what follows it in a path is no further "/".
     [[nodiscard]] bool isPathInWhitelist(std::string_view path) const;
+    /// Whether a protected path lies in `path`, which is not protected itself: it is never removed
+    /// whole, but what else is in it may go.
+    [[nodiscard]] bool holdsProtectedPath(std::string_view path) const;
     /// Whether `path` is one of the built-in paths, and not merely inside or above one.
     [[nodiscard]] static bool isBuiltInPath(std::string_view path);
 

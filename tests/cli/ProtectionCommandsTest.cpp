@@ -68,8 +68,14 @@ TEST(WhitelistCommands, CheckTellsOfPathsInsideAndAboveProtectedOnes) {
                     {"/var/mobile/Library", true},
                     {"/var/mobile/Media/DCIM2", false},
                     {"/", false}}));
-    EXPECT_EQ(sweepctl.run({"whitelist", "paths", "check", "/var", "/x"}).output,
-              "protected  /var\nfree       /x\n");
+    EXPECT_EQ(sweepctl
+                  .run({"whitelist", "paths", "check", "/var", "/x", "/var/mobile/Media/DCIM/",
+                        "/var/mobile/Media/DCIM/1.jpg"})
+                  .output,
+              "holds a protected path: never removed whole  /var\n"
+              "free                                         /x\n"
+              "protected                                    /var/mobile/Media/DCIM/\n"
+              "protected                                    /var/mobile/Media/DCIM/1.jpg\n");
 }
 
 TEST(WhitelistCommands, PathsThatCouldNotBeRecognisedLaterAreRefused) {

@@ -77,6 +77,18 @@ TEST_F(PathWhitelist, EveryDirectoryAboveABuiltInPathIsProtected) {
     }
 }
 
+TEST_F(PathWhitelist, WhatLiesAboveAProtectedPathMerelyHoldsIt) {
+    ASSERT_TRUE(manager_.addPathToWhitelist("/var/a/b").has_value());
+    for (const char* path : {"/var", "/var/a", "/var/a/", "/var/mobile/Library/Caches"})
+        EXPECT_TRUE(manager_.holdsProtectedPath(path)) << path;
+    for (const char* path : {"/var/a/b", "/var/a/b/", "/var/a/b/c", "/var/a/bc", "/x", "/", ""})
+        EXPECT_FALSE(manager_.holdsProtectedPath(path)) << path;
+    EXPECT_FALSE(manager_.holdsProtectedPath(kMaps + "/x"));
+    // Protected both ways: protected it is.
+    ASSERT_TRUE(manager_.addPathToWhitelist("/var/a").has_value());
+    EXPECT_FALSE(manager_.holdsProtectedPath("/var/a"));
+}
+
 TEST_F(PathWhitelist, TheRootIsAboveNothing) {
     EXPECT_FALSE(asks("/", {}));
 }
