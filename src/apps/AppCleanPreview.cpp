@@ -5,7 +5,8 @@
 namespace sweepwright {
 
 platform::Result<CleanPreview> previewAppsClean(const AppServices& services,
-                                                const std::vector<std::string>& identifiers) {
+                                                const std::vector<std::string>& identifiers,
+                                                CleanObserver* observer) {
     using Error = ThirdPartyAppCacheManager::Error;
     const auto make = [&services](platform::FileManager& files, Eraser& eraser) {
         return ThirdPartyAppCacheManager(
@@ -14,7 +15,7 @@ platform::Result<CleanPreview> previewAppsClean(const AppServices& services,
              services.notifications, services.mainQueue});
     };
     return runPreview(
-        services.files, make,
+        services.files, observer, make,
         [&identifiers](ThirdPartyAppCacheManager& manager, std::optional<Error>& error) {
             std::uint64_t total = 0;
             for (const std::string& identifier : identifiers) {

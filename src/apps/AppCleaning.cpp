@@ -25,9 +25,10 @@ constexpr std::array<std::string_view, 3> kCleanedFolders = {"Library/Caches", "
 }  // namespace
 
 void ThirdPartyAppCacheManager::cleanCacheForApp(const std::string& bundleIdentifier,
-                                                 Progress progress, Completion completion) {
+                                                 Progress progress, Completion completion,
+                                                 Observer observer) {
     stopRequested_ = false;
-    startClean(bundleIdentifier, std::move(progress),
+    startClean(bundleIdentifier, std::move(progress), std::move(observer),
                [this, completion = std::move(completion)](std::uint64_t cleaned,
                                                           std::optional<Error> error) {
                    postCompletion(completion, cleaned, std::move(error));
@@ -35,31 +36,38 @@ void ThirdPartyAppCacheManager::cleanCacheForApp(const std::string& bundleIdenti
 }
 
 void ThirdPartyAppCacheManager::startClean(const std::string& bundleIdentifier, Progress progress,
-                                           Cleaned done) {
-    scanQueue_->async(
-        [this, bundleIdentifier, progress = std::move(progress), done = std::move(done)] {
-            std::optional<Error> error;
-            std::uint64_t cleaned = 0;
-            auto admitted = admission();
-            if (!admitted) {
-                error = admitted.error();
-            } else {
-                cleaned = cleanNow(bundleIdentifier, progress, error);
-            }
-            if (!error && cleaned > 0) {
-                record(cleaned, "第三方应用: " + (bundleIdentifier.contains('.')
-                                                      ? bundleIdentifier
-                                                      : std::string("第三方应用缓存")));
-                invalidateCacheForApp(bundleIdentifier);
-            }
-            if (admitted) admitted->reset();
-            done(cleaned, std::move(error));
-        });
+                                           Observer observer, Cleaned done) {
+    scanQueue_->async([this, bundleIdentifier, progress = std::move(progress),
+                       observer = std::move(observer), done = std::move(done)] {
+        std::optional<Error> error;
+        std::uint64_t cleaned = 0;
+        const Run run{bundleIdentifier, progress, observerOr(observer)};
+        auto admitted = admission();
+        if (!admitted) {
+            error = admitted.error();
+        } else {
+            cleaned = cleanNow(run, error);
+        }
+        if (!error && cleaned > 0) {
+            record(
+                cleaned,
+                "第三方应用: " + (bundleIdentifier.contains('.') ? bundleIdentifier
+                                                                 : std::string("第三方应用缓存")),
+                run.observer);
+            invalidateCacheForApp(bundleIdentifier);
+        }
+        if (admitted) admitted->reset();
+        done(cleaned, std::move(error));
+    });
 }
 
 std::uint64_t ThirdPartyAppCacheManager::cleanNow(const std::string& bundleIdentifier,
                                                   const Progress& progress,
                                                   std::optional<Error>& error) {
+    return cleanNow({bundleIdentifier, progress, observer_}, error);
+}
+
+std::uint64_t ThirdPartyAppCacheManager::cleanNow(const Run& run, std::optional<Error>& error) {
     std::uint64_t cleaned = 0;
     const auto interrupt = [&error](const std::string& reason) {
         log("❌ 清理异常: {}", reason);
@@ -67,28 +75,28 @@ std::uint64_t ThirdPartyAppCacheManager::cleanNow(const std::string& bundleIdent
             Error{std::string(kErrorDomain), kInterrupted, reason.empty() ? "清理失败" : reason};
     };
     try {
-        const auto known = getAppDataDirectory(bundleIdentifier);
+        const auto known = getAppDataDirectory(run.app);
         if (!known) {
             interrupt(known.error().description);
             return 0;
         }
         std::optional<std::string> container = *known;
         // Some containers are named after their app; for others this is simply absent.
-        if (!container && platform::isEntryName(bundleIdentifier))
-            container = joinPath(kDataContainers, bundleIdentifier);
+        if (!container && platform::isEntryName(run.app))
+            container = joinPath(kDataContainers, run.app);
         if (!container) {
             error = Error{std::string(kErrorDomain), kNoDataDirectory, "无法获取应用数据目录"};
             return 0;
         }
-        if (const auto ours = mayEmpty(*container, bundleIdentifier); !ours) {
+        if (const auto ours = mayEmpty(*container, run.app); !ours) {
             interrupt(ours.error().description);
             return 0;
         }
-        log("🧹 清理应用: {} 数据路径: {}", bundleIdentifier, *container);
+        log("🧹 清理应用: {} 数据路径: {}", run.app, *container);
         for (const std::string_view folder : kCleanedFolders)
-            cleaned += cleanFolder(*container, folder, progress, bundleIdentifier).value_or(0);
-        cleanHiddenRoots(bundleIdentifier, progress, cleaned);
-        log("✅ 清理完成: {} 清理了 {} 字节", bundleIdentifier, cleaned);
+            cleaned += cleanFolder(*container, folder, run).value_or(0);
+        cleanHiddenRoots(run, cleaned);
+        log("✅ 清理完成: {} 清理了 {} 字节", run.app, cleaned);
     } catch (const std::exception& exception) {
         interrupt(exception.what());
     } catch (...) {
@@ -111,21 +119,24 @@ platform::Result<> ThirdPartyAppCacheManager::mayEmpty(const std::string& contai
 
 std::optional<std::uint64_t> ThirdPartyAppCacheManager::cleanFolder(const std::string& container,
                                                                     std::string_view relative,
-                                                                    const Progress& progress,
-                                                                    const std::string& name) {
+                                                                    const Run& run) {
     const std::string path = joinPath(container, relative);
-    if (isStopped() || !services_.files.fileExists(path)) return std::nullopt;
-    const std::uint64_t size = sizeBeneath(container, relative);
+    if (isStopped()) return std::nullopt;
+    if (const auto there = services_.files.attributes(path, LastLink::Follow); !there) {
+        noteUnreadable(path, there.error(), run.observer);
+        return std::nullopt;
+    }
+    const std::uint64_t size = sizeBeneath(container, relative, run.observer);
     // Opened without following a link, not even one planted since: from here on we are in it.
     const auto base = services_.files.openDirectory(container, LastLink::Refuse);
     auto folder = base ? services_.files.openBeneath(*base, relative, Mounts::Refuse)
                        : platform::Result<platform::Directory>(std::unexpected(base.error()));
     if (!folder) {
         log("⚠️ 无法读取目录: {} 错误: {}", path, folder.error().description);
-        noteRefused(container, relative, folder.error());
+        noteRefused(container, relative, folder.error(), run);
         return std::nullopt;
     }
-    const auto emptied = removeEntries(*folder, progress, name);
+    const auto emptied = removeEntries(*folder, run);
     if (!emptied) return std::nullopt;
     // What merely failed to go counts all the same: the figure is what was there. But what had to
     // stay does not.
@@ -133,31 +144,29 @@ std::optional<std::uint64_t> ThirdPartyAppCacheManager::cleanFolder(const std::s
 }
 
 void ThirdPartyAppCacheManager::noteRefused(const std::string& container, std::string_view relative,
-                                            const Error& error) {
-    if (observer_ == nullptr) return;
+                                            const Error& error, const Run& run) {
+    if (run.observer == nullptr) return;
     const std::string path = joinPath(container, relative);
     for (std::size_t end = container.size(); end != std::string::npos;
          end = end == path.size() ? std::string::npos
                                   : std::min(path.find('/', end + 1), path.size())) {
         const auto step = services_.files.attributes(path.substr(0, end), LastLink::Refuse);
         if (step && step->type == platform::FileType::SymbolicLink)
-            return observer_->kept(path, KeptReason::Link, {});
+            return run.kept(path, KeptReason::Link);
     }
-    if (error.code == EXDEV) return observer_->kept(path, KeptReason::MountPoint, {});
-    observer_->kept(path, KeptReason::Failed, error.description);
+    if (error.code == EXDEV) return run.kept(path, KeptReason::MountPoint);
+    if (error.code == ENOTDIR) return run.kept(path, KeptReason::Failed, error.description);
+    noteUnreadable(path, error, run.observer);
 }
 
-void ThirdPartyAppCacheManager::cleanHiddenRoots(const std::string& identifier,
-                                                 const Progress& progress, std::uint64_t& cleaned) {
-    const HiddenRoots hiddenRoots(services_.files);
-    for (const auto* folder : hiddenRoots.matching(identifier)) {
-        if (const auto freed =
-                cleanFolder(folder->root, folder->cacheRelative(), progress, identifier)) {
+void ThirdPartyAppCacheManager::cleanHiddenRoots(const Run& run, std::uint64_t& cleaned) {
+    const HiddenRoots hiddenRoots(services_.files, unreadableTo(run.observer));
+    for (const auto* folder : hiddenRoots.matching(run.app)) {
+        if (const auto freed = cleanFolder(folder->root, folder->cacheRelative(), run)) {
             cleaned += *freed;
             log("✅ 清理隐根设备缓存: {}, 大小: {} 字节", folder->cachePath(), *freed);
         }
-        if (const auto freed =
-                cleanFolder(folder->root, folder->tmpRelative(), progress, identifier)) {
+        if (const auto freed = cleanFolder(folder->root, folder->tmpRelative(), run)) {
             cleaned += *freed;
             log("✅ 清理隐根设备临时文件: {}, 大小: {} 字节", folder->tmpPath(), *freed);
         }
@@ -172,13 +181,14 @@ bool ThirdPartyAppCacheManager::removeContentsOfDirectory(const std::string& pat
         log("⚠️ 无法读取目录: {} 错误: {}", path, directory.error().description);
         return false;
     }
-    return removeEntries(*directory, progress, appName).has_value();
+    return removeEntries(*directory, {appName, progress, observer_}).has_value();
 }
 
 std::optional<ThirdPartyAppCacheManager::Emptied> ThirdPartyAppCacheManager::removeEntries(
-    platform::Directory& directory, const Progress& progress, const std::string& appName) {
+    platform::Directory& directory, const Run& run) {
     auto names = platform::namesOf(services_.files, directory);
     if (!names) {
+        noteUnreadable(directory.path(), names.error(), run.observer);
         log("⚠️ 无法读取目录: {} 错误: {}", directory.path(), names.error().description);
         return std::nullopt;
     }
@@ -187,7 +197,7 @@ std::optional<ThirdPartyAppCacheManager::Emptied> ThirdPartyAppCacheManager::rem
         services_.pathWhitelist.isFree(directory.path()) && !links.coversDirectory();
     Emptied emptied;
     std::size_t done = 0;
-    platform::ProgressThrottle throttle(services_.mainQueue, progress);
+    platform::ProgressThrottle throttle(services_.mainQueue, run.progress);
     const auto count = static_cast<double>(names->size());
     while (names->size() > 0) {
         const std::string name = names->take();
@@ -197,28 +207,30 @@ std::optional<ThirdPartyAppCacheManager::Emptied> ThirdPartyAppCacheManager::rem
         }
         if (!isFree && (services_.pathWhitelist.isPathInWhitelist(directory.pathOf(name)) ||
                         links.covers(name))) {
-            keepEntry(directory, name, emptied);
+            keepEntry(directory, name, run, emptied);
         } else {
-            removeEntry(directory, name, emptied);
+            removeEntry(directory, name, run, emptied);
         }
-        throttle.report(appName, static_cast<double>(++done) / count);
+        throttle.report(run.app, static_cast<double>(++done) / count);
     }
     throttle.flush();
     return emptied;
 }
 
 void ThirdPartyAppCacheManager::keepEntry(const platform::Directory& directory,
-                                          const std::string& name, Emptied& emptied) {
+                                          const std::string& name, const Run& run,
+                                          Emptied& emptied) {
     const std::string path = directory.pathOf(name);
     log("🔒 跳过白名单路径: {}", path);
     emptied.keptSomething = true;
-    if (observer_ != nullptr)
-        observer_->kept(path, KeptReason::Protected,
-                        protectingPath(services_.files, services_.pathWhitelist, path));
+    if (run.observer != nullptr)
+        run.kept(path, KeptReason::Protected,
+                 protectingPath(services_.files, services_.pathWhitelist, path));
 }
 
 void ThirdPartyAppCacheManager::removeEntry(const platform::Directory& directory,
-                                            const std::string& name, Emptied& emptied) {
+                                            const std::string& name, const Run& run,
+                                            Emptied& emptied) {
     const std::string path = directory.pathOf(name);
     const auto removal = services_.eraser.removeEntry(directory, name, entryRules());
     emptied.freed += removal.bytes;
@@ -226,28 +238,33 @@ void ThirdPartyAppCacheManager::removeEntry(const platform::Directory& directory
         log("⚠️ 删除失败: {} 错误: {}", path, removal.error->description);
         emptied.keptSomething = emptied.keptSomething || !removal.mountPoints.empty();
         for (const std::string& mountPoint : removal.mountPoints)
-            if (observer_ != nullptr) observer_->kept(mountPoint, KeptReason::MountPoint, {});
-        if (observer_ != nullptr && !removal.onlyMountPointsStay)
-            observer_->kept(path, KeptReason::Failed, removal.error->description);
-    } else if (observer_ != nullptr) {
-        observer_->removed(path, removal.bytes);
+            run.kept(mountPoint, KeptReason::MountPoint);
+        // What another has removed meanwhile is gone as it was to be.
+        if (!removal.onlyMountPointsStay && removal.error->code != ENOENT)
+            run.kept(path, KeptReason::Failed, removal.error->description);
+    } else if (run.observer != nullptr) {
+        run.observer->removed(path, removal.bytes);
     }
 }
 
 void ThirdPartyAppCacheManager::cleanCacheForApps(std::vector<std::string> bundleIdentifiers,
-                                                  Progress progress, Completion completion) {
+                                                  Progress progress, Completion completion,
+                                                  Observer observer) {
     stopRequested_ = false;
-    startBatch(std::move(bundleIdentifiers), std::move(progress), std::move(completion));
+    startBatch(std::move(bundleIdentifiers), std::move(progress), std::move(completion),
+               std::move(observer));
 }
 
 void ThirdPartyAppCacheManager::startBatch(std::vector<std::string> bundleIdentifiers,
-                                           Progress progress, Completion completion) {
+                                           Progress progress, Completion completion,
+                                           Observer observer) {
     scanQueue_->async([this, identifiers = std::move(bundleIdentifiers),
-                       progress = std::move(progress), completion = std::move(completion)] {
+                       progress = std::move(progress), completion = std::move(completion),
+                       observer = std::move(observer)] {
         // Held throughout, so that no other process comes between two of the apps.
         auto admitted = admission();
         if (!admitted) return postCompletion(completion, 0, admitted.error());
-        const std::uint64_t total = cleanBatch(identifiers, progress);
+        const std::uint64_t total = cleanBatch(identifiers, progress, observer);
         admitted->reset();
         postCompletion(completion, total, std::nullopt);
     });
@@ -260,7 +277,13 @@ platform::Result<std::optional<CleanLock::Share>> ThirdPartyAppCacheManager::adm
 }
 
 std::uint64_t ThirdPartyAppCacheManager::cleanBatch(const std::vector<std::string>& identifiers,
-                                                    const Progress& progress) {
+                                                    const Progress& progress,
+                                                    const Observer& observer) {
+    CleanObserver* const listener = observerOr(observer);
+    // Where the apps' containers can't be listed there may be more of them than we were told.
+    const std::string containers(kDataContainers);
+    if (const auto opened = services_.files.openDirectory(containers, LastLink::Follow); !opened)
+        noteUnreadable(containers, opened.error(), listener);
     std::uint64_t total = 0;
     const auto count = static_cast<double>(identifiers.size());
     for (std::size_t index = 0; index < identifiers.size() && !isStopped(); ++index) {
@@ -271,29 +294,33 @@ std::uint64_t ThirdPartyAppCacheManager::cleanBatch(const std::vector<std::strin
             };
         }
         std::binary_semaphore finished(0);
-        startClean(identifiers[index], std::move(inner),
-                   [&](std::uint64_t cleaned, const std::optional<Error>&) {
+        const std::string& identifier = identifiers[index];
+        startClean(identifier, std::move(inner), observer,
+                   [&](std::uint64_t cleaned, const std::optional<Error>& error) {
                        total += cleaned;
+                       if (error && listener != nullptr)
+                           listener->kept(identifier, KeptReason::Failed, error->description);
                        finished.release();
                    });
         finished.acquire();
     }
-    if (total > 0) record(total, "第三方应用缓存（全部）");
+    if (total > 0) record(total, "第三方应用缓存（全部）", listener);
     for (const std::string& identifier : identifiers)
         invalidateCacheForApp(identifier);
     return total;
 }
 
 void ThirdPartyAppCacheManager::cleanAllThirdPartyAppCaches(Progress progress,
-                                                            Completion completion) {
+                                                            Completion completion,
+                                                            Observer observer) {
     stopRequested_ = false;
     scanThirdPartyAppsWithCompletion(
-        [this, progress = std::move(progress),
-         completion = std::move(completion)](const AppList& thirdPartyApps) {
+        [this, progress = std::move(progress), completion = std::move(completion),
+         observer = std::move(observer)](const AppList& thirdPartyApps) {
             // Another process may have protected an app since the lists were last read.
             if (const auto ready = readiness(); !ready)
                 return postCompletion(completion, 0, ready.error());
-            startBatch(withoutWhitelisted(thirdPartyApps), progress, completion);
+            startBatch(withoutWhitelisted(thirdPartyApps), progress, completion, observer);
         });
 }
 
@@ -312,15 +339,18 @@ std::vector<std::string> ThirdPartyAppCacheManager::withoutWhitelisted(
     return identifiers;
 }
 
-void ThirdPartyAppCacheManager::saveCleanStatistics(std::uint64_t bytes) {
-    // A failure to write is logged by the store; what was cleaned is cleaned all the same.
-    static_cast<void>(services_.statistics.recordClean(bytes));
+platform::Result<> ThirdPartyAppCacheManager::saveCleanStatistics(std::uint64_t bytes) {
+    return services_.statistics.recordClean(bytes);
 }
 
-void ThirdPartyAppCacheManager::record(std::uint64_t cleaned, const std::string& historyName) {
-    saveCleanStatistics(cleaned);
-    static_cast<void>(services_.history.saveCleanHistoryWithType(CleanType::ThirdPartyApps, cleaned,
-                                                                 historyName));
+void ThirdPartyAppCacheManager::record(std::uint64_t cleaned, const std::string& historyName,
+                                       CleanObserver* observer) {
+    // What was cleaned is cleaned, and the clean a success, whether or not it can be recorded.
+    const auto counted = saveCleanStatistics(cleaned);
+    const auto entered =
+        services_.history.saveCleanHistoryWithType(CleanType::ThirdPartyApps, cleaned, historyName);
+    for (const auto& stored : {counted, entered})
+        if (!stored && observer != nullptr) observer->notRecorded(stored.error());
     services_.notifications.post("CleanHistoryUpdated");
 }
 

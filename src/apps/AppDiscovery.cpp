@@ -103,7 +103,7 @@ void ThirdPartyAppCacheManager::scanWorkspace(AppList& apps, const Progress& pro
             apps.push_back(std::move(*info));
         }
     }
-    HiddenRoots hiddenRoots(services_.files);
+    HiddenRoots hiddenRoots(services_.files, unreadableTo(observer_));
     std::atomic<std::size_t> done{0};
     platform::parallelFor(apps.size(), kSizingThreads, [&](std::size_t i) {
         calculate(apps[i], hiddenRoots);
@@ -213,11 +213,13 @@ void ThirdPartyAppCacheManager::describeFromBundle(Candidate& candidate,
 
 std::vector<ThirdPartyAppCacheManager::Candidate> ThirdPartyAppCacheManager::findCandidates(
     const std::vector<std::string>& containers, std::set<std::string> known) {
-    const BundleIndex bundles(services_.files);
+    const BundleIndex bundles(services_.files, unreadableTo(observer_));
     std::vector<Candidate> candidates;
     for (const std::string& name : containers) {
         const std::string path = joinPath(kDataContainers, name);
-        if (!services_.files.isDirectory(path)) continue;
+        const auto attributes = services_.files.attributes(path, platform::LastLink::Follow);
+        if (!attributes) noteUnreadable(path, attributes.error(), observer_);
+        if (!attributes || attributes->type != platform::FileType::Directory) continue;
         const std::string identifier = containerIdentifier(services_.files, path);
         if (known.contains(identifier)) continue;
         Candidate candidate;
@@ -233,8 +235,9 @@ std::vector<ThirdPartyAppCacheManager::Candidate> ThirdPartyAppCacheManager::fin
 
 void ThirdPartyAppCacheManager::scanAppDirectoriesIntoArray(AppList& apps,
                                                             const Progress& progress) {
-    const auto containers = services_.files.contentsOfDirectory(std::string(kDataContainers))
-                                .value_or(std::vector<std::string>());
+    const auto listed = services_.files.contentsOfDirectory(std::string(kDataContainers));
+    if (!listed) noteUnreadable(std::string(kDataContainers), listed.error(), observer_);
+    const auto containers = listed.value_or(std::vector<std::string>());
     log("📂 扫描容器目录: {}, 发现 {} 个容器", kDataContainers, containers.size());
     reportHiddenRoots();
     std::set<std::string> known;
@@ -242,7 +245,7 @@ void ThirdPartyAppCacheManager::scanAppDirectoriesIntoArray(AppList& apps,
         if (app.bundleIdentifier) known.insert(*app.bundleIdentifier);
 
     auto candidates = findCandidates(containers, known);
-    HiddenRoots hiddenRoots(services_.files);
+    HiddenRoots hiddenRoots(services_.files, unreadableTo(observer_));
     std::atomic<std::size_t> done{0};
     platform::parallelFor(candidates.size(), kSizingThreads, [&](std::size_t i) {
         AppCacheInfo& info = candidates[i].info;

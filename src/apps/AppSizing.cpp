@@ -15,8 +15,14 @@ platform::WalkRules ThirdPartyAppCacheManager::entryRules() {
     return rules;
 }
 
-platform::WalkRules ThirdPartyAppCacheManager::walkRules(int maxDepth) {
+void ThirdPartyAppCacheManager::noteUnreadable(const std::string& path, const Error& error,
+                                               CleanObserver* observer) {
+    platform::tellUnreadable(services_.files, path, error, unreadableTo(observer));
+}
+
+platform::WalkRules ThirdPartyAppCacheManager::walkRules(int maxDepth, CleanObserver* observer) {
     platform::WalkRules rules = entryRules();
+    rules.onUnreadable = unreadableTo(observer);
     rules.maxDepth = maxDepth;
     rules.onDepthLimit = [](const std::string& path) {
         log("⚠️ 达到最大递归深度，跳过路径: {}", path);
@@ -26,30 +32,36 @@ platform::WalkRules ThirdPartyAppCacheManager::walkRules(int maxDepth) {
 
 std::uint64_t ThirdPartyAppCacheManager::sizeOfDirectoryAtPath(const std::string& path,
                                                                int maxDepth) {
-    return walker_.sizeOfDirectory(path, walkRules(maxDepth));
+    return walker_.sizeOfDirectory(path, walkRules(maxDepth, observer_));
 }
 
 std::uint64_t ThirdPartyAppCacheManager::sizeBeneath(const std::string& container,
-                                                     std::string_view relative) {
+                                                     std::string_view relative,
+                                                     CleanObserver* observer) {
+    const std::string path = joinPath(container, relative);
     // A link on the way may lead into another app; what it leads to is not this app's.
     const auto base = services_.files.openDirectory(container, platform::LastLink::Refuse);
-    if (!base || !services_.files.openBeneath(*base, relative, platform::Mounts::Cross)) return 0;
-    return sizeOfDirectoryAtPath(joinPath(container, relative));
+    const auto folder = base ? services_.files.openBeneath(*base, relative, platform::Mounts::Cross)
+                             : platform::Result<platform::Directory>(std::unexpected(base.error()));
+    if (folder)
+        return walker_.sizeOfDirectory(path, walkRules(platform::kDefaultMaxDepth, observer));
+    noteUnreadable(path, folder.error(), observer);
+    return 0;
 }
 
 void ThirdPartyAppCacheManager::calculateCacheSizeForAppInfo(AppCacheInfo& info) {
-    HiddenRoots hiddenRoots(services_.files);
+    HiddenRoots hiddenRoots(services_.files, unreadableTo(observer_));
     calculate(info, hiddenRoots);
 }
 
 void ThirdPartyAppCacheManager::calculate(AppCacheInfo& info, HiddenRoots& hiddenRoots) {
     if (!info.dataPath) return;
-    std::uint64_t cache = sizeBeneath(*info.dataPath, "Library/Caches");
-    std::uint64_t tmp = sizeBeneath(*info.dataPath, "tmp");
-    cache += sizeBeneath(*info.dataPath, "Library/WebKit");
     const auto measure = [this](const std::string& root, std::string_view relative) {
-        return sizeBeneath(root, relative);
+        return sizeBeneath(root, relative, observer_);
     };
+    std::uint64_t cache = measure(*info.dataPath, "Library/Caches");
+    std::uint64_t tmp = measure(*info.dataPath, "tmp");
+    cache += measure(*info.dataPath, "Library/WebKit");
     for (const auto* folder : hiddenRoots.matching(info.bundleIdentifier.value_or(""))) {
         if (const auto size = hiddenRoots.cacheSize(*folder, measure)) {
             cache += *size;

@@ -57,17 +57,22 @@ std::optional<BundleInfo> readBundleInfo(platform::FileManager& files,
                       text(info.find("CFBundleIconFile"))};
 }
 
-BundleIndex::BundleIndex(platform::FileManager& files) {
+BundleIndex::BundleIndex(platform::FileManager& files,
+                         const platform::UnreadableHandler& onUnreadable) {
     const std::string bundles(rules::kInstalledBundles);
     const auto containers = files.contentsOfDirectory(bundles);
-    if (!containers) return;
+    if (!containers) {
+        platform::tellUnreadable(files, bundles, containers.error(), onUnreadable);
+        return;
+    }
     for (const std::string& container : *containers)
-        readContainer(files, joinPath(bundles, container));
+        readContainer(files, joinPath(bundles, container), onUnreadable);
 }
 
-void BundleIndex::readContainer(platform::FileManager& files, const std::string& container) {
+void BundleIndex::readContainer(platform::FileManager& files, const std::string& container,
+                                const platform::UnreadableHandler& onUnreadable) {
     const auto names = files.contentsOfDirectory(container);
-    if (!names) return;
+    if (!names) return platform::tellUnreadable(files, container, names.error(), onUnreadable);
     std::set<std::string> seen;
     for (const std::string& name : *names) {
         if (!name.ends_with(".app")) continue;

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/FileManager.h"
+#include "platform/Unreadable.h"
 
 namespace sweepwright {
 
@@ -34,14 +35,17 @@ std::optional<BundleInfo> readBundleInfo(platform::FileManager& files,
 /// All installed bundles by identifier, read once: looking an app up costs no search.
 class BundleIndex {
   public:
-    /// Reads every bundle beneath the installed bundles' folder. Synchronous.
-    explicit BundleIndex(platform::FileManager& files);
+    /// Reads every bundle beneath the installed bundles' folder; a folder that can't be read is
+    /// told. Synchronous.
+    explicit BundleIndex(platform::FileManager& files,
+                         const platform::UnreadableHandler& onUnreadable = {});
 
     /// The bundles with this identifier in listing order, at most one of each bundle container.
     [[nodiscard]] const std::vector<BundleInfo>& find(const std::string& identifier) const;
 
   private:
-    void readContainer(platform::FileManager& files, const std::string& container);
+    void readContainer(platform::FileManager& files, const std::string& container,
+                       const platform::UnreadableHandler& onUnreadable);
     std::unordered_map<std::string, std::vector<BundleInfo>> byIdentifier_;
 };
 

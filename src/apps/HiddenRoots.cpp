@@ -20,21 +20,29 @@ std::string HiddenRoots::Folder::tmpPath() const {
     return joinPath(root, tmpRelative());
 }
 
-HiddenRoots::HiddenRoots(platform::FileManager& files) : files_(files) {
+HiddenRoots::HiddenRoots(platform::FileManager& files,
+                         const platform::UnreadableHandler& onUnreadable)
+    : files_(files) {
     const std::string groups(kAppGroups);
     const auto names = files.contentsOfDirectory(groups);
-    if (!names) return;
-    for (const std::string& name : *names) {
-        if (!name.starts_with(kHiddenRootPrefix)) continue;
-        auto root = files.openDirectory(joinPath(groups, name), platform::LastLink::Refuse);
-        if (!root) continue;
-        const auto inside = files.contentsOfDirectory(*root);
-        if (!inside) continue;
-        for (const std::string& folder : *inside) {
-            const auto attributes = files.attributesAt(*root, folder);
-            if (attributes && attributes->type == platform::FileType::Directory)
-                folders_.push_back({root->path(), folder, {}, {}});
-        }
+    if (!names) {
+        platform::tellUnreadable(files, groups, names.error(), onUnreadable);
+        return;
+    }
+    for (const std::string& name : *names)
+        if (name.starts_with(kHiddenRootPrefix)) findFolders(joinPath(groups, name), onUnreadable);
+}
+
+void HiddenRoots::findFolders(const std::string& path,
+                              const platform::UnreadableHandler& onUnreadable) {
+    auto root = files_.openDirectory(path, platform::LastLink::Refuse);
+    if (!root) return platform::tellUnreadable(files_, path, root.error(), onUnreadable);
+    const auto inside = files_.contentsOfDirectory(*root);
+    if (!inside) return platform::tellUnreadable(files_, path, inside.error(), onUnreadable);
+    for (const std::string& folder : *inside) {
+        const auto attributes = files_.attributesAt(*root, folder);
+        if (attributes && attributes->type == platform::FileType::Directory)
+            folders_.push_back({path, folder, {}, {}});
     }
 }
 

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "platform/FileManager.h"
+#include "platform/Unreadable.h"
 
 namespace sweepwright {
 
@@ -39,7 +40,9 @@ class HiddenRoots {
         [[nodiscard]] std::string tmpPath() const;
     };
 
-    explicit HiddenRoots(platform::FileManager& files);
+    /// A root that can't be read has no folders and is told.
+    explicit HiddenRoots(platform::FileManager& files,
+                         const platform::UnreadableHandler& onUnreadable = {});
 
     /// The folders that hold data of this app: those named "var", and those with the identifier in
     /// their name.
@@ -51,6 +54,7 @@ class HiddenRoots {
     std::optional<std::uint64_t> tmpSize(const Folder& folder, const Measure& measure);
 
   private:
+    void findFolders(const std::string& path, const platform::UnreadableHandler& onUnreadable);
     std::optional<std::uint64_t> measured(std::optional<std::uint64_t> Folder::* size,
                                           const Folder& folder, const std::string& relative,
                                           const Measure& measure);

@@ -127,13 +127,18 @@ class ThirdPartyAppCacheManager {
 
     // --- Cleaning ---
 
+    /// Hears of one clean in place of the manager's own observer, until its completion.
+    using Observer = std::shared_ptr<CleanObserver>;
+
     void cleanCacheForApp(const std::string& bundleIdentifier, Progress progress,
-                          Completion completion);
-    /// One after the other; each is recorded, and then their sum.
+                          Completion completion, Observer observer = {});
+    /// One after the other; each is recorded, and then their sum. An app whose clean fails is told
+    /// to the observer, by its identifier.
     void cleanCacheForApps(std::vector<std::string> bundleIdentifiers, Progress progress,
-                           Completion completion);
+                           Completion completion, Observer observer = {});
     /// Every third-party app that is not whitelisted.
-    void cleanAllThirdPartyAppCaches(Progress progress, Completion completion);
+    void cleanAllThirdPartyAppCaches(Progress progress, Completion completion,
+                                     Observer observer = {});
     /// The body of a single clean on the caller's thread, without bookkeeping.
     std::uint64_t cleanNow(const std::string& bundleIdentifier, const Progress& progress,
                            std::optional<Error>& error);
@@ -143,7 +148,7 @@ class ThirdPartyAppCacheManager {
     /// Empties a folder of an app, which stays; false when it can't be read or is a link.
     bool removeContentsOfDirectory(const std::string& path, const Progress& progress,
                                    const std::string& appName);
-    void saveCleanStatistics(std::uint64_t bytes);
+    platform::Result<> saveCleanStatistics(std::uint64_t bytes);
 
     /// Reads the protection lists afresh; the error when one can't be read and cleans must refuse.
     [[nodiscard]] platform::Result<> readiness() const;
@@ -151,7 +156,8 @@ class ThirdPartyAppCacheManager {
     /// Ends the running cleans after the entry in hand; what was freed counts. Thread-safe.
     void stop() { stopRequested_ = true; }
 
-    /// Who hears of every decision of the cleans to come. Not while one runs.
+    /// Who hears of every decision of the cleans to come and of what a scan can't read. Not while
+    /// any of that runs.
     void setObserver(CleanObserver* observer) { observer_ = observer; }
 
   private:
@@ -177,8 +183,10 @@ class ThirdPartyAppCacheManager {
 
     // Sizing.
     void calculate(AppCacheInfo& info, HiddenRoots& hiddenRoots);
-    std::uint64_t sizeBeneath(const std::string& container, std::string_view relative);
-    [[nodiscard]] static platform::WalkRules walkRules(int maxDepth);
+    std::uint64_t sizeBeneath(const std::string& container, std::string_view relative,
+                              CleanObserver* observer);
+    [[nodiscard]] static platform::WalkRules walkRules(int maxDepth, CleanObserver* observer);
+    void noteUnreadable(const std::string& path, const Error& error, CleanObserver* observer);
     /// What counts of an entry of an emptied folder: as walkRules() count it from the folder, which
     /// has told of the depth limit already.
     [[nodiscard]] static platform::WalkRules entryRules();
@@ -189,9 +197,22 @@ class ThirdPartyAppCacheManager {
     platform::Result<std::optional<CleanLock::Share>> admission();
     /// Told on the queue of the cleans, so that who waits there needs no main queue that runs.
     using Cleaned = std::function<void(std::uint64_t cleaned, std::optional<Error> error)>;
-    void startClean(const std::string& bundleIdentifier, Progress progress, Cleaned done);
+    void startClean(const std::string& bundleIdentifier, Progress progress, Observer observer,
+                    Cleaned done);
     void startBatch(std::vector<std::string> bundleIdentifiers, Progress progress,
-                    Completion completion);
+                    Completion completion, Observer observer);
+    /// One clean of one app, and who hears of it.
+    struct Run {
+        const std::string& app;  ///< its identifier
+        const Progress& progress;
+        CleanObserver* observer;
+
+        void kept(const std::string& path, KeptReason reason, const std::string& by = {}) const {
+            if (observer != nullptr) observer->kept(path, reason, by);
+        }
+    };
+    CleanObserver* observerOr(const Observer& own) const { return own ? own.get() : observer_; }
+    std::uint64_t cleanNow(const Run& run, std::optional<Error>& error);
     /// What became of a folder's entries.
     struct Emptied {
         std::uint64_t freed = 0;     ///< bytes of what went
@@ -202,23 +223,23 @@ class ThirdPartyAppCacheManager {
     /// Bytes that were there; where something had to stay, or a clean was stopped, those that went.
     /// None when there was nothing to empty.
     std::optional<std::uint64_t> cleanFolder(const std::string& container,
-                                             std::string_view relative, const Progress& progress,
-                                             const std::string& name);
+                                             std::string_view relative, const Run& run);
     /// An error when the container is that of a whitelisted app of another identifier, or can't be
     /// told whose it is.
     platform::Result<> mayEmpty(const std::string& container, const std::string& bundleIdentifier);
-    void cleanHiddenRoots(const std::string& identifier, const Progress& progress,
-                          std::uint64_t& cleaned);
+    void cleanHiddenRoots(const Run& run, std::uint64_t& cleaned);
     /// Tells why a folder is not entered: a link on its way, else `error`.
-    void noteRefused(const std::string& container, std::string_view relative, const Error& error);
+    void noteRefused(const std::string& container, std::string_view relative, const Error& error,
+                     const Run& run);
     /// None when the directory can't be read.
-    std::optional<Emptied> removeEntries(platform::Directory& directory, const Progress& progress,
-                                         const std::string& appName);
-    void keepEntry(const platform::Directory& directory, const std::string& name, Emptied& emptied);
-    void removeEntry(const platform::Directory& directory, const std::string& name,
+    std::optional<Emptied> removeEntries(platform::Directory& directory, const Run& run);
+    void keepEntry(const platform::Directory& directory, const std::string& name, const Run& run,
+                   Emptied& emptied);
+    void removeEntry(const platform::Directory& directory, const std::string& name, const Run& run,
                      Emptied& emptied);
-    void record(std::uint64_t cleaned, const std::string& historyName);
-    std::uint64_t cleanBatch(const std::vector<std::string>& identifiers, const Progress& progress);
+    void record(std::uint64_t cleaned, const std::string& historyName, CleanObserver* observer);
+    std::uint64_t cleanBatch(const std::vector<std::string>& identifiers, const Progress& progress,
+                             const Observer& observer);
     void postCompletion(Completion completion, std::uint64_t cleaned, std::optional<Error> error);
 
     AppServices services_;

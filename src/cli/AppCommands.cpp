@@ -41,7 +41,7 @@ Json appValue(const AppCacheInfo& app) {
 
 /// Scans on the manager's queue while the main queue shows how far it is.
 AppList scanApps(Context& context, bool thirdPartyOnly) {
-    ThirdPartyAppCacheManager& manager = ThirdPartyAppCacheManager::sharedManager();
+    ThirdPartyAppCacheManager& manager = context.apps();
     std::optional<AppList> found;
     const auto completion = [&found](const AppList& apps) { found = apps; };
     const auto progress = [&context](const std::string& name, double fraction) {
@@ -74,7 +74,7 @@ Outcome apps(Context& context, const Call& call) {
 
 /// The identifiers that a call is about; those that may not be cleaned are an error.
 std::expected<std::vector<std::string>, Failure> chosenApps(Context& context, const Call& call) {
-    ThirdPartyAppCacheManager& manager = ThirdPartyAppCacheManager::sharedManager();
+    ThirdPartyAppCacheManager& manager = context.apps();
     const auto& named = call.words("ID");
     if (call.has("--all") != named.empty()) return wrongWords("name apps to clean, or say --all");
     if (auto ready = manager.readiness(); !ready) return failed(ready.error());
@@ -105,12 +105,13 @@ Outcome cleanApps(Context& context, const Call& call) {
     const auto identifiers = chosenApps(context, call);
     if (!identifiers) return std::unexpected(identifiers.error());
     if (dryRun) {
-        const auto preview = previewAppsClean(AppServices::shared(), *identifiers);
+        const auto preview =
+            previewAppsClean(AppServices::shared(), *identifiers, &context.failures());
         if (!preview) return failed(preview.error());
         showPreview(context.output(), *preview);
         return {};
     }
-    ThirdPartyAppCacheManager& manager = ThirdPartyAppCacheManager::sharedManager();
+    ThirdPartyAppCacheManager& manager = context.apps();
     const bool single = !call.has("--all") && identifiers->size() == 1;
     return runClean(context,
                     {.start =
@@ -123,7 +124,8 @@ Outcome cleanApps(Context& context, const Call& call) {
                                                            std::move(completion));
                              }
                          },
-                     .stop = [&manager] { manager.stop(); }});
+                     .stop = [&manager] { manager.stop(); },
+                     .countsWhatWasThere = true});
 }
 
 }  // namespace

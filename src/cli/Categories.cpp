@@ -42,6 +42,13 @@ const Category* categoryNamed(std::string_view word) {
     return found == kCategories.end() ? nullptr : found;
 }
 
+std::uint64_t scannedSize(FileCleanerEngine& engine, const Category* category) {
+    if (category == nullptr) return engine.scan().totalSize;
+    const std::uint64_t size = (engine.*category->size)();
+    // A scan counts the custom paths among the caches a second time.
+    return category->type == CleanType::Cache ? size + engine.getCustomPathsSize() : size;
+}
+
 std::vector<std::string> categoryWords(std::vector<std::string> more) {
     std::vector<std::string> words(kCategories.size());
     std::ranges::transform(kCategories, words.begin(),

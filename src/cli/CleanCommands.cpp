@@ -14,44 +14,11 @@ namespace sweepwright::cli {
 
 namespace {
 
-/// Counts what could not be removed, which a clean goes past.
-class FailureCounter final : public CleanObserver {
-  public:
-    void removed(const std::string& /*path*/, std::uint64_t /*bytes*/) override {}
-    void kept(const std::string& path, KeptReason reason, const std::string& by) override {
-        if (reason != KeptReason::Failed) return;
-        if (count_++ == 0) first_ = by.empty() ? path : by;
-    }
-
-    /// One line about the failures, if there were any.
-    void report() const {
-        if (count_ == 0) return;
-        complain(fmt::format("{} could not be removed, first: {}",
-                             count_ == 1 ? "1 entry" : fmt::format("{} entries", count_), first_));
-    }
-
-  private:
-    std::size_t count_ = 0;
-    std::string first_;
-};
-
 Outcome previewed(Context& context, const platform::Result<CleanPreview>& preview) {
     context.progress().clear();
     if (!preview) return failed(preview.error());
     showPreview(context.output(), *preview);
     return {};
-}
-
-/// Runs `start` of the shared engine and tells of what it could not remove.
-Outcome runEngine(Context& context,
-                  const std::function<void(CleanProgress, CleanCompletion)>& start) {
-    FileCleanerEngine& engine = FileCleanerEngine::sharedEngine();
-    FailureCounter failures;
-    engine.setObserver(&failures);
-    auto outcome = runClean(context, {.start = start, .stop = [&engine] { engine.stop(); }});
-    engine.setObserver(nullptr);
-    failures.report();
-    return outcome;
 }
 
 Outcome clean(Context& context, const Call& call) {
@@ -60,29 +27,41 @@ Outcome clean(Context& context, const Call& call) {
     const CleanType type = category != nullptr ? category->type : CleanType::All;
     if (call.has("--dry-run")) {
         context.progress().update("finding what would go", 0);
-        return previewed(context, previewClean(EngineServices::shared(), type));
+        const auto preview = previewClean(EngineServices::shared(), type, &context.failures());
+        const std::uint64_t scanned = preview ? scannedSize(context.engine(), category) : 0;
+        auto shown = previewed(context, preview);
+        if (shown && scanned != preview->wouldFree)
+            context.output().line(fmt::format("a scan counts {} there", sizeText(scanned)));
+        return shown;
     }
     const std::string what =
         category != nullptr ? std::string(category->label) : "the data of all nine categories";
     if (auto sure = confirm(fmt::format("Remove {}?", what), call.has("--yes")); !sure) return sure;
-    return runEngine(context, [type](CleanProgress progress, CleanCompletion completion) {
-        FileCleanerEngine::sharedEngine().cleanWithType(type, std::move(progress),
-                                                        std::move(completion));
-    });
+    FileCleanerEngine& engine = context.engine();
+    return runClean(context, {.start =
+                                  [&](CleanProgress progress, CleanCompletion completion) {
+                                      engine.cleanWithType(type, std::move(progress),
+                                                           std::move(completion));
+                                  },
+                              .stop = [&engine] { engine.stop(); }});
 }
 
 Outcome deepClean(Context& context, const Call& call) {
     if (call.has("--dry-run")) {
         context.progress().update("finding what would go", 0);
-        return previewed(context, previewDeepClean(EngineServices::shared()));
+        return previewed(context, previewDeepClean(EngineServices::shared(), &context.failures()));
     }
     if (auto sure = confirm("Remove the caches of the system?", call.has("--yes")); !sure) {
         return sure;
     }
     context.progress().update("caches of the system", 0);
-    return runEngine(context, [](const CleanProgress&, CleanCompletion completion) {
-        FileCleanerEngine::sharedEngine().deepCleanWithCompletion(std::move(completion));
-    });
+    FileCleanerEngine& engine = context.engine();
+    return runClean(context, {.start =
+                                  [&](const CleanProgress&, CleanCompletion completion) {
+                                      engine.deepCleanWithCompletion(std::move(completion));
+                                  },
+                              .stop = [&engine] { engine.stop(); },
+                              .countsWhatWasThere = true});
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include <fmt/format.h>
 
+#include "cli/FailureReport.h"
 #include "platform/DispatchQueue.h"
 
 namespace sweepwright::cli {
@@ -31,6 +32,13 @@ CleanEnd awaitClean(Context& context, const CleanJob& job) {
     return *end;
 }
 
+/// "10 B"; "up to 10 B; 2 entries could not be removed" where the figure may hold what stayed.
+std::string freedText(const CleanEnd& end, const CleanJob& job, const FailureList& failed) {
+    const std::string size = sizeText(end.cleanedBytes);
+    if (!job.countsWhatWasThere || failed.count == 0) return size;
+    return fmt::format("up to {}; {} could not be removed", size, entriesText(failed.count));
+}
+
 }  // namespace
 
 Outcome runClean(Context& context, const CleanJob& job) {
@@ -40,10 +48,13 @@ Outcome runClean(Context& context, const CleanJob& job) {
                          {"cleanedBytes", end.cleanedBytes},
                          {"error", end.error ? errorValue(*end.error) : Json(nullptr)}});
     const bool stopped = context.interruption().signal().has_value();
-    output.line(fmt::format("freed {}{}", sizeText(end.cleanedBytes),
+    const Failures& failures = context.failures();
+    const FailureList failed = failures.failedEntries();
+    output.line(fmt::format("freed {}{}", freedText(end, job, failed),
                             stopped ? " before it was interrupted" : ""));
-    if (!end.error) return {};
-    return std::unexpected(Failure{kOperationFailed, *end.error, true});
+    if (end.error) return std::unexpected(Failure{kOperationFailed, *end.error, true});
+    if (failed.count + failures.unreadableFolders().count > 0) return leftSomething();
+    return {};
 }
 
 void showPreview(Output& output, const CleanPreview& preview) {

@@ -18,9 +18,12 @@ using CleanCompletion = std::function<void(bool success, std::uint64_t cleanedBy
 struct CleanJob {
     std::function<void(CleanProgress progress, CleanCompletion completion)> start;
     std::function<void()> stop;  ///< ends it after the entry in hand
+    /// What it reports was measured before and counts what then failed to go, too.
+    bool countsWhatWasThere = false;
 };
 
-/// Runs a clean to its end or to the first interrupt, shows its progress and tells what it freed.
+/// Runs a clean of the context's engine or apps to its end or to the first interrupt, shows its
+/// progress and tells what it freed.
 Outcome runClean(Context& context, const CleanJob& job);
 
 /// Tells what a clean would do.

@@ -14,6 +14,7 @@ enum Status : int {
     kOperationFailed = 1,
     kWrongWords = 2,
     kDeviceUnusable = 3,
+    kLeftSomething = 4,
     kSignalBase = 128,  ///< plus the signal's number
 };
 
@@ -31,6 +32,12 @@ using Outcome = std::expected<void, Failure>;
 inline std::unexpected<Failure> wrongWords(std::string description) {
     return std::unexpected(
         Failure{kWrongWords, {"CommandLine", kWrongWords, std::move(description)}, false});
+}
+
+/// The clean is done, but something that was to go could not be read or removed; the failures of
+/// the command tell what.
+inline std::unexpected<Failure> leftSomething() {
+    return std::unexpected(Failure{kLeftSomething, {}, true});
 }
 
 /// The operation reported an error.

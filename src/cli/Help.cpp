@@ -21,7 +21,8 @@ constexpr std::string_view kGlobalOptions =
   --idiom KIND        iphone or ipad (iphone)
   --json              one JSON document, and nothing else, on standard output
   --no-progress       no progress line
-  -v, --verbose       the diagnostic log on standard error, too
+  -v, --verbose       the diagnostic log on standard error, too, and each folder
+                      and entry that could not be read or removed
   -h, --help          this help, or a command's: sweepctl COMMAND --help
   --version           the version
 )";
@@ -32,6 +33,7 @@ constexpr std::string_view kClosing =
   1  the operation reported an error
   2  the words of the call are wrong
   3  the device root can't be used
+  4  done, but something that was to go could not be read or removed
   130, 143  stopped by an interrupt or a request to end
 
 Nothing is removed without a question or --yes, nothing outside the device root

@@ -55,7 +55,7 @@ class SizedRows {
 };
 
 Outcome listCategory(Context& context, const Call& call) {
-    FileCleanerEngine& engine = FileCleanerEngine::sharedEngine();
+    FileCleanerEngine& engine = context.engine();
     const Category* category = categoryNamed(call.word("CATEGORY"));
     Output& output = context.output();
     if (category->type == CleanType::OfflineData)
@@ -78,7 +78,7 @@ Outcome listCategory(Context& context, const Call& call) {
 }
 
 Outcome storage(Context& context, const Call& /*call*/) {
-    const auto info = FileCleanerEngine::sharedEngine().getStorageInfo();
+    const auto info = context.engine().getStorageInfo();
     if (!info) {
         return failed({std::string(FileCleanerEngine::kErrorDomain), -1,
                        "the device's volume does not tell how large it is"});
@@ -107,29 +107,28 @@ Outcome storage(Context& context, const Call& /*call*/) {
     return {};
 }
 
-void analyzeApps(Output& output) {
+void analyzeApps(Context& context) {
     SizedRows rows;
-    for (const AppEntry& app : FileCleanerEngine::sharedEngine().getInstalledAppsWithStorage())
+    for (const AppEntry& app : context.engine().getInstalledAppsWithStorage())
         setPath(rows.add(app.path, app.size), "name", app.name);
-    rows.show(output);
+    rows.show(context.output());
 }
 
-void analyzeLarge(Output& output, std::uint64_t minSize) {
+void analyzeLarge(Context& context, std::uint64_t minSize) {
     SizedRows rows;
-    for (const LargeFileEntry& file :
-         FileCleanerEngine::sharedEngine().findLargeFilesWithMinSize(minSize)) {
+    for (const LargeFileEntry& file : context.engine().findLargeFilesWithMinSize(minSize)) {
         Json& object = rows.add(file.path, file.size);
         setPath(object, "name", file.name);
         object["modifiedDate"] = platform::dateText(file.modifiedDate);
     }
-    rows.show(output);
+    rows.show(context.output());
 }
 
-void analyzeDuplicates(Output& output) {
+void analyzeDuplicates(Context& context) {
     Json groups = Json::array();
     Table table({Align::Right, Align::Right, Align::Left});
     std::size_t number = 0;
-    for (const auto& group : FileCleanerEngine::sharedEngine().findDuplicateFiles()) {
+    for (const auto& group : context.engine().findDuplicateFiles()) {
         Json files = Json::array();
         ++number;
         for (const DuplicateEntry& file : group) {
@@ -142,12 +141,12 @@ void analyzeDuplicates(Output& output) {
         }
         groups.push_back(std::move(files));
     }
-    output.document(groups);
-    output.table(table);
+    context.output().document(groups);
+    context.output().table(table);
 }
 
-void analyzeExtensions(Output& output) {
-    const ExtensionAnalysis analysis = FileCleanerEngine::sharedEngine().analyzeStorageByCategory();
+void analyzeExtensions(Context& context) {
+    const ExtensionAnalysis analysis = context.engine().analyzeStorageByCategory();
     Json byExtension = Json::object();
     Table table({Align::Right, Align::Left});
     for (const auto& [extension, size] : analysis.byExtension) {
@@ -156,20 +155,21 @@ void analyzeExtensions(Output& output) {
         table.row({sizeText(size), extension});
     }
     table.row({sizeText(analysis.totalAnalyzed), "total"});
-    output.document(
+    context.output().document(
         Json{{"byExtension", std::move(byExtension)}, {"totalAnalyzed", analysis.totalAnalyzed}});
-    output.table(table);
+    context.output().table(table);
 }
 
-void analyzeUsage(Output& output) {
+void analyzeUsage(Context& context) {
     Json document = Json::object();
     Table table({Align::Right, Align::Left});
-    for (const auto& [folder, usage] : StorageAnalyzer::sharedAnalyzer().analyzeDirectoryUsage()) {
+    for (const auto& [folder, usage] : StorageAnalyzer::sharedAnalyzer().analyzeDirectoryUsage(
+             unreadableTo(&context.failures()))) {
         document[folder] = Json{{"size", usage.size}, {"formatted", usage.formatted}};
         table.row({usage.formatted, folder});
     }
-    output.document(document);
-    output.table(table);
+    context.output().document(document);
+    context.output().table(table);
 }
 
 Outcome analyze(Context& context, const Call& call) {
@@ -177,17 +177,16 @@ Outcome analyze(Context& context, const Call& call) {
     if (call.has("--min-size") && what != "large")
         return wrongWords("--min-size goes with: sweepctl analyze large");
     context.progress().update(what, 0);
-    Output& output = context.output();
     if (what == "apps") {
-        analyzeApps(output);
+        analyzeApps(context);
     } else if (what == "large") {
-        analyzeLarge(output, call.number("--min-size").value_or(kLargeFile));
+        analyzeLarge(context, call.number("--min-size").value_or(kLargeFile));
     } else if (what == "duplicates") {
-        analyzeDuplicates(output);
+        analyzeDuplicates(context);
     } else if (what == "extensions") {
-        analyzeExtensions(output);
+        analyzeExtensions(context);
     } else {
-        analyzeUsage(output);
+        analyzeUsage(context);
     }
     context.progress().clear();
     return {};

@@ -30,13 +30,20 @@ void Output::table(const Table& table) {
     pending_ += table.text([this](std::string_view cell) { return shown(cell); });
 }
 
-void Output::document(const Json& document) {
-    if (!json_) return;
-    pending_ = document.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+void Output::document(Json document) {
+    if (json_) document_ = std::move(document);
+}
+
+bool Output::addToDocument(const Json& keys) {
+    if (!document_ || !document_->is_object()) return false;
+    document_->update(keys);
+    return true;
 }
 
 platform::Result<> Output::flush() {
-    const std::string text = std::exchange(pending_, {});
+    std::string text = std::exchange(pending_, {});
+    if (document_) text = document_->dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+    document_.reset();
     if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() ||
         std::fflush(stdout) != 0) {
         return std::unexpected(platform::errorFromErrno(errno, "standard output"));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -31,7 +32,9 @@ class Output {
     void table(const Table& table);
 
     /// The document; nothing outside JSON mode. A second one takes the first one's place.
-    void document(const Json& document);
+    void document(Json document);
+    /// Adds keys to the document; false when there is none or it is no object.
+    bool addToDocument(const Json& keys);
 
     /// Writes everything; an error when standard output does not take it.
     platform::Result<> flush();
@@ -40,6 +43,7 @@ class Output {
     bool json_;
     bool terminal_;
     std::string pending_;
+    std::optional<Json> document_;
 };
 
 /// Writes "sweepctl: <text>" as one line on standard error, whatever `text` holds.

@@ -9,6 +9,7 @@
 
 #include "cli/Arguments.h"
 #include "cli/Context.h"
+#include "cli/FailureReport.h"
 #include "cli/Help.h"
 #include "platform/Log.h"
 #include "platform/Terminal.h"
@@ -21,7 +22,7 @@ constexpr const char* kVersion = SWEEPWRIGHT_VERSION;
 
 /// Tells of a failure on standard error and, with --json, on standard output.
 void report(Output& output, const Failure& failure) {
-    complain(failure.error.description);
+    if (failure.status != kLeftSomething) complain(failure.error.description);
     if (!failure.documented) output.document(Json{{"error", errorValue(failure.error)}});
 }
 
@@ -60,6 +61,7 @@ int runInvocation(const Invocation& invocation, Output& output) {
         report(output, outcome.error());
         status = outcome.error().status;
     }
+    tellFailures(output, context.failures(), invocation.global.verbose);
     if (const auto signal = interruption.signal()) status = kSignalBase + *signal;
     return status;
 }

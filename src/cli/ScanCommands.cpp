@@ -1,6 +1,8 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <map>
 #include <string>
 #include <string_view>
 
@@ -9,6 +11,7 @@
 #include "cli/Categories.h"
 #include "cli/Command.h"
 #include "cli/Context.h"
+#include "engine/CleanPreview.h"
 #include "engine/FileCleanerEngine.h"
 
 namespace sweepwright::cli {
@@ -47,43 +50,73 @@ std::string percentText(std::uint64_t part, std::uint64_t total) {
     return fmt::format("{:.0f}%", 100.0 * static_cast<double>(part) / static_cast<double>(total));
 }
 
-Table scanTable(const ScanResult& result, bool forEyes) {
+/// Bytes that cleans would free, by the words of the categories and "total".
+using WouldFree = std::map<std::string, std::uint64_t, std::less<>>;
+
+Table scanTable(const ScanResult& result, const WouldFree& wouldFree, bool forEyes) {
     std::vector<Align> columns{Align::Left, Align::Right, Align::Right};
+    if (!wouldFree.empty()) columns.push_back(Align::Right);
     if (forEyes) columns.push_back(Align::Left);
     Table table(columns);
     const std::uint64_t total = result.totalSize;
+    const auto add = [&](std::string_view word, std::uint64_t size, const std::string& bar) {
+        std::vector<std::string> row{std::string(word), sizeText(size), percentText(size, total)};
+        if (const auto found = wouldFree.find(word); found != wouldFree.end())
+            row.push_back(sizeText(found->second));
+        if (forEyes) row.push_back(bar);
+        table.row(std::move(row));
+    };
     for (const Category& category : categories()) {
         const std::uint64_t size = result.*category.figure;
-        std::vector<std::string> row{std::string(category.word), sizeText(size),
-                                     percentText(size, total)};
-        if (forEyes) row.push_back(total == 0 ? "" : shareBar(size, total));
-        table.row(std::move(row));
+        add(category.word, size, total == 0 ? "" : shareBar(size, total));
     }
-    std::vector<std::string> last{"total", sizeText(total), percentText(total, total)};
-    if (forEyes) last.emplace_back();
-    table.row(std::move(last));
+    add("total", total, "");
     return table;
 }
 
-Outcome scan(Context& context, const Call&) {
-    FileCleanerEngine& engine = FileCleanerEngine::sharedEngine();
+/// What a clean of each category by itself, and what one of all of them, would free.
+platform::Result<WouldFree> findWouldFree(Context& context) {
+    WouldFree found;
+    const auto add = [&](std::string_view word, CleanType type) -> platform::Result<> {
+        context.progress().update("finding what would go",
+                                  static_cast<double>(found.size()) / kSteps);
+        const auto preview = previewClean(EngineServices::shared(), type, &context.failures());
+        if (!preview) return std::unexpected(preview.error());
+        found.emplace(word, preview->wouldFree);
+        return {};
+    };
+    for (const Category& category : categories())
+        if (auto added = add(category.word, category.type); !added)
+            return std::unexpected(added.error());
+    if (auto added = add("total", CleanType::All); !added) return std::unexpected(added.error());
+    return found;
+}
+
+Outcome scan(Context& context, const Call& call) {
+    FileCleanerEngine& engine = context.engine();
     warnIfUnprotected(engine);
     const ScanResult result = engine.scan([&](std::string_view key, int done) {
         context.progress().update(labelOf(key), static_cast<double>(done) / kSteps);
     });
+    platform::Result<WouldFree> wouldFree;
+    if (call.has("--would-free")) wouldFree = findWouldFree(context);
     context.progress().clear();
+    if (!wouldFree) return failed(wouldFree.error());
 
     Json document = Json::object();
     for (const auto& [key, bytes] : result.entries())
         document[key] = bytes;
+    if (!wouldFree->empty()) document["wouldFree"] = *wouldFree;
     Output& output = context.output();
     output.document(document);
-    output.table(scanTable(result, output.toPerson()));
+    output.table(scanTable(result, *wouldFree, output.toPerson()));
+    if (output.toPerson() && wouldFree->empty())
+        output.line("What cleans would free can differ: sweepctl scan --would-free");
     return {};
 }
 
 Outcome size(Context& context, const Call& call) {
-    FileCleanerEngine& engine = FileCleanerEngine::sharedEngine();
+    FileCleanerEngine& engine = context.engine();
     warnIfUnprotected(engine);
     const std::string& word = call.word("WHAT");
     const Category* category = categoryNamed(word);
@@ -104,11 +137,16 @@ Outcome size(Context& context, const Call& call) {
 
 void addScanCommands(Commands& commands) {
     constexpr const char* kGroup = "Measure";
-    commands.push_back({.words = "scan",
-                        .group = kGroup,
-                        .summary = "tell what each category would free",
-                        .examples = {"sweepctl scan", "sweepctl scan --json"},
-                        .run = scan});
+    commands.push_back(
+        {.words = "scan",
+         .group = kGroup,
+         .summary = "measure what lies in the places that each category's clean visits",
+         .options = {{.name = "--would-free",
+                      .value = "",
+                      .help = "beside it, what the cleans would free; takes as long "
+                              "as some more scans"}},
+         .examples = {"sweepctl scan", "sweepctl scan --json"},
+         .run = scan});
     commands.push_back({.words = "size",
                         .group = kGroup,
                         .summary = "measure one category, the system's caches or the custom paths",

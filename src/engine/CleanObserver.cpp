@@ -26,4 +26,11 @@ std::string_view keptReasonName(KeptReason reason) {
     return "";
 }
 
+platform::UnreadableHandler unreadableTo(CleanObserver* observer) {
+    if (observer == nullptr) return {};
+    return [observer](const std::string& folder, const platform::Error& error) {
+        observer->unreadable(folder, error);
+    };
+}
+
 }  // namespace sweepwright

@@ -5,6 +5,9 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/Error.h"
+#include "platform/Unreadable.h"
+
 namespace sweepwright {
 
 /// Why a clean left something alone.
@@ -23,7 +26,8 @@ enum class KeptReason {
 /// The reason as scripts read it: "protected", "hidden", "link", …
 std::string_view keptReasonName(KeptReason reason);
 
-/// Hears of every decision of a clean, on the clean's thread.
+/// Hears of every decision of a clean, on the clean's thread, and of what a clean, a scan or a list
+/// could not do.
 class CleanObserver {
   public:
     virtual ~CleanObserver() = default;
@@ -31,7 +35,15 @@ class CleanObserver {
     virtual void removed(const std::string& path, std::uint64_t bytes) = 0;
     /// `path` stays.
     virtual void kept(const std::string& path, KeptReason reason, const std::string& by) = 0;
+    /// What lies in `folder` could not be read, all of it or a part: it was neither measured nor
+    /// listed, and is not removed. On any thread, on several at once, and more than once a folder.
+    virtual void unreadable(const std::string& /*folder*/, const platform::Error& /*error*/) {}
+    /// A clean has freed something, and its record could not be stored.
+    virtual void notRecorded(const platform::Error& /*error*/) {}
 };
+
+/// The handler that tells `observer`, which must outlive it; none for none.
+platform::UnreadableHandler unreadableTo(CleanObserver* observer);
 
 /// What a clean would do.
 struct CleanPreview {

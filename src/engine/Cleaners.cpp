@@ -27,7 +27,7 @@ struct FileCleanerEngine::Emptying {
 };
 
 std::uint64_t FileCleanerEngine::cleanIfPresent(const std::string& path, const Progress& progress) {
-    return exists(path) ? removeContentsOfDirectory(path, progress) : 0;
+    return existsToClean(path) ? removeContentsOfDirectory(path, progress) : 0;
 }
 
 std::uint64_t FileCleanerEngine::cleanEntries(const std::string& directory, NameRule rule,
@@ -41,12 +41,12 @@ std::uint64_t FileCleanerEngine::cleanEntries(const std::string& directory, Name
 
 std::optional<FileCleanerEngine::Emptying> FileCleanerEngine::cleanMeasured(
     const std::string& path, const Progress& progress, Mounts mounts) {
-    if (isStopped() || !exists(path)) return std::nullopt;
+    if (isStopped() || !existsToClean(path)) return std::nullopt;
     if (isPathInWhitelist(path)) {
         noteProtected(path);
         return std::nullopt;
     }
-    const std::uint64_t size = sizeOfDirectoryAtPath(path);
+    const std::uint64_t size = sizeToClean(path);
     if (size == 0) return std::nullopt;
     return Emptying{size, removeContentsOfDirectory(path, progress, mounts)};
 }
@@ -98,11 +98,12 @@ std::uint64_t FileCleanerEngine::cleanSystemCaches(const Progress& progress) {
             total += done->freed;
             log("✅ 清理{}缓存, 大小: {} 字节", name, done->freed);
         }
-        if (exists(std::string(rules::kSharedCaches)))
+        if (existsToClean(std::string(rules::kSharedCaches)))
             for (const std::string& name : cleanableEntriesOf(std::string(rules::kSharedCaches)))
                 total += cleanSharedCache(name, progress);
     } catch (const std::exception& exception) {
         log("⚠️ 清理系统缓存时异常: {}", exception.what());
+        noteKept(std::string(rules::kSharedCaches), KeptReason::Failed, exception.what());
     }
     return total;
 }
@@ -164,7 +165,7 @@ std::uint64_t FileCleanerEngine::cleanCookiesWithProgress(const Progress& progre
     total +=
         cleanEntries(services_.device.applicationSupportDirectory(), rules::isWebData, progress);
     const std::string safari = home("Library/Safari");
-    if (exists(safari)) total += cleanEntries(safari, rules::isSafariData, progress);
+    if (existsToClean(safari)) total += cleanEntries(safari, rules::isSafariData, progress);
     return total + cleanSystemSafari(progress);
 }
 

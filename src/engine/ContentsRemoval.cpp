@@ -30,17 +30,26 @@ platform::Result<platform::Directory> openItself(platform::FileManager& files,
 
 }  // namespace
 
+std::uint64_t FileCleanerEngine::sizeToClean(const std::string& directory) {
+    return walker_.sizeOfDirectory(directory, cleanRules());
+}
+
 void FileCleanerEngine::noteRemoved(const std::string& path, std::uint64_t bytes) {
-    if (observer_ != nullptr) observer_->removed(path, bytes);
+    if (cleanObserver() != nullptr) cleanObserver()->removed(path, bytes);
 }
 
 void FileCleanerEngine::noteKept(const std::string& path, KeptReason reason,
                                  const std::string& by) {
-    if (observer_ != nullptr) observer_->kept(path, reason, by);
+    if (cleanObserver() != nullptr) cleanObserver()->kept(path, reason, by);
+}
+
+void FileCleanerEngine::noteFailed(const std::string& path, const Error& error) {
+    if (error.domain == platform::kPosixErrorDomain && error.code == ENOENT) return;
+    noteKept(path, KeptReason::Failed, error.description);
 }
 
 void FileCleanerEngine::noteProtected(const std::string& path) {
-    if (observer_ != nullptr && exists(path))
+    if (cleanObserver() != nullptr && existsToClean(path))
         noteKept(path, KeptReason::Protected,
                  protectingPath(services_.files, services_.pathWhitelist, path));
 }
@@ -99,6 +108,8 @@ std::optional<platform::Directory> FileCleanerEngine::openToEmpty(const std::str
             noteKept(directory, KeptReason::Link);
         } else if (opened.error().code == EXDEV) {
             noteKept(directory, KeptReason::MountPoint);
+        } else {
+            noteUnreadable(directory, opened.error(), cleanObserver());
         }
         return std::nullopt;
     }
@@ -112,14 +123,21 @@ std::optional<platform::Directory> FileCleanerEngine::openToEmpty(const std::str
 
 std::vector<std::string> FileCleanerEngine::cleanableEntriesOf(const std::string& directory) {
     auto opened = services_.files.openDirectory(directory, LastLink::Refuse);
-    if (!opened) return {};
-    return services_.files.contentsOfDirectory(*opened).value_or(std::vector<std::string>{});
+    auto names = opened
+                     ? services_.files.contentsOfDirectory(*opened)
+                     : platform::Result<std::vector<std::string>>(std::unexpected(opened.error()));
+    if (names) return *std::move(names);
+    noteUnreadable(directory, names.error(), cleanObserver());
+    return {};
 }
 
 std::uint64_t FileCleanerEngine::removeEntriesOf(platform::Directory& directory,
                                                  const Progress& progress) {
     auto names = platform::namesOf(services_.files, directory);
-    if (!names) return 0;
+    if (!names) {
+        noteUnreadable(directory.path(), names.error(), cleanObserver());
+        return 0;
+    }
     const auto count = static_cast<double>(names->size());
     const LinkProtection protection = protectionOf(directory);
     // A cleaner that is called on its own has no throttle yet.
@@ -180,7 +198,7 @@ std::uint64_t FileCleanerEngine::removeEntry(const platform::Directory& director
                                              const std::string& name) {
     const std::string path = directory.pathOf(name);
     // The size is taken file by file right before each goes, by the rules of the size walker.
-    const platform::Removal removal = services_.eraser.removeEntry(directory, name, walkRules());
+    const platform::Removal removal = services_.eraser.removeEntry(directory, name, cleanRules());
     if (!removal.error) {
         noteRemoved(path, removal.bytes);
         return removal.bytes;
@@ -188,7 +206,7 @@ std::uint64_t FileCleanerEngine::removeEntry(const platform::Directory& director
     log("⚠️ 无法删除文件: {}, 错误: {}", path, removal.error->description);
     noteMountPoints(removal);
     if (removal.onlyMountPointsStay) return removal.bytes;
-    noteKept(path, KeptReason::Failed, removal.error->description);
+    noteFailed(path, *removal.error);
     // What went before the failure is gone and counts; then whatever else can go.
     if (isSystemPath(path))
         return removal.bytes + removeContentsOfDirectory(path, {}, Mounts::Refuse);

@@ -26,7 +26,7 @@ std::string mainDatabaseOf(std::string_view sideFile) {
 bool FileCleanerEngine::isInUse(const platform::Directory& library, const std::string& name,
                                 const platform::FileAttributes& attributes) {
     const std::string database = mainDatabaseOf(name);
-    if (!exists(library.pathOf(database)) && !attributesOf(library, database)) return false;
+    if (!existsToClean(library.pathOf(database)) && !attributesOf(library, database)) return false;
     const double age =
         std::chrono::duration<double>(services_.now() - attributes.modificationDate).count();
     if (age >= kRecentSeconds) return false;
@@ -66,9 +66,13 @@ std::uint64_t FileCleanerEngine::cleanDatabaseFilesWithProgress(const Progress& 
                                                                 ErrorSlot& /*error*/) {
     auto library =
         services_.files.openDirectory(services_.device.libraryDirectory(), LastLink::Refuse);
-    if (!library) return 0;
-    const auto names = services_.files.contentsOfDirectory(*library);
-    if (!names) return 0;
+    const auto names =
+        library ? services_.files.contentsOfDirectory(*library)
+                : platform::Result<std::vector<std::string>>(std::unexpected(library.error()));
+    if (!names) {
+        noteUnreadable(services_.device.libraryDirectory(), names.error(), cleanObserver());
+        return 0;
+    }
     const LinkProtection protection = protectionOf(*library);
     std::uint64_t total = 0;
     for (const std::string& name : *names) {
@@ -76,12 +80,11 @@ std::uint64_t FileCleanerEngine::cleanDatabaseFilesWithProgress(const Progress& 
         if (!rules::isDatabaseSideFile(name) || !isRemovableSideFile(*library, protection, name))
             continue;
         const std::string path = library->pathOf(name);
-        const auto removal = services_.eraser.removeEntry(*library, name, walkRules());
+        const auto removal = services_.eraser.removeEntry(*library, name, cleanRules());
         if (removal.error) {
             log("⚠️ 无法删除数据库临时文件: {}, 错误: {}", path, removal.error->description);
             noteMountPoints(removal);
-            if (!removal.onlyMountPointsStay)
-                noteKept(path, KeptReason::Failed, removal.error->description);
+            if (!removal.onlyMountPointsStay) noteFailed(path, *removal.error);
             continue;
         }
         noteRemoved(path, removal.bytes);

@@ -60,8 +60,8 @@ std::uint64_t FileCleanerEngine::sweep(ErrorSlot& error) {
 void FileCleanerEngine::sweepSystemCache(std::string_view at, std::string_view name,
                                          std::uint64_t& total) {
     const std::string path(at);
-    if (isStopped() || !exists(path)) return;
-    if (sizeOfDirectoryAtPath(path) == 0) return log("ℹ️ {}缓存目录为空，跳过清理", name);
+    if (isStopped() || !existsToClean(path)) return;
+    if (sizeToClean(path) == 0) return log("ℹ️ {}缓存目录为空，跳过清理", name);
     const std::uint64_t freed = removeContentsOfDirectory(path, {});
     if (freed == 0) return log("⚠️ 无法清理{}缓存（文件可能正在使用）", name);
     total += freed;
@@ -70,7 +70,7 @@ void FileCleanerEngine::sweepSystemCache(std::string_view at, std::string_view n
 
 void FileCleanerEngine::sweepCacheDelete(std::uint64_t& total) {
     const std::string path(rules::kCacheDeleteCache);
-    if (isStopped() || !exists(path) || sizeOfDirectoryAtPath(path) == 0) return;
+    if (isStopped() || !existsToClean(path) || sizeToClean(path) == 0) return;
     const std::uint64_t freed = removeContentsOfDirectory(path, {});
     if (freed == 0) return;
     total += freed;
@@ -79,8 +79,8 @@ void FileCleanerEngine::sweepCacheDelete(std::uint64_t& total) {
 
 void FileCleanerEngine::sweepSafari(std::string_view at, std::uint64_t& total) {
     const std::string path(at);
-    if (isStopped() || !exists(path)) return;
-    const std::uint64_t size = getFileSizeAtPath(path);
+    if (isStopped() || !existsToClean(path)) return;
+    const std::uint64_t size = fileSize(path, cleanObserver());
     if (size == 0) return;
     const auto removal = removeLocation(path);
     if (!removal) return;
@@ -90,6 +90,7 @@ void FileCleanerEngine::sweepSafari(std::string_view at, std::uint64_t& total) {
         return log("✅ 清理Safari缓存路径: {}, 大小: {} 字节", path, size);
     }
     noteMountPoints(*removal);
+    if (!removal->onlyMountPointsStay) noteFailed(path, *removal->error);
     const std::uint64_t rest =
         removal->onlyMountPointsStay ? 0 : removeContentsOfDirectory(path, {}, Mounts::Refuse);
     const std::uint64_t freed = removal->bytes + rest;
@@ -117,12 +118,12 @@ std::optional<platform::Removal> FileCleanerEngine::removeLocation(const std::st
         noteProtected(path);
         return std::nullopt;
     }
-    return services_.eraser.removeEntry(*parent, name, walkRules());
+    return services_.eraser.removeEntry(*parent, name, cleanRules());
 }
 
 void FileCleanerEngine::sweepSharedCaches(std::uint64_t& total) {
     const std::string shared(rules::kSharedCaches);
-    if (isStopped() || !exists(shared)) return;
+    if (isStopped() || !existsToClean(shared)) return;
     for (const std::string& name : cleanableEntriesOf(shared)) {
         const std::string path = platform::joinPath(shared, name);
         if (isStopped()) return;
@@ -134,8 +135,11 @@ void FileCleanerEngine::sweepSharedCaches(std::uint64_t& total) {
             keepMaps(path);
             continue;
         }
-        const std::uint64_t size = sizeOfDirectoryAtPath(path);
-        if (!rules::isSharedCache(name)) continue;
+        const bool isCache = rules::isSharedCache(name);
+        // Measured either way; but of what is not to go nobody need hear.
+        const std::uint64_t size = walker_.sizeOfDirectory(
+            path, walkRules(platform::kDefaultMaxDepth, isCache ? cleanObserver() : nullptr));
+        if (!isCache) continue;
         if (removeContentsOfDirectory(path, {}, Mounts::Refuse) == 0) continue;
         // What it held counts, not what went: deliberate, and unlike the cache cleaner.
         total += size;

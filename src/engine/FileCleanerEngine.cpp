@@ -115,15 +115,19 @@ ScanResult FileCleanerEngine::scan(
     return result;
 }
 
-void FileCleanerEngine::cleanWithType(CleanType type, Progress progress, Completion completion) {
+void FileCleanerEngine::cleanWithType(CleanType type, Progress progress, Completion completion,
+                                      std::shared_ptr<CleanObserver> observer) {
     cleanQueue_->async([this, type, number = ++lastAsked_, progress = std::move(progress),
-                        completion = std::move(completion)]() mutable {
+                        completion = std::move(completion),
+                        observer = std::move(observer)]() mutable {
         auto admitted = admission();
         if (!admitted) return postCompletion(std::move(completion), 0, admitted.error());
+        cleanObserver_ = std::move(observer);
         ErrorSlot error;
         const std::uint64_t cleaned =
             runClean(number, progress, [&] { return cleanCategories(type, progress, error); });
         if (!error && cleaned > 0) recordClean(type, cleaned);
+        cleanObserver_.reset();
         admitted->reset();
         postCompletion(std::move(completion), cleaned, std::move(error));
     });
@@ -175,9 +179,12 @@ platform::Result<> FileCleanerEngine::readiness() const {
 }
 
 void FileCleanerEngine::recordClean(CleanType type, std::uint64_t cleaned) {
-    saveCleanStatistics(cleaned);
-    static_cast<void>(services_.history.saveCleanHistoryWithType(
-        type, cleaned, cleanTypeNameForType(type).value_or("")));
+    // What was cleaned is cleaned, and the clean a success, whether or not it can be recorded.
+    const auto counted = saveCleanStatistics(cleaned);
+    const auto entered = services_.history.saveCleanHistoryWithType(
+        type, cleaned, cleanTypeNameForType(type).value_or(""));
+    for (const auto& stored : {counted, entered})
+        if (!stored && cleanObserver() != nullptr) cleanObserver()->notRecorded(stored.error());
     services_.notifications.post("CleanHistoryUpdated");
 }
 
@@ -195,9 +202,8 @@ std::optional<std::string> FileCleanerEngine::cleanTypeNameForType(CleanType typ
     return std::nullopt;
 }
 
-void FileCleanerEngine::saveCleanStatistics(std::uint64_t bytes) {
-    // A failure to write is logged by the store; what was cleaned is cleaned all the same.
-    static_cast<void>(services_.statistics.recordClean(bytes));
+platform::Result<> FileCleanerEngine::saveCleanStatistics(std::uint64_t bytes) {
+    return services_.statistics.recordClean(bytes);
 }
 
 std::uint64_t FileCleanerEngine::getTotalCleanableSize() {
@@ -219,10 +225,26 @@ bool FileCleanerEngine::isPathWritable(const std::string& path) {
 }
 
 std::uint64_t FileCleanerEngine::getFileSizeAtPath(const std::string& path) {
-    if (!exists(path)) return 0;
-    if (services_.files.isDirectory(path)) return sizeOfDirectoryAtPath(path);
+    return fileSize(path, observer_);
+}
+
+std::uint64_t FileCleanerEngine::fileSize(const std::string& path, CleanObserver* observer) {
+    if (!exists(path, observer)) return 0;
+    if (services_.files.isDirectory(path))
+        return walker_.sizeOfDirectory(path, walkRules(platform::kDefaultMaxDepth, observer));
     const auto attributes = services_.files.attributes(path, platform::LastLink::Refuse);
     return attributes ? attributes->size : 0;
+}
+
+bool FileCleanerEngine::exists(const std::string& path, CleanObserver* observer) {
+    const auto attributes = services_.files.attributes(path, platform::LastLink::Follow);
+    if (!attributes) noteUnreadable(path, attributes.error(), observer);
+    return attributes.has_value();
+}
+
+void FileCleanerEngine::noteUnreadable(const std::string& path, const Error& error,
+                                       CleanObserver* observer) {
+    platform::tellUnreadable(services_.files, path, error, unreadableTo(observer));
 }
 
 bool FileCleanerEngine::isPathInWhitelist(const std::string& path) const {
@@ -234,7 +256,10 @@ std::string FileCleanerEngine::home(std::string_view relative) const {
 }
 
 std::vector<std::string> FileCleanerEngine::entriesOf(const std::string& directory) {
-    return services_.files.contentsOfDirectory(directory).value_or(std::vector<std::string>{});
+    auto names = services_.files.contentsOfDirectory(directory);
+    if (names) return *std::move(names);
+    noteUnreadable(directory, names.error(), observer_);
+    return {};
 }
 
 bool FileCleanerEngine::isMapsAppPath(std::string_view path) {

@@ -147,8 +147,10 @@ class FileCleanerEngine {
 
     /// Cleans one category, or all nine for CleanType::All. Other values succeed with 0 bytes. When
     /// a protection list can't be read, or another process cleans, nothing is cleaned and the
-    /// completion gets the error.
-    void cleanWithType(CleanType type, Progress progress, Completion completion);
+    /// completion gets the error. An `observer` hears of this clean in place of the engine's own,
+    /// until the completion.
+    void cleanWithType(CleanType type, Progress progress, Completion completion,
+                       std::shared_ptr<CleanObserver> observer = {});
 
     /// The body of a clean on the caller's thread, without statistics, history or notification. Not
     /// while a clean asked for above runs.
@@ -165,7 +167,7 @@ class FileCleanerEngine {
     /// Display name of values 0 to 9; none for any other, ThirdPartyApps included.
     [[nodiscard]] static std::optional<std::string> cleanTypeNameForType(CleanType type);
 
-    void saveCleanStatistics(std::uint64_t bytes);
+    platform::Result<> saveCleanStatistics(std::uint64_t bytes);
 
     /// Sum of the nine category sizes; custom paths count once here, twice in a scan.
     std::uint64_t getTotalCleanableSize();
@@ -272,20 +274,25 @@ class FileCleanerEngine {
                           int maxDepth = platform::kDefaultMaxDepth);
     [[nodiscard]] static std::uint64_t calculateTotalSize(const ExtensionSizes& categories);
 
-    /// Who hears of every decision of the cleans to come; none by default. Not while one runs.
+    /// Who hears of every decision of the cleans to come and of what can't be read while sizes are
+    /// measured and lists made; none by default. Not while any of that runs.
     void setObserver(CleanObserver* observer) { observer_ = observer; }
 
   private:
     using NameRule = bool (*)(std::string_view name);
     using CleanNumber = std::uint64_t;
     struct Emptying;
+    class VisibleNames;
     static constexpr CleanNumber kNoClean = std::numeric_limits<CleanNumber>::max();
 
     // Paths and small questions.
     [[nodiscard]] std::string home(std::string_view relative) const;
-    bool exists(const std::string& path) { return services_.files.fileExists(path); }
+    bool exists(const std::string& path) { return exists(path, observer_); }
+    bool exists(const std::string& path, CleanObserver* observer);
     std::vector<std::string> entriesOf(const std::string& directory);
-    [[nodiscard]] platform::WalkRules walkRules(int maxDepth = platform::kDefaultMaxDepth) const;
+    [[nodiscard]] platform::WalkRules walkRules(int maxDepth, CleanObserver* observer) const;
+    void noteUnreadable(const std::string& path, const Error& error, CleanObserver* observer);
+    std::uint64_t fileSize(const std::string& path, CleanObserver* observer);
     /// Sum of the walker's sizes of the entries that `rule` picks.
     std::uint64_t sizeOfEntries(const std::string& directory, NameRule rule);
     std::uint64_t sizeIfPresent(const std::string& path);
@@ -295,6 +302,16 @@ class FileCleanerEngine {
 
     // Cleaning.
     bool isStopped() const { return stoppedUpTo_ >= running_; }
+    /// Who hears of the clean in hand; on its thread.
+    CleanObserver* cleanObserver() const {
+        return cleanObserver_ ? cleanObserver_.get() : observer_;
+    }
+    // As exists(), sizeOfDirectoryAtPath() and walkRules(), but the clean's observer hears of it.
+    bool existsToClean(const std::string& path) { return exists(path, cleanObserver()); }
+    std::uint64_t sizeToClean(const std::string& directory);
+    [[nodiscard]] platform::WalkRules cleanRules() const {
+        return walkRules(platform::kDefaultMaxDepth, cleanObserver());
+    }
     /// What a clean holds while it may change the device; an error when it must not start.
     platform::Result<std::optional<CleanLock::Share>> admission();
     /// Runs `body` as the clean of that number, which a stop ends and whose progress is thinned.
@@ -306,6 +323,8 @@ class FileCleanerEngine {
     void postCompletion(Completion completion, std::uint64_t cleaned, ErrorSlot error);
     void noteRemoved(const std::string& path, std::uint64_t bytes);
     void noteKept(const std::string& path, KeptReason reason, const std::string& by = {});
+    /// What was to go stays, unless another has removed it.
+    void noteFailed(const std::string& path, const Error& error);
     void noteProtected(const std::string& path);
     void noteMountPoints(const platform::Removal& removal);
     std::shared_ptr<const ProtectedPlaces> findProtectedPlaces();
@@ -343,9 +362,12 @@ class FileCleanerEngine {
     std::int32_t emptyByShell(const platform::Directory& directory, const std::string& hostFolder);
     /// What a run counts for that did not change the measured size.
     std::uint64_t accountUnmeasured(const std::string& directory, std::uint64_t before,
-                                    std::uint64_t after, std::int32_t status);
+                                    std::uint64_t after, std::int32_t status,
+                                    const VisibleNames& namesBefore);
     std::uint64_t removeVisibleEntries(const platform::Directory& directory,
                                        const std::vector<std::string>& names);
+    /// Tells of the entries that the shell was to remove and left.
+    void noteLeft(const std::string& directory, const VisibleNames& before);
 
     // Deep clean: each adds what it freed, so that the total stands when one is interrupted.
     void sweepSystemCache(std::string_view at, std::string_view name, std::uint64_t& total);
@@ -357,6 +379,7 @@ class FileCleanerEngine {
     EngineServices services_;
     platform::TreeWalker walker_;
     CleanObserver* observer_ = nullptr;
+    std::shared_ptr<CleanObserver> cleanObserver_;  // of the clean that runs, if it has its own
     // Cleans are numbered as they are asked for, so that a stop knows which it is about.
     std::atomic<CleanNumber> lastAsked_{0};
     std::atomic<CleanNumber> stoppedUpTo_{0};

@@ -13,11 +13,15 @@ void FileCleanerEngine::collectFilesInDirectory(const std::string& directory,
                                                 std::vector<std::string>& paths,
                                                 std::size_t maxCount, int maxDepth) {
     if (paths.size() >= maxCount) return;
-    FileVisitor(services_.files, [&](const std::string& path, const std::string& /*name*/,
-                                     const platform::FileAttributes* /*attributes*/) {
-        paths.push_back(path);
-        return paths.size() < maxCount;
-    }).walk(directory, maxDepth);
+    FileVisitor(
+        services_.files,
+        [&](const std::string& path, const std::string& /*name*/,
+            const platform::FileAttributes* /*attributes*/) {
+            paths.push_back(path);
+            return paths.size() < maxCount;
+        },
+        unreadableTo(observer_))
+        .walk(directory, maxDepth);
 }
 
 void FileCleanerEngine::collectEntries(const std::string& directory, NameRule rule,

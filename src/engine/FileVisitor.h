@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/FileManager.h"
+#include "platform/Unreadable.h"
 
 namespace sweepwright {
 
@@ -25,17 +26,20 @@ class FileVisitor {
     /// Hears of a directory that lies too deep.
     using DepthLimit = std::function<void(const std::string& path)>;
 
-    /// `files` must outlive this.
-    FileVisitor(platform::FileManager& files, Visit visit, DepthLimit onDepthLimit = {});
+    /// `files` must outlive this. What can't be read is passed by and told.
+    FileVisitor(platform::FileManager& files, Visit visit, platform::UnreadableHandler onUnreadable,
+                DepthLimit onDepthLimit = {});
 
     /// Entries of `directory` are at depth `maxDepth`. False when a visit asked to stop.
     bool walk(const std::string& directory, int maxDepth);
 
   private:
+    bool visitEntries(const std::string& directory, int maxDepth);
     bool visitEntry(const std::string& path, const std::string& name, int maxDepth);
 
     platform::FileManager& files_;
     Visit visit_;
+    platform::UnreadableHandler onUnreadable_;
     DepthLimit onDepthLimit_;
     std::vector<std::pair<std::uint64_t, std::uint64_t>> way_;  ///< devices and inodes
     int followedLinks_ = 0;

@@ -38,7 +38,10 @@ std::uint64_t NotingEraser::noteAround(const platform::Directory& parent, const 
     auto opened = files_.openBeneath(parent, name, platform::Mounts::Refuse);
     if (!opened) return 0;
     const auto names = files_.contentsOfDirectory(*opened);
-    if (!names) return 0;
+    if (!names) {
+        platform::tellUnreadable(files_, opened->path(), names.error(), rules.onUnreadable);
+        return 0;
+    }
     platform::WalkRules inner = rules;
     --inner.maxDepth;
     std::uint64_t total = 0;

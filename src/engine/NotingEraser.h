@@ -15,8 +15,10 @@ namespace sweepwright {
 /// Stands in for removal in a preview: notes what would go and hides it from the rest of the run.
 class NotingEraser final : public Eraser, public CleanObserver {
   public:
-    /// `files` is what the run works on; it must outlive this.
-    explicit NotingEraser(HidingFileManager& files) : files_(files) {}
+    /// `files` is what the run works on, `observer`, if any, who hears of what can't be read; both
+    /// must outlive this.
+    NotingEraser(HidingFileManager& files, CleanObserver* observer)
+        : files_(files), observer_(observer) {}
 
     platform::Removal removeEntry(const platform::Directory& parent, const std::string& name,
                                   const platform::WalkRules& rules) override;
@@ -28,6 +30,9 @@ class NotingEraser final : public Eraser, public CleanObserver {
 
     void removed(const std::string& path, std::uint64_t bytes) override;
     void kept(const std::string& path, KeptReason reason, const std::string& by) override;
+    void unreadable(const std::string& folder, const platform::Error& error) override {
+        if (observer_ != nullptr) observer_->unreadable(folder, error);
+    }
 
     /// What was noted, with the total that the run came to.
     CleanPreview take(std::uint64_t wouldFree);
@@ -41,6 +46,7 @@ class NotingEraser final : public Eraser, public CleanObserver {
     std::optional<std::int32_t> statusOfOddCommand(const platform::Directory& directory);
 
     HidingFileManager& files_;
+    CleanObserver* observer_;
     CleanPreview preview_;
     std::set<std::pair<std::string, KeptReason>> seen_;
 };

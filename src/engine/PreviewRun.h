@@ -17,12 +17,12 @@ namespace sweepwright {
 ///
 /// `make(files, eraser)` returns the worker that cleans, made for these instead of its own;
 /// `clean(worker, error)` runs it and returns the bytes it came to. Fails as the clean would when a
-/// protection list can't be read. Synchronous.
+/// protection list can't be read. `observer`, if any, hears of what can't be read. Synchronous.
 template <class Make, class Clean>
-platform::Result<CleanPreview> runPreview(platform::FileManager& target, const Make& make,
-                                          const Clean& clean) {
+platform::Result<CleanPreview> runPreview(platform::FileManager& target, CleanObserver* observer,
+                                          const Make& make, const Clean& clean) {
     HidingFileManager files(target);
-    NotingEraser eraser(files);
+    NotingEraser eraser(files, observer);
     auto worker = make(static_cast<platform::FileManager&>(files), static_cast<Eraser&>(eraser));
     worker.setObserver(&eraser);
     if (const auto ready = worker.readiness(); !ready) return std::unexpected(ready.error());

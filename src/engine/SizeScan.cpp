@@ -1,4 +1,6 @@
-// The engine's size getters: what each category would free, measured without deleting anything.
+// The engine's size getters: what lies in the places of each category, measured without deleting
+// anything. What a clean frees can differ: it keeps what may be in use, counts nothing twice, and a
+// cookie clean empties system caches that count as caches here.
 #include "engine/CategoryRules.h"
 #include "engine/FileCleanerEngine.h"
 #include "platform/Log.h"
@@ -8,7 +10,7 @@ namespace sweepwright {
 using platform::joinPath;
 using platform::log;
 
-platform::WalkRules FileCleanerEngine::walkRules(int maxDepth) const {
+platform::WalkRules FileCleanerEngine::walkRules(int maxDepth, CleanObserver* observer) const {
     platform::WalkRules rules;
     rules.maxDepth = maxDepth;
     rules.protection = &services_.pathWhitelist;
@@ -21,11 +23,12 @@ platform::WalkRules FileCleanerEngine::walkRules(int maxDepth) const {
     rules.onDepthLimit = [](const std::string& path) {
         log("⚠️ 达到最大递归深度，跳过路径: {}", path);
     };
+    rules.onUnreadable = unreadableTo(observer);
     return rules;
 }
 
 std::uint64_t FileCleanerEngine::sizeOfDirectoryAtPath(const std::string& path, int maxDepth) {
-    return walker_.sizeOfDirectory(path, walkRules(maxDepth));
+    return walker_.sizeOfDirectory(path, walkRules(maxDepth, observer_));
 }
 
 std::uint64_t FileCleanerEngine::sizeIfPresent(const std::string& path) {
@@ -117,9 +120,13 @@ std::uint64_t FileCleanerEngine::getDatabaseFilesSize() {
     std::uint64_t total = 0;
     for (const std::string& name : entriesOf(library)) {
         if (!rules::isDatabase(name)) continue;
-        const auto attributes =
-            services_.files.attributes(joinPath(library, name), platform::LastLink::Refuse);
-        if (attributes) total += attributes->size;
+        const std::string path = joinPath(library, name);
+        const auto attributes = services_.files.attributes(path, platform::LastLink::Refuse);
+        if (attributes) {
+            total += attributes->size;
+        } else {
+            noteUnreadable(path, attributes.error(), observer_);
+        }
     }
     return total;
 }

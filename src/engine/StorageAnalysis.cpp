@@ -43,12 +43,16 @@ void FileCleanerEngine::findLargeFilesInDirectory(const std::string& directory,
                                                   std::vector<LargeFileEntry>& results,
                                                   std::size_t maxCount, int maxDepth) {
     if (results.size() >= maxCount) return;
-    FileVisitor(services_.files, [&](const std::string& path, const std::string& name,
-                                     const platform::FileAttributes* attributes) {
-        if (attributes != nullptr && attributes->size >= minSize)
-            results.push_back({path, name, attributes->size, attributes->modificationDate});
-        return results.size() < maxCount;
-    }).walk(directory, maxDepth);
+    FileVisitor(
+        services_.files,
+        [&](const std::string& path, const std::string& name,
+            const platform::FileAttributes* attributes) {
+            if (attributes != nullptr && attributes->size >= minSize)
+                results.push_back({path, name, attributes->size, attributes->modificationDate});
+            return results.size() < maxCount;
+        },
+        unreadableTo(observer_))
+        .walk(directory, maxDepth);
 }
 
 std::vector<std::vector<DuplicateEntry>> FileCleanerEngine::findDuplicateFiles() {
@@ -72,7 +76,7 @@ void FileCleanerEngine::collectFilesForDuplicateCheck(
                 bySize[attributes->size].push_back({path, name, attributes->size});
             return true;
         },
-        logDepthLimit)
+        unreadableTo(observer_), logDepthLimit)
         .walk(directory, maxDepth);
 }
 
@@ -95,7 +99,7 @@ void FileCleanerEngine::analyzeDirectory(const std::string& directory, Extension
             categories[extension.empty() ? "(no extension)" : extension] += attributes->size;
             return true;
         },
-        logDepthLimit)
+        unreadableTo(observer_), logDepthLimit)
         .walk(directory, maxDepth);
 }
 

@@ -87,11 +87,13 @@ std::optional<DeviceStorageInfo> StorageAnalyzer::getDeviceStorageInfo() {
     return makeInfo(**root, (*root)->freeSize, 0);
 }
 
-std::vector<std::pair<std::string, FolderUsage>> StorageAnalyzer::analyzeDirectoryUsage() {
+std::vector<std::pair<std::string, FolderUsage>> StorageAnalyzer::analyzeDirectoryUsage(
+    const platform::UnreadableHandler& onUnreadable) {
     std::vector<std::pair<std::string, FolderUsage>> usage;
     for (const char* folder : {"Documents", "Library", "tmp"}) {
         const std::uint64_t size =
-            sizeOfDirectoryAtPath(platform::joinPath(device_.homeDirectory(), folder));
+            sizeOfDirectoryAtPath(platform::joinPath(device_.homeDirectory(), folder),
+                                  platform::kDefaultMaxDepth, onUnreadable);
         usage.emplace_back(folder, FolderUsage{size, formatBytes(size)});
     }
     return usage;
@@ -122,8 +124,10 @@ void StorageAnalyzer::findLargeFilesInDirectory(const std::string& directory, st
     }
 }
 
-std::uint64_t StorageAnalyzer::sizeOfDirectoryAtPath(const std::string& path, int maxDepth) {
+std::uint64_t StorageAnalyzer::sizeOfDirectoryAtPath(
+    const std::string& path, int maxDepth, const platform::UnreadableHandler& onUnreadable) {
     platform::WalkRules rules;
+    rules.onUnreadable = onUnreadable;
     rules.maxDepth = maxDepth;
     rules.onDepthLimit = [](const std::string& at) { log("⚠️ 达到最大递归深度，跳过路径: {}", at); };
     return platform::TreeWalker(files_).sizeOfDirectory(path, rules);

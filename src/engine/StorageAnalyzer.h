@@ -69,7 +69,9 @@ class StorageAnalyzer {
     std::optional<DeviceStorageInfo> getDeviceStorageInfo();
 
     /// Sizes of "Documents", "Library" and "tmp" in the home directory, in that order.
-    std::vector<std::pair<std::string, FolderUsage>> analyzeDirectoryUsage();
+    /// What can't be read counts 0 and is told.
+    std::vector<std::pair<std::string, FolderUsage>> analyzeDirectoryUsage(
+        const platform::UnreadableHandler& onUnreadable = {});
 
     /// Visible files of the home directory of at least `minSize` bytes, largest first.
     std::vector<SizedFile> getLargeFiles(std::uint64_t minSize);
@@ -80,7 +82,8 @@ class StorageAnalyzer {
 
     /// Bytes of visible files beneath `path`; no whitelist is asked, links are not followed.
     std::uint64_t sizeOfDirectoryAtPath(const std::string& path,
-                                        int maxDepth = platform::kDefaultMaxDepth);
+                                        int maxDepth = platform::kDefaultMaxDepth,
+                                        const platform::UnreadableHandler& onUnreadable = {});
 
   private:
     const platform::Device& device_;

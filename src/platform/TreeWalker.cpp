@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <limits>
 #include <mutex>
+#include <utility>
 #include <vector>
 
 #include "platform/SharedWork.h"
@@ -23,6 +24,7 @@ struct Waiting {
 struct Frame {
     Waiting directory;
     PackedNames subdirectories;
+    bool isToldUnreadable = false;  ///< because of an entry: one call tells of all of them
 };
 
 std::string beneath(const std::string& relative, const std::string& name) {
@@ -82,11 +84,14 @@ class Walker {
             walk_->files.openBeneath(walk_->root, waiting.relative, walk_->rules.mounts);
         if (!directory) {
             if (directory.error().code == EXDEV) tellMountPoint(walk_->root, waiting.relative);
-            return;
+            const std::string& at = walk_->root.path();
+            return tell(waiting.relative.empty() ? at : joinPath(at, waiting.relative),
+                        directory.error());
         }
         Frame frame{std::move(waiting), {}};
         for (;;) {
             const auto entries = walk_->files.readEntries(*directory, buffer_);
+            if (!entries) tell(directory->path(), entries.error());
             if (!entries || entries->empty()) break;
             for (const DirectoryEntry& entry : *entries)
                 count(*directory, entry, frame);
@@ -104,7 +109,7 @@ class Walker {
         if (type == FileType::Unknown || type == FileType::Regular ||
             (type == FileType::SymbolicLink && rules.countLinks)) {
             const auto attributes = walk_->files.attributesAt(directory, entry.name);
-            if (!attributes) return;
+            if (!attributes) return tellEntry(directory, entry.name, attributes.error(), frame);
             if (attributes->isMountPoint && rules.mounts == Mounts::Refuse)
                 return tellMountPoint(directory, entry.name);
             type = attributes->type;
@@ -127,6 +132,16 @@ class Walker {
 
     void tellMountPoint(const Directory& directory, std::string_view relative) const {
         if (walk_->rules.onMountPoint) walk_->rules.onMountPoint(directory.pathOf(relative));
+    }
+
+    void tell(const std::string& path, const Error& error) const {
+        tellUnreadable(walk_->files, path, error, walk_->rules.onUnreadable);
+    }
+
+    void tellEntry(const Directory& directory, std::string_view name, const Error& error,
+                   Frame& frame) const {
+        if (error.code == ENOENT || std::exchange(frame.isToldUnreadable, true)) return;
+        tell(directory.pathOf(name), error);
     }
 
     [[nodiscard]] bool isProtected(const std::string& path) const {
@@ -155,8 +170,9 @@ std::uint64_t TreeWalker::sizeOfDirectory(const std::string& path, const WalkRul
         return 0;
     }
     const auto root = files_.openDirectory(path, LastLink::Refuse);
-    if (!root) return 0;
-    return walk(*root, rules);
+    if (root) return walk(*root, rules);
+    tellUnreadable(files_, path, root.error(), rules.onUnreadable);
+    return 0;
 }
 
 std::vector<std::string> TreeWalker::mountPointsBeneath(const Directory& directory) const {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "platform/FileManager.h"
+#include "platform/Unreadable.h"
 
 namespace sweepwright::platform {
 
@@ -34,6 +35,7 @@ struct WalkRules {
     std::function<void(const std::string& path)> onProtectedEntry;
     std::function<void(const std::string& path)> onDepthLimit;
     std::function<void(const std::string& path)> onMountPoint;
+    UnreadableHandler onUnreadable;  ///< whose content counts 0, or the part that can't be told
 };
 
 /// The one measurer of directories. It reads each directory once, on several threads, asks for the
@@ -48,8 +50,8 @@ class TreeWalker {
     /// filled and 16 gain nothing.
     static constexpr unsigned kDefaultThreads = 8;
 
-    /// Bytes of what counts beneath directory `path`. What can't be read counts 0, and so does a
-    /// `path` that is itself a link: it could not be emptied either.
+    /// Bytes of what counts beneath directory `path`. What can't be read counts 0 and is told; so
+    /// counts, untold, a `path` that is itself a link: it could not be emptied either.
     [[nodiscard]] std::uint64_t sizeOfDirectory(const std::string& path,
                                                 const WalkRules& rules) const;
 

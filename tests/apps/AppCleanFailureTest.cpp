@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "apps/AppsDevice.h"
+#include "engine/Failures.h"
 #include "platform/Log.h"
 #include "support/FaultyFileManager.h"
 
@@ -75,6 +76,146 @@ TEST(AppCleanFailure, WhatWasThereCountsEvenIfAnEntryFailsToGo) {
               "⚠️ 删除失败: " + data + "/tmp/b 错误: " + data + "/tmp/b: Operation not permitted");
     EXPECT_EQ(outcome.progress.back().second, 1.0);
     EXPECT_TRUE(manager.removeContentsOfDirectory(data + "/tmp", {}, kApp));
+}
+
+/// A manager over `files` whose failures are collected.
+struct Watched {
+    Watched(AppsDevice& device, platform::FileManager& files)
+        : eraser(files, test::noCommands(), platform::WebStorage::ofHost()),
+          manager(device.services(files, eraser)) {
+        manager.setObserver(&failures);
+    }
+    [[nodiscard]] std::vector<std::string> failed() const {
+        return pathsOf(failures.failedEntries());
+    }
+    [[nodiscard]] std::vector<std::string> unreadable() const {
+        return pathsOf(failures.unreadableFolders());
+    }
+    static std::vector<std::string> pathsOf(const FailureList& list) {
+        std::vector<std::string> paths;
+        for (const FailureList::Entry& entry : list.entries)
+            paths.push_back(entry.path);
+        return paths;
+    }
+
+    Failures failures;
+    DeviceEraser eraser;
+    ThirdPartyAppCacheManager manager;
+};
+
+TEST(AppCleanFailure, TheObserverHearsOfEachEntryThatStayedAndOfNoneThatVanished) {
+    AppsDevice device;
+    const std::string data = device.container("C1", kApp);
+    for (const char* name : {"/tmp/goes", "/tmp/stays", "/tmp/vanishes", "/Library/WebKit/stays"})
+        device.tree.file(data + name, 1);
+    FaultyFileManager stuck(device.files, {Operation::RemoveFileAt});
+    stuck.failWhere([](Operation, const std::string& path) { return path.ends_with("/stays"); },
+                    EPERM);
+    FaultyFileManager vanished(stuck, {Operation::RemoveFileAt, Operation::AttributesAt});
+    vanished.failWhere(
+        [](Operation, const std::string& path) { return path.ends_with("/vanishes"); }, ENOENT);
+    Watched watched(device, vanished);
+    EXPECT_TRUE(device.clean(watched.manager, kApp).success);
+    EXPECT_THAT(watched.failed(), ElementsAre(data + "/Library/WebKit/stays", data + "/tmp/stays"));
+    EXPECT_THAT(watched.unreadable(), IsEmpty());
+}
+
+TEST(AppCleanFailure, TheObserverHearsOfFoldersThatCannotBeReadWhenTheyAreSizedAndCleaned) {
+    AppsDevice device;
+    const std::string data = device.container("C1", kApp);
+    device.tree.file(data + "/tmp/x", 5);
+    device.tree.file(data + "/Library/Caches/x", 5);
+    FaultyFileManager closed(
+        device.files, {Operation::OpenDirectory, Operation::OpenBeneath, Operation::Attributes});
+    closed.failWhere(
+        [&](Operation operation, const std::string& path) {
+            const bool opens = operation != Operation::Attributes;
+            return path.starts_with(data + "/Library/") ||
+                   (opens && (path == data + "/Library" || path == data + "/tmp"));
+        },
+        EACCES);
+    for (const bool cleans : {false, true}) {
+        Watched watched(device, closed);
+        if (cleans) {
+            EXPECT_EQ(device.clean(watched.manager, kApp).bytes, 0U);
+        } else {
+            EXPECT_EQ(device.scanAll(watched.manager).at(0).totalSize, 0U);
+        }
+        EXPECT_THAT(watched.unreadable(), ElementsAre(data + "/Library", data + "/tmp"));
+        EXPECT_THAT(watched.failed(), IsEmpty());
+    }
+}
+
+TEST(AppCleanFailure, TheObserverHearsOfFoldersOfAppsThatCannotBeRead) {
+    AppsDevice device;
+    device.container("C1", kApp);
+    device.bundle("B1", "X", PropertyList(PropertyList::Dictionary{}));
+    device.tree.file(std::string(kRoot) + "/var/tmp/x", 5);
+    const std::vector<std::string> folders = {"/var/containers/Bundle/Application/B1",
+                                              "/var/mobile/Containers/Data/Application", kRoot};
+    for (const std::string& folder : folders) {
+        FaultyFileManager closed(device.files, {Operation::OpenDirectory});
+        closed.failWhere([&](Operation, const std::string& path) { return path == folder; },
+                         EACCES);
+        Watched watched(device, closed);
+        device.scanAll(watched.manager);
+        EXPECT_THAT(watched.unreadable(), ElementsAre(folder));
+    }
+}
+
+TEST(AppCleanFailure, ACleanOfAllAppsTellsItsOwnObserverThatTheyCannotBeListed) {
+    AppsDevice device;
+    device.container("C1", kApp);
+    FaultyFileManager closed(device.files, {Operation::OpenDirectory});
+    closed.failWhere(
+        [](Operation, const std::string& path) {
+            return path == "/var/mobile/Containers/Data/Application";
+        },
+        EACCES);
+    Watched watched(device, closed);
+    watched.manager.setObserver(nullptr);
+    const auto own = std::make_shared<Failures>();
+    bool done = false;
+    watched.manager.cleanAllThirdPartyAppCaches(
+        {}, [&](bool, std::uint64_t, const auto&) { done = true; }, own);
+    device.mainQueue.runUntil([&] { return done; });
+    EXPECT_THAT(Watched::pathsOf(own->unreadableFolders()),
+                ElementsAre("/var/mobile/Containers/Data/Application"));
+}
+
+TEST(AppCleanFailure, InABatchTheObserverHearsOfTheAppsThatWereNotCleaned) {
+    AppsDevice device;
+    const std::string data = device.container("C1", kApp);
+    device.tree.file(data + "/tmp/x", 5);
+    device.container("C2", "com.example.other");
+    FaultyFileManager unreadable(device.files, {Operation::ReadFile});
+    Watched watched(device, unreadable);
+    bool isFound = false;  // who owns the container, until its caches are to be cleaned
+    unreadable.failWhere(
+        [&](Operation, const std::string& path) {
+            return path.starts_with(data) && std::exchange(isFound, true);
+        },
+        EIO);
+    const auto outcome = device.cleanBatch(watched.manager, {kApp, "com.example.other"});
+    EXPECT_TRUE(outcome.success);
+    EXPECT_TRUE(device.tree.exists(data + "/tmp/x"));
+    EXPECT_THAT(watched.failed(), ElementsAre(kApp));
+}
+
+TEST(AppCleanFailure, AnObserverOfItsOwnHearsOfACleanAndWhetherItIsRecorded) {
+    AppsDevice device;
+    const std::string data = device.container("C1", kApp);
+    device.tree.file(data + "/tmp/x", 5);
+    device.tree.folder(std::string(AppsDevice::kDefaultsFile) + ".lock");
+    Watched watched(device, device.files);
+    const auto own = std::make_shared<Failures>();
+    bool done = false;
+    watched.manager.cleanCacheForApps(
+        {kApp}, {}, [&](bool, std::uint64_t, const auto&) { done = true; }, own);
+    device.mainQueue.runUntil([&] { return done; });
+    ASSERT_TRUE(own->recordError().has_value());
+    EXPECT_THAT(own->recordError()->description, ::testing::HasSubstr("test.plist.lock"));
+    EXPECT_EQ(watched.failures.recordError(), std::nullopt);
 }
 
 TEST(AppCleanFailure, AnIdentifierThatIsNoNameNeverFormsAPath) {

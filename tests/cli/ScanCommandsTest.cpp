@@ -14,7 +14,7 @@ using nlohmann::ordered_json;
 using testing::HasSubstr;
 
 /// A device with a different number of bytes in every category.
-void fill(TemporaryDevice& device) {
+void fillCategories(TemporaryDevice& device) {
     const std::string home = "/var/mobile";
     device.file(home + "/Library/Application Support/MyTempData/a", 1024);
     device.file(home + "/tmp/a", 2);
@@ -27,7 +27,7 @@ void fill(TemporaryDevice& device) {
 
 TEST(Scan, TheDocumentHoldsTheTenFiguresInOrder) {
     Sweepctl sweepctl;
-    fill(sweepctl.device());
+    fillCategories(sweepctl.device());
     const ProcessResult result = sweepctl.run({"scan", "--json"});
     EXPECT_EQ(result.status, 0) << result.error;
     const ordered_json expected = {{"cacheSize", 1024},      {"tempSize", 2},
@@ -40,7 +40,7 @@ TEST(Scan, TheDocumentHoldsTheTenFiguresInOrder) {
 
 TEST(Scan, ThePipeGetsAnAlignedTableAndNoProgress) {
     Sweepctl sweepctl;
-    fill(sweepctl.device());
+    fillCategories(sweepctl.device());
     const ProcessResult result = sweepctl.run({"scan"});
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.error, "");
@@ -67,7 +67,7 @@ TEST(Scan, AnEmptyDeviceHasNothingToCleanAndNothingIsWritten) {
 
 TEST(Scan, ATerminalSeesTheCategoriesWhileTheyAreMeasuredAndBarsInTheEnd) {
     Sweepctl sweepctl;
-    fill(sweepctl.device());
+    fillCategories(sweepctl.device());
     sweepctl.setTerminal(TerminalStreams::all());
     const std::string screen = sweepctl.run({"scan"}).screen;
     EXPECT_THAT(screen, HasSubstr("░"));
@@ -106,7 +106,7 @@ TEST(Scan, ADamagedProtectionListIsWarnedOf) {
 
 TEST(Size, EveryWordHasItsGetter) {
     Sweepctl sweepctl;
-    fill(sweepctl.device());
+    fillCategories(sweepctl.device());
     sweepctl.device().file("/var/mobile/Library/Caches/com.apple.springboard/a", 1000);
     sweepctl.device().file("/var/custom/a", 5000);
     EXPECT_EQ(sweepctl.run({"custom-paths", "add", "/var/custom"}).status, 0);

@@ -2,6 +2,7 @@
 #include <atomic>
 #include <cerrno>
 #include <filesystem>
+#include <mutex>
 #include <set>
 
 #include <fcntl.h>
@@ -233,6 +234,39 @@ TEST_P(TreeWalkerTest, AFolderThatCannotBeOpenedCountsNothing) {
         const int lost = std::stoi(files.failedPath().substr(3));
         EXPECT_EQ(found, 63U - (1U << static_cast<unsigned>(lost)));
     }
+}
+
+TEST_P(TreeWalkerTest, WhatCannotBeReadIsToldOnceAFolder) {
+    device_.file("/top/closed/a", 1);
+    device_.file("/top/nameless/b", 10);
+    for (const char* name : {"c", "d", "e"})
+        device_.file(std::string("/top/sizeless/") + name, 100);
+    device_.file("/top/open/f", 1000);
+    test::FaultyFileManager faulty(files_, {Operation::OpenBeneath, Operation::ReadEntries,
+                                            Operation::AttributesAt, Operation::Attributes});
+    faulty.failWhere(
+        [](Operation operation, const std::string& path) {
+            if (operation == Operation::OpenBeneath) return path == "/top/closed";
+            if (operation == Operation::ReadEntries) return path == "/top/nameless";
+            return path.starts_with("/top/sizeless/");
+        },
+        EACCES);
+    std::mutex mutex;
+    std::vector<std::string> told;
+    WalkRules rules;
+    rules.onUnreadable = [&](const std::string& folder, const Error& error) {
+        const std::lock_guard lock(mutex);
+        EXPECT_EQ(error, errorFromErrno(EACCES, folder));
+        told.push_back(folder);
+    };
+    EXPECT_EQ(TreeWalker(faulty).sizeOfDirectory("/top", rules), 1000U);
+    std::ranges::sort(told);
+    EXPECT_EQ(told, (std::vector<std::string>{"/top/closed", "/top/nameless", "/top/sizeless"}));
+
+    told.clear();
+    for (const char* path : {"/top/absent", "/top/open/f", "/top/absent/x"})
+        EXPECT_EQ(TreeWalker(faulty).sizeOfDirectory(path, rules), 0U);
+    EXPECT_EQ(told, std::vector<std::string>());
 }
 
 TEST_P(TreeWalkerTest, WhateverFailsTheRestIsCounted) {
