@@ -1,3 +1,5 @@
+#include <cerrno>
+
 #include "ui/AppScreensTest.h"
 
 namespace sweepwright::test {
@@ -172,6 +174,30 @@ TEST_F(AppListCleaningTest, OffersToCleanAProtectedAppThatIsTapped) {
     choose("Clean");
     finishCleaning();
     EXPECT_FALSE(hasCaches("com.example.bravo"));
+}
+
+TEST_F(AppListCleaningTest, TellsOfOneAppAndOfSeveralWhatCouldNotBeRemoved) {
+    showFew();
+    app_.core.files.failWhere(
+        [](Operation operation, const std::string& path) {
+            return operation == Operation::RemoveFileAt && path.ends_with("/responses");
+        },
+        EPERM);
+    const std::string entry =
+        "/var/mobile/Containers/Data/Application/com.example.alpha/Library/Caches/responses";
+    const QString left = u'\n' + app_.services().texts("Clean Left Counted Entries",
+                                                       {1U, entry + ": Operation not permitted"});
+    list().didSelectRow(0);
+    choose("Clean");
+    finishCleaning();
+    EXPECT_EQ(alert().message(),
+              app_.services().texts("Clean Success Message", {"32.00 MB"}) + left);
+    choose("OK");
+    finishLoading();
+    list().performBatchClean({list().currentApps().at(0)});
+    finishCleaning();
+    EXPECT_EQ(alert().message(),
+              app_.services().texts("Clean Success Message", {"30.00 MB"}) + left);
 }
 
 TEST_F(AppListCleaningTest, IgnoresATapBeyondTheList) {

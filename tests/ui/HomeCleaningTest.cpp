@@ -1,3 +1,6 @@
+#include <cerrno>
+#include <filesystem>
+
 #include "platform/PropertyList.h"
 #include "ui/support/HomeTest.h"
 
@@ -73,6 +76,68 @@ TEST_F(HomeCleaningTest, EachCardsButtonCleansItsOwnCategory) {
         ASSERT_FALSE(app_.core.history.getAllCleanHistory().empty());
         EXPECT_EQ(app_.core.history.getAllCleanHistory().front().cleanType, button.type);
     }
+}
+
+// What is about a path that ends so fails to go.
+void keep(TestApp& app, const std::string& ending) {
+    app.core.files.failWhere(
+        [ending](Operation operation, const std::string& path) {
+            return operation == Operation::RemoveFileAt && path.ends_with(ending);
+        },
+        EPERM);
+}
+
+TEST_F(HomeCleaningTest, TheOutcomeTellsInItsSecondLineWhatCouldNotBeRemoved) {
+    app_.device.file("/var/mobile/Library/Cookies/other", 10);
+    keep(app_, "/Cookies.binarycookies");
+    screen().cleanCookieTapped();
+    ASSERT_TRUE(alertComes(app_, "Clean Completed"));
+    EXPECT_EQ(app_.presenter().alert()->message(),
+              QStringLiteral("10 B freed.\n"
+                             "Could not be removed: 1. First: /var/mobile/Library/Cookies/"
+                             "Cookies.binarycookies: Operation not permitted"));
+    choose(app_, "OK");
+    ASSERT_TRUE(settle(app_));
+
+    ASSERT_TRUE(app_.services().language.setLanguage("zh-Hans"));
+    screen().cleanCookieTapped();
+    ASSERT_TRUE(alertComes(app_, "清理完成"));
+    EXPECT_EQ(app_.presenter().alert()->message(),
+              QStringLiteral("已释放 0 B 空间。\n"
+                             "1 个项目无法删除。第一个：/var/mobile/Library/Cookies/"
+                             "Cookies.binarycookies: Operation not permitted"));
+}
+
+TEST_F(HomeCleaningTest, TheOutcomeOfTheAppsSaysThatItsFigureCountsWhatStayed) {
+    keep(app_, "/Library/Caches/cache.bin");
+    screen().cleanAppCacheTapped();
+    choose(app_, "Clean");
+    ASSERT_TRUE(alertComes(app_, "Clean Completed"));
+    const QString message = app_.presenter().alert()->message();
+    EXPECT_TRUE(message.startsWith(
+        QStringLiteral("4.0 KB freed.\nThis is what was there before. Could not be removed: 1.")))
+        << message.toStdString();
+}
+
+TEST_F(HomeCleaningTest, TheOutcomeTellsOfFoldersThatCouldNotBeReadAndOfAMissingRecord) {
+    app_.device.file("/var/mobile/Library/WebKit/a", 10);
+    const std::string lock = app_.core.device.userDefaultsFile() + ".lock";
+    std::filesystem::remove(app_.device.host(lock));
+    app_.device.folder(lock);
+    app_.core.files.failWhere(
+        [](Operation operation, const std::string& path) {
+            return operation == Operation::OpenDirectory && path == "/var/mobile/Library/Cookies";
+        },
+        EACCES);
+    screen().cleanCookieTapped();
+    ASSERT_TRUE(alertComes(app_, "Clean Completed"));
+    const QStringList lines = app_.presenter().alert()->message().split(u'\n');
+    ASSERT_EQ(lines.size(), 3);
+    EXPECT_EQ(lines[0], QStringLiteral("10 B freed."));
+    EXPECT_EQ(lines[1], QStringLiteral("Folders that could not be read: 1. First: "
+                                       "/var/mobile/Library/Cookies: Permission denied"));
+    EXPECT_TRUE(lines[2].startsWith(
+        QStringLiteral("This clean is missing from the history and the statistics. Reason: ")));
 }
 
 TEST_F(HomeCleaningTest, TheProgressAlertFollowsTheClean) {

@@ -126,7 +126,9 @@ TEST_F(ViewControllerTest, ScansOnceForTwoTapsAndTellsWhatCanBeCleaned) {
     ASSERT_TRUE(alertComes(app_, "Scan Completed"));
     EXPECT_FALSE(screen().scanning());
     EXPECT_EQ(screen().totalCleanableSize(), 2048U);
-    EXPECT_EQ(app_.presenter().alert()->message(), QStringLiteral("2.0 KB can be cleaned."));
+    EXPECT_EQ(app_.presenter().alert()->message(),
+              QStringLiteral("2.0 KB found. What a clean frees can differ: databases stay, and "
+                             "custom paths and some system caches count twice."));
     EXPECT_EQ(titles(*app_.presenter().alert()), QStringList(QStringLiteral("OK")));
     EXPECT_EQ(screen().cookieCard().sizeText(), QStringLiteral("2.0 KB"));
     EXPECT_EQ(screen().logCard().sizeText(), QStringLiteral("0 B"));

@@ -1,9 +1,11 @@
 #include <QPointer>
 #include <utility>
 
+#include "engine/Failures.h"
 #include "engine/StorageAnalyzer.h"
 #include "protection/AppWhitelistManager.h"
 #include "ui/apps/AppListViewController.h"
+#include "ui/presentation/CleanOutcome.h"
 #include "ui/presentation/Presenter.h"
 
 namespace sweepwright::ui {
@@ -52,10 +54,11 @@ AlertController* AppListViewController::showCleaning(const QString& message) {
 }
 
 void AppListViewController::tellOutcome(bool success, std::uint64_t bytes,
-                                        const std::optional<platform::Error>& error) {
+                                        const std::optional<platform::Error>& error,
+                                        const Failures& failures) {
     if (success) {
         tell(texts()("Clean Completed"),
-             texts()("Clean Success Message", {StorageAnalyzer::formatBytes(bytes)}));
+             cleanOutcomeMessage(texts(), bytes, CleanFigure::WhatWasThere, failures));
         return;
     }
     const bool explained = error && !error->description.empty();
@@ -88,6 +91,7 @@ void AppListViewController::cleanCacheForApp(const ListedAppPointer& app,
         showCleaning(
             QStringLiteral("%1 %2...").arg(texts()("Cleaning Message"), app->displayName())));
     const QPointer<AppListViewController> self(this);
+    const auto failures = std::make_shared<Failures>();
     services_.apps.cleanCacheForApp(
         app->identifier(),
         [self, alert, name](const std::string&, double fraction) {
@@ -95,13 +99,14 @@ void AppListViewController::cleanCacheForApp(const ListedAppPointer& app,
             alert->setMessage(
                 self->texts()("Clean App Cache Message Format", {fraction * 100.0, name}));
         },
-        [self, alert, completion](bool success, std::uint64_t bytes, const auto& error) {
+        [self, alert, completion, failures](bool success, std::uint64_t bytes, const auto& error) {
             alert.dismiss();
             if (!self) return;
-            self->tellOutcome(success, bytes, error);
+            self->tellOutcome(success, bytes, error, *failures);
             if (success) self->loadApps();
             if (completion) completion(success);
-        });
+        },
+        failures);
 }
 
 void AppListViewController::cleanSelectedApps() {
@@ -134,6 +139,7 @@ void AppListViewController::performBatchClean(const ListedApps& apps) {
                                       .arg(texts()("Cleaning Message"),
                                            QString::number(identifiers.size()), texts()("apps"))));
     const QPointer<AppListViewController> self(this);
+    const auto failures = std::make_shared<Failures>();
     services_.apps.cleanCacheForApps(
         std::move(identifiers),
         [self, alert](const std::string& name, double fraction) {
@@ -144,13 +150,14 @@ void AppListViewController::performBatchClean(const ListedApps& apps) {
                                        QString::number(fraction * 100.0, 'f', 0)));
             alert->setProgress(fraction);
         },
-        [self, alert](bool success, std::uint64_t bytes, const auto& error) {
+        [self, alert, failures](bool success, std::uint64_t bytes, const auto& error) {
             alert.dismiss();
             if (!self) return;
-            self->tellOutcome(success, bytes, error);
+            self->tellOutcome(success, bytes, error, *failures);
             self->setEditing(false);
             self->loadApps();
-        });
+        },
+        failures);
 }
 
 }  // namespace sweepwright::ui

@@ -19,6 +19,10 @@
 #include "ui/presentation/ScreenServices.h"
 #include "ui/presentation/ScrollReporter.h"
 
+namespace sweepwright {
+class Failures;
+}
+
 namespace sweepwright::ui {
 
 /// Every installed app with what can be cleaned of it: user apps in one segment, system apps in the
@@ -184,8 +188,8 @@ class AppListViewController : public sweepwright::ui::ScreenController {
     void show(std::unique_ptr<AlertController> alert);
     void tell(const QString& title, const QString& message = {});
     AlertController* showCleaning(const QString& message);
-    void tellOutcome(bool success, std::uint64_t bytes,
-                     const std::optional<platform::Error>& error);
+    void tellOutcome(bool success, std::uint64_t bytes, const std::optional<platform::Error>& error,
+                     const Failures& failures);
 
     ScreenServices services_;
     ScrollReporter scrolling_;

@@ -4,6 +4,7 @@
 
 #include <fmt/format.h>
 
+#include "engine/Failures.h"
 #include "localization/LocalizedFormat.h"
 #include "ui/home/ViewController.h"
 #include "ui/presentation/Presenter.h"
@@ -83,8 +84,10 @@ void ViewController::cleanWithType(CleanType type, const QString& /*title*/) {
             return QString::fromStdString(fmt::format("{} {:.0f}%\n{}", format("Cleaning Message"),
                                                       fraction * kPercent, item));
         },
-        [this, type](auto progress, auto completion) {
-            services_.engine.cleanWithType(type, std::move(progress), std::move(completion));
+        CleanFigure::WhatWent,
+        [this, type](auto progress, auto completion, auto observer) {
+            services_.engine.cleanWithType(type, std::move(progress), std::move(completion),
+                                           std::move(observer));
         },
         [this] {
             updateStorageInfo();
@@ -99,8 +102,10 @@ void ViewController::performCleanAppCache() {
             return QString::fromStdString(localization::formatLocalized(
                 format("Clean App Cache Message Format"), {fraction * kPercent, item}));
         },
-        [this](auto progress, auto completion) {
-            services_.apps.cleanAllThirdPartyAppCaches(std::move(progress), std::move(completion));
+        CleanFigure::WhatWasThere,
+        [this](auto progress, auto completion, auto observer) {
+            services_.apps.cleanAllThirdPartyAppCaches(std::move(progress), std::move(completion),
+                                                       std::move(observer));
         },
         [this] {
             services_.apps.invalidateAllCache();
@@ -110,36 +115,42 @@ void ViewController::performCleanAppCache() {
 }
 
 void ViewController::performClean(const QString& alertTitle, const Message& message,
-                                  const StartClean& start, std::function<void()> afterSuccess) {
+                                  CleanFigure figure, const StartClean& start,
+                                  std::function<void()> afterSuccess) {
     if (presenter() == nullptr || isCovered()) return;
     auto made = makeAlert(alertTitle, QString::fromLatin1(kProgressRoom));
     made->addSpinner();
     const QPointer<AlertController> alert = presenter()->present(std::move(made));
+    const auto failures = std::make_shared<Failures>();
     start(
         [weak = std::weak_ptr(self_), alert, message](const std::string& item, double fraction) {
             if (weak.expired() || !alert) return;
             alert->setMessage(message(item, fraction));
             alert->setProgress(fraction);
         },
-        [weak = std::weak_ptr(self_), alert, afterSuccess = std::move(afterSuccess)](
-            bool success, std::uint64_t cleanedBytes, const auto& error) {
+        [weak = std::weak_ptr(self_), alert, figure, failures,
+         afterSuccess = std::move(afterSuccess)](bool success, std::uint64_t cleanedBytes,
+                                                 const auto& error) {
             const auto self = weak.lock();
             if (!self || self->presenter() == nullptr) return;
-            self->presenter()->dismiss(
-                alert, [&] { self->cleanDidComplete(success, cleanedBytes, error, afterSuccess); });
-        });
+            self->presenter()->dismiss(alert, [&] {
+                self->cleanDidComplete({success, cleanedBytes, error}, figure, *failures,
+                                       afterSuccess);
+            });
+        },
+        failures);
 }
 
-void ViewController::cleanDidComplete(bool success, std::uint64_t cleanedBytes,
-                                      const std::optional<platform::Error>& error,
+void ViewController::cleanDidComplete(const CleanEnd& end, CleanFigure figure,
+                                      const Failures& failures,
                                       const std::function<void()>& afterSuccess) {
-    if (!success) {
-        tell("Clean Failed", QString::fromStdString(error ? error->description : std::string()));
+    if (!end.success) {
+        tell("Clean Failed",
+             QString::fromStdString(end.error ? end.error->description : std::string()));
         return;
     }
     tell("Clean Completed",
-         QString::fromStdString(localization::formatLocalized(
-             format("Clean Success Message"), {StorageAnalyzer::formatBytes(cleanedBytes)})));
+         cleanOutcomeMessage(services_.texts, end.cleanedBytes, figure, failures));
     afterSuccess();
 }
 

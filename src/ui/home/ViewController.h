@@ -16,6 +16,7 @@
 #include "engine/FileCleanerEngine.h"
 #include "ui/home/CleanItemCardView.h"
 #include "ui/presentation/AlertController.h"
+#include "ui/presentation/CleanOutcome.h"
 #include "ui/presentation/ScreenController.h"
 #include "ui/presentation/ScreenServices.h"
 #include "ui/presentation/ScrollReporter.h"
@@ -133,7 +134,14 @@ class ViewController : public sweepwright::ui::ScreenController, public CleanIte
     struct Sizes;
     using Message = std::function<QString(const std::string& item, double fraction)>;
     using StartClean =
-        std::function<void(FileCleanerEngine::Progress, FileCleanerEngine::Completion)>;
+        std::function<void(FileCleanerEngine::Progress, FileCleanerEngine::Completion,
+                           std::shared_ptr<CleanObserver> observer)>;
+    /// How a clean ended.
+    struct CleanEnd {
+        bool success = false;
+        std::uint64_t cleanedBytes = 0;
+        std::optional<platform::Error> error;
+    };
 
     [[nodiscard]] QString texts(std::string_view key) const { return services_.texts(key); }
     [[nodiscard]] std::string format(std::string_view key) const;
@@ -155,10 +163,9 @@ class ViewController : public sweepwright::ui::ScreenController, public CleanIte
     void confirm(std::string_view titleKey, std::string_view messageKey,
                  const std::function<void()>& clean);
     void performCleanAppCache();
-    void performClean(const QString& alertTitle, const Message& message, const StartClean& start,
-                      std::function<void()> afterSuccess);
-    void cleanDidComplete(bool success, std::uint64_t cleanedBytes,
-                          const std::optional<platform::Error>& error,
+    void performClean(const QString& alertTitle, const Message& message, CleanFigure figure,
+                      const StartClean& start, std::function<void()> afterSuccess);
+    void cleanDidComplete(const CleanEnd& end, CleanFigure figure, const Failures& failures,
                           const std::function<void()>& afterSuccess);
 
     [[nodiscard]] const AppCacheInfo* appOfEntry(const std::string& entry) const;
