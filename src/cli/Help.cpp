@@ -7,6 +7,8 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include "cli/Text.h"
+
 namespace sweepwright::cli {
 
 namespace {
@@ -43,26 +45,6 @@ using Entry = std::pair<std::string, std::string>;
 constexpr std::size_t kColumns = 80;
 constexpr std::size_t kWidestName = 36;  ///< a longer name has its help on the next line
 
-/// `help` from column `start` on, broken between words.
-std::string wrapped(std::string_view help, std::size_t start) {
-    std::string text;
-    std::size_t column = start;
-    while (!help.empty()) {
-        const std::string_view word = help.substr(0, help.find(' '));
-        help.remove_prefix(std::min(word.size() + 1, help.size()));
-        if (column > start && column + 1 + word.size() > kColumns) {
-            text += "\n" + std::string(start, ' ');
-            column = start;
-        } else if (column > start) {
-            text += ' ';
-            ++column;
-        }
-        text += word;
-        column += word.size();
-    }
-    return text + "\n";
-}
-
 std::string entries(const std::vector<Entry>& list) {
     std::size_t width = 0;
     for (const auto& [name, help] : list) {
@@ -73,7 +55,7 @@ std::string entries(const std::vector<Entry>& list) {
     for (const auto& [name, help] : list) {
         text += fmt::format("  {:<{}}", name, width);
         text += name.size() > width ? "\n" + std::string(start, ' ') : "  ";
-        text += wrapped(help, start);
+        text += wrapped(help, kColumns, start) + '\n';
     }
     return text;
 }

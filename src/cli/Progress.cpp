@@ -14,22 +14,13 @@
 #include "cli/Text.h"
 #include "platform/ControlText.h"
 #include "platform/Terminal.h"
+#include "platform/TextWidth.h"
 
 namespace sweepwright::cli {
 
 namespace {
 
 constexpr std::string_view kEraseLine = "\r\x1b[K";
-
-bool localeIsUtf8() {
-    for (const char* name : {"LC_ALL", "LC_CTYPE", "LANG"}) {
-        const char* value = std::getenv(name);
-        if (value == nullptr || *value == '\0') continue;
-        const std::string_view locale(value);
-        return locale.contains("UTF-8") || locale.contains("utf8");
-    }
-    return false;
-}
 
 bool terminalIsDumb() {
     const char* value = std::getenv("TERM");
@@ -73,7 +64,7 @@ std::unique_ptr<Progress> Progress::onStandardError(bool wanted) {
             std::fflush(stderr);
         };
         screen.columns = [] { return platform::terminalColumns(platform::StandardStream::Error); };
-        screen.unicode = localeIsUtf8();
+        screen.unicode = platform::localeIsUtf8();
     }
     return std::make_unique<Progress>(std::move(screen));
 }
@@ -119,19 +110,13 @@ std::string Progress::lineFor(std::string_view name, double fraction, std::size_
 
     const std::size_t width = std::min<std::size_t>(room / 3, 30);
     const auto filled = static_cast<std::size_t>(share * static_cast<double>(width));
-    std::string line;
-    for (std::size_t i = 0; i < width; ++i) {
-        if (unicode) {
-            line += i < filled ? "█" : "░";
-        } else {
-            line += i < filled ? '#' : '-';
-        }
-    }
+    const Drawing drawing(unicode);
+    std::string line = repeated(drawing.bar, filled) + repeated(drawing.track, width - filled);
     if (width > 0) line += ' ';
     line += percent + "  ";
-    const std::size_t used = displayWidth(line);
-    if (used >= room) return truncatedToWidth(percent, room);
-    return line + truncatedToWidth(platform::escapedControls(name), room - used);
+    const std::size_t used = platform::displayWidth(line);
+    if (used >= room) return cutAtEnd(percent, room, drawing.ellipsis);
+    return line + cutAtEnd(platform::escapedControls(name), room - used, drawing.ellipsis);
 }
 
 }  // namespace sweepwright::cli

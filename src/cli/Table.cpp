@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "cli/Text.h"
+#include "platform/TextWidth.h"
 
 namespace sweepwright::cli {
+
+using platform::displayWidth;
 
 std::string Table::text(const std::function<std::string(std::string_view)>& shown) const {
     std::vector<std::vector<std::string>> cells = rows_;

@@ -6,18 +6,33 @@
 
 namespace sweepwright::cli {
 
-/// Bytes, as a name on the device may hold them, made fit for where they are shown.
+/// Text and bytes, as a name on the device may hold them, made fit for where they are shown.
+
+/// What is drawn with: block characters, or ASCII where the terminal shows no others.
+struct Drawing {
+    explicit Drawing(bool unicode)
+        : bar(unicode ? "█" : "#"), track(unicode ? "░" : "-"), ellipsis(unicode ? "…" : "...") {}
+
+    std::string_view bar;       ///< a piece of a bar, one column wide
+    std::string_view track;     ///< of what a bar is yet to fill
+    std::string_view ellipsis;  ///< in place of what is left out
+};
+
+std::string repeated(std::string_view piece, std::size_t times);
+
+/// `text`, or, where that is wider than `columns`, its longest beginning in whole glyphs that with
+/// the ellipsis behind it is not.
+std::string cutAtEnd(std::string_view text, std::size_t columns, std::string_view ellipsis);
+/// The same with the ellipsis in the middle: a third of the room is for the beginning, the rest for
+/// the end, which tells more of a path.
+std::string cutInMiddle(std::string_view text, std::size_t columns, std::string_view ellipsis);
+
+/// `text` in lines of at most `columns`, broken between words and, where a word is longer than a
+/// line, within it; every line but the first begins with `indent` spaces. No line break ends it.
+std::string wrapped(std::string_view text, std::size_t columns, std::size_t indent = 0);
 
 /// `bytes` with each byte that belongs to no well-formed character as U+FFFD.
 std::string replacingBadBytes(std::string_view bytes);
-
-/// Columns that `text` takes on a terminal: 2 for wide characters (Chinese, Japanese, Korean,
-/// emoji), 0 for marks that combine, 1 for the rest and for each bad byte.
-std::size_t displayWidth(std::string_view text);
-
-/// The longest part of `text`, in whole characters, that is at most `columns` wide; when something
-/// is cut, the end reads "…" within that width.
-std::string truncatedToWidth(std::string_view text, std::size_t columns);
 
 std::string base64(std::string_view bytes);
 

@@ -1,7 +1,12 @@
 #include "platform/Terminal.h"
 
+#include <cstdlib>
+#include <string>
+
 #include <sys/ioctl.h>
 #include <unistd.h>
+
+#include "platform/FileManager.h"
 
 namespace sweepwright::platform {
 
@@ -14,6 +19,16 @@ std::size_t terminalColumns(StandardStream stream) {
     winsize size{};
     if (ioctl(static_cast<int>(stream), TIOCGWINSZ, &size) != 0 || size.ws_col == 0) return kUsual;
     return size.ws_col;
+}
+
+bool localeIsUtf8() {
+    for (const char* name : {"LC_ALL", "LC_CTYPE", "LANG"}) {
+        const char* value = std::getenv(name);
+        if (value == nullptr || *value == '\0') continue;
+        const std::string locale = lowerCased(value);
+        return locale.contains("utf-8") || locale.contains("utf8");
+    }
+    return false;
 }
 
 }  // namespace sweepwright::platform

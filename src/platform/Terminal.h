@@ -14,4 +14,7 @@ bool isTerminal(StandardStream stream);
 /// resized; 80 when it does not tell.
 std::size_t terminalColumns(StandardStream stream);
 
+/// Whether the environment's locale is one of UTF-8, so that a terminal shows more than ASCII.
+bool localeIsUtf8();
+
 }  // namespace sweepwright::platform

@@ -17,6 +17,7 @@
 #include "cli/Suggestion.h"
 #include "cli/Table.h"
 #include "cli/Text.h"
+#include "platform/TextWidth.h"
 
 namespace sweepwright::cli {
 namespace {
@@ -40,21 +41,41 @@ TEST(Text, Base64IsPadded) {
     EXPECT_EQ(base64("\xFF\xFE\xFD\xFC"), "//79/A==");
 }
 
-TEST(Text, WideCharactersTakeTwoColumnsAndCombiningOnesNone) {
-    EXPECT_EQ(displayWidth("abc"), 3U);
-    EXPECT_EQ(displayWidth("缓存文件"), 8U);
-    EXPECT_EQ(displayWidth("🧹"), 2U);
-    EXPECT_EQ(displayWidth("e\u0301"), 1U);
-    EXPECT_EQ(displayWidth("\xFF"), 1U);
+TEST(Text, WhatIsCutAtItsEndKeepsWholeGlyphsWithinTheWidth) {
+    EXPECT_EQ(cutAtEnd("abcdef", 6, "…"), "abcdef");
+    EXPECT_EQ(cutAtEnd("abcdef", 4, "…"), "abc…");
+    EXPECT_EQ(cutAtEnd("缓存文件", 8, "…"), "缓存文件");
+    EXPECT_EQ(cutAtEnd("缓存文件", 6, "…"), "缓存…");
+    EXPECT_EQ(cutAtEnd("abcdefgh", 6, "..."), "abc...");
+    EXPECT_EQ(cutAtEnd("ae\u0301bcd", 3, "…"), "ae\u0301…");
 }
 
-TEST(Text, TruncationKeepsWholeCharactersWithinTheWidth) {
-    EXPECT_EQ(truncatedToWidth("abcdef", 6), "abcdef");
-    EXPECT_EQ(truncatedToWidth("abcdef", 4), "abc…");
-    EXPECT_EQ(truncatedToWidth("缓存文件", 8), "缓存文件");
-    EXPECT_EQ(truncatedToWidth("缓存文件", 6), "缓存…");
-    EXPECT_EQ(truncatedToWidth("缓存", 1), "…");
-    EXPECT_EQ(truncatedToWidth("缓存", 0), "");
+TEST(Text, WhatIsCutInTheMiddleKeepsMoreOfItsEnd) {
+    EXPECT_EQ(cutInMiddle("/var/mobile/tmp/a", 17, "…"), "/var/mobile/tmp/a");
+    EXPECT_EQ(cutInMiddle("/var/mobile/tmp/a", 10, "…"), "/va…/tmp/a");
+    EXPECT_EQ(cutInMiddle("/var/mobile/tmp/a", 12, "..."), "/va.../tmp/a");
+    EXPECT_EQ(cutInMiddle("/缓存/缓存/文件", 10, "…"), "/缓…/文件");
+    EXPECT_EQ(cutInMiddle("ae\u0301bcdefghe\u0301", 6, "…"), "a…fghe\u0301");
+}
+
+TEST(Text, NoRoomIsTooSmallToBeCutFor) {
+    for (const std::string_view ellipsis : {"…", "..."}) {
+        for (std::size_t columns = 0; columns < 12; ++columns) {
+            for (const char* text : {"/var/mobile/tmp/a", "缓存文件缓存文件"}) {
+                EXPECT_LE(platform::displayWidth(cutAtEnd(text, columns, ellipsis)), columns);
+                EXPECT_LE(platform::displayWidth(cutInMiddle(text, columns, ellipsis)), columns);
+            }
+        }
+    }
+}
+
+TEST(Text, AParagraphIsBrokenBetweenWordsOrWithinOneThatIsTooLong) {
+    EXPECT_EQ(wrapped("one two three", 7), "one two\nthree");
+    EXPECT_EQ(wrapped("one two three", 80), "one two three");
+    EXPECT_EQ(wrapped("one two", 6, 2), "one\n  two");
+    EXPECT_EQ(wrapped("a /var/mobile", 8), "a\n/var/mob\nile");
+    EXPECT_EQ(wrapped("缓存文件缓存", 5), "缓存\n文件\n缓存");
+    EXPECT_EQ(wrapped("", 10), "");
 }
 
 TEST(Table, ColumnsAreAlignedByWidthOnTheScreen) {
@@ -86,12 +107,17 @@ TEST(ProgressLine, ItShowsABarTheShareAndTheName) {
     EXPECT_EQ(Progress::lineFor("caches", 0.5, 40, false), "######-------  50%  caches");
 }
 
+TEST(ProgressLine, WithoutUnicodeOnlyTheNameMayHoldMoreThanAscii) {
+    EXPECT_EQ(Progress::lineFor("a name that is cut", 0.5, 30, false),
+              "####-----  50%  a name tha...");
+}
+
 TEST(ProgressLine, ItLeavesTheLastColumnFreeAtEveryWidth) {
     for (std::size_t columns = 0; columns < 120; ++columns) {
         for (const double fraction : {0.0, 0.33, 1.0}) {
             const std::string line =
                 Progress::lineFor("缓存文件 with a long name that is cut", fraction, columns, true);
-            EXPECT_LE(displayWidth(line), columns == 0 ? 0 : columns - 1) << columns;
+            EXPECT_LE(platform::displayWidth(line), columns == 0 ? 0 : columns - 1) << columns;
         }
     }
 }

@@ -19,15 +19,15 @@ using test::TemporaryDevice;
 using Array = PropertyList::Array;
 using Dictionary = PropertyList::Dictionary;
 
-constexpr auto kDirectory = "/Preferences";
-constexpr auto kFile = "/Preferences/com.example.plist";
+constexpr auto kCrashFolder = "/Preferences";
+constexpr auto kCrashFile = "/Preferences/com.example.plist";
 
 /// The change that is made, and the calls that it takes.
 std::uint64_t change(FileManager& target, std::uint64_t killAt) {
     test::FaultyFileManager files(target, test::everyOperation());
     files.killAt(killAt);
-    EXPECT_TRUE(UserDefaults(files, kFile).set("a", "new"));
-    EXPECT_EQ(UserDefaults(target, kFile).string("a"), "new");
+    EXPECT_TRUE(UserDefaults(files, kCrashFile).set("a", "new"));
+    EXPECT_EQ(UserDefaults(target, kCrashFile).string("a"), "new");
     return files.calls();
 }
 
@@ -52,27 +52,27 @@ std::uint64_t endAtEveryCall(const std::function<void(TemporaryDevice&)>& prepar
 TEST(UserDefaultsCrash, AProcessThatEndsAtAnyCallLeavesTheOldOrTheNewFile) {
     const std::string before = PropertyList(Dictionary{{"a", "old"}, {"b", 1}}).toBinary();
     const std::string after = PropertyList(Dictionary{{"a", "new"}, {"b", 1}}).toBinary();
-    const std::uint64_t calls =
-        endAtEveryCall([&](TemporaryDevice& device) { device.fileWith(kFile, before); },
-                       [&](TemporaryDevice& device) {
-                           const std::string left = device.content(kFile);
-                           EXPECT_TRUE(left == before || left == after);
-                           EXPECT_EQ(UserDefaults(device.files(), kFile).damage(), std::nullopt);
-                       });
+    const std::uint64_t calls = endAtEveryCall(
+        [&](TemporaryDevice& device) { device.fileWith(kCrashFile, before); },
+        [&](TemporaryDevice& device) {
+            const std::string left = device.content(kCrashFile);
+            EXPECT_TRUE(left == before || left == after);
+            EXPECT_EQ(UserDefaults(device.files(), kCrashFile).damage(), std::nullopt);
+        });
     EXPECT_GE(calls, 3U) << "it locks, reads and writes at least";
 }
 
 TEST(UserDefaultsCrash, AProcessThatEndsAtAnyCallKeepsADamagedFileAndItsReport) {
     const std::uint64_t calls = endAtEveryCall(
-        [](TemporaryDevice& device) { device.fileWith(kFile, "junk"); },
+        [](TemporaryDevice& device) { device.fileWith(kCrashFile, "junk"); },
         [](TemporaryDevice& device) {
             std::size_t kept = 0;
-            const auto names = device.files().contentsOfDirectory(kDirectory).value();
+            const auto names = device.files().contentsOfDirectory(kCrashFolder).value();
             for (const auto& name : names) {
-                if (device.content(joinPath(kDirectory, name)) == "junk") ++kept;
+                if (device.content(joinPath(kCrashFolder, name)) == "junk") ++kept;
             }
             EXPECT_EQ(kept, 1U);
-            EXPECT_TRUE(UserDefaults(device.files(), kFile).damage().has_value());
+            EXPECT_TRUE(UserDefaults(device.files(), kCrashFile).damage().has_value());
         });
     EXPECT_GE(calls, 4U) << "it locks, reads, renames and writes at least";
 }
@@ -85,7 +85,7 @@ PropertyList generationOf(std::int64_t generation) {
 
 /// Saves one generation after the other and writes a byte to `tell` after each.
 void saveForever(FileManager& files, int tell) {
-    UserDefaults defaults(files, kFile);
+    UserDefaults defaults(files, kCrashFile);
     for (std::int64_t generation = 1;; ++generation) {
         ASSERT_TRUE(defaults.set("list", generationOf(generation)));
         ASSERT_EQ(write(tell, "", 1), 1);
@@ -118,7 +118,7 @@ TEST(UserDefaultsCrash, AProcessKilledAtAnyMomentLeavesTheOldOrTheNewFile) {
         while (read(told.get(), &byte, 1) == 1)
             ++saved;
 
-        UserDefaults defaults(device.files(), kFile);
+        UserDefaults defaults(device.files(), kCrashFile);
         const auto left = defaults.read("list");
         ASSERT_TRUE(left.has_value()) << left.error().description;
         EXPECT_EQ(defaults.damage(), std::nullopt);
@@ -138,7 +138,7 @@ TEST(UserDefaultsCrash, TwoProcessesThatChangeAListAtOnceLoseNothing) {
     TemporaryDevice device;
     const auto work = [&](int first) {
         return [&device, first] {
-            UserDefaults defaults(device.files(), kFile);
+            UserDefaults defaults(device.files(), kCrashFile);
             for (int change = 0; change < kChanges; ++change) {
                 const auto added = defaults.update("list", [&](const PropertyList* stored) {
                     Array list = stored != nullptr ? *stored->array() : Array();
@@ -154,7 +154,7 @@ TEST(UserDefaultsCrash, TwoProcessesThatChangeAListAtOnceLoseNothing) {
     EXPECT_EQ(test::exitStatusOf(one), 0);
     EXPECT_EQ(test::exitStatusOf(two), 0);
     // All of both are there, each's in its order.
-    const auto list = UserDefaults(device.files(), kFile).object("list");
+    const auto list = UserDefaults(device.files(), kCrashFile).object("list");
     ASSERT_TRUE(list.has_value());
     std::vector<std::int64_t> ones;
     std::vector<std::int64_t> twos;
