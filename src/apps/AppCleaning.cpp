@@ -94,6 +94,8 @@ std::uint64_t ThirdPartyAppCacheManager::cleanNow(const std::string& bundleIdent
     } catch (...) {
         interrupt({});
     }
+    if (observer_ != nullptr)
+        observer_->finished({CleanType::ThirdPartyApps, bundleIdentifier}, cleaned);
     return cleaned;
 }
 

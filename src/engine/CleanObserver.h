@@ -1,9 +1,12 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "protection/CleanType.h"
 
 namespace sweepwright {
 
@@ -23,6 +26,13 @@ enum class KeptReason {
 /// The reason as scripts read it: "protected", "hidden", "link", …
 std::string_view keptReasonName(KeptReason reason);
 
+/// A part of a clean: one of the nine categories, or one app (CleanType::ThirdPartyApps).
+struct CleanPart {
+    CleanType type = CleanType::All;
+    std::string app;  ///< its bundle identifier
+    auto operator<=>(const CleanPart&) const = default;
+};
+
 /// Hears of every decision of a clean, on the clean's thread.
 class CleanObserver {
   public:
@@ -31,6 +41,8 @@ class CleanObserver {
     virtual void removed(const std::string& path, std::uint64_t bytes) = 0;
     /// `path` stays.
     virtual void kept(const std::string& path, KeptReason reason, const std::string& by) = 0;
+    /// All of `part` has been told of; it freed `bytes`.
+    virtual void finished(const CleanPart& /*part*/, std::uint64_t /*bytes*/) {}
 };
 
 /// What a clean would do.
@@ -46,9 +58,18 @@ struct CleanPreview {
         std::string by;  ///< the protecting path, where there is one
     };
 
+    /// What a part of the clean would do.
+    struct Part {
+        CleanPart part;
+        std::uint64_t wouldFree = 0;  ///< bytes
+        std::size_t entries = 0;      ///< how many of the entries are its own
+        auto operator<=>(const Part&) const = default;
+    };
+
     std::uint64_t wouldFree = 0;  ///< bytes the clean would report
     std::vector<Entry> entries;   ///< in the order in which they would go
     std::vector<Kept> kept;       ///< each once
+    std::vector<Part> parts;      ///< one after the other, as their entries stand in `entries`
 };
 
 }  // namespace sweepwright

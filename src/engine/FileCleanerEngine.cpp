@@ -160,9 +160,11 @@ std::uint64_t FileCleanerEngine::cleanCategories(CleanType type, const Progress&
     std::uint64_t cleaned = 0;
     if (const Category* category = categoryOf(type)) {
         cleaned = (this->*category->clean)(progress, error);
+        if (observer_ != nullptr) observer_->finished({type, {}}, cleaned);
     } else if (type == CleanType::All) {
-        for (const Category& each : kCategories)
-            if (!isStopped()) cleaned += (this->*each.clean)(progress, error);
+        for (std::size_t value = 0; value < kCategories.size(); ++value)
+            if (!isStopped())
+                cleaned += cleanCategories(static_cast<CleanType>(value), progress, error);
     }
     return cleaned;
 }

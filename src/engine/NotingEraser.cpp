@@ -104,6 +104,11 @@ void NotingEraser::kept(const std::string& path, KeptReason reason, const std::s
     if (seen_.emplace(path, reason).second) preview_.kept.push_back({path, reason, by});
 }
 
+void NotingEraser::finished(const CleanPart& part, std::uint64_t bytes) {
+    const std::size_t all = preview_.entries.size();
+    preview_.parts.push_back({part, bytes, all - std::exchange(entriesOfParts_, all)});
+}
+
 CleanPreview NotingEraser::take(std::uint64_t wouldFree) {
     preview_.wouldFree = wouldFree;
     // What one step keeps may go with its folder in another.

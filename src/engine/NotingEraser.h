@@ -28,6 +28,7 @@ class NotingEraser final : public Eraser, public CleanObserver {
 
     void removed(const std::string& path, std::uint64_t bytes) override;
     void kept(const std::string& path, KeptReason reason, const std::string& by) override;
+    void finished(const CleanPart& part, std::uint64_t bytes) override;
 
     /// What was noted, with the total that the run came to.
     CleanPreview take(std::uint64_t wouldFree);
@@ -42,6 +43,7 @@ class NotingEraser final : public Eraser, public CleanObserver {
 
     HidingFileManager& files_;
     CleanPreview preview_;
+    std::size_t entriesOfParts_ = 0;  // of the parts that are finished
     std::set<std::pair<std::string, KeptReason>> seen_;
 };
 

@@ -57,6 +57,22 @@ TEST(AppCleanPreview, TellsWhatGoesAndWhatStaysAndTouchesNothing) {
     EXPECT_EQ(device.statistics.totals().cleanCount, 0);
 }
 
+TEST(AppCleanPreview, IsDividedByApp) {
+    AppsDevice device;
+    device.tree.file(device.container("CA", "com.example.a") + "/tmp/x", 10);
+    const std::string b = device.container("CB", "com.example.b");
+    device.tree.file(b + "/tmp/y", 5);
+    device.tree.file(b + "/Library/Caches/z", 100);
+    const auto preview =
+        previewAppsClean(device.services(), {"com.example.a", "com.gone", "com.example.b"});
+    ASSERT_TRUE(preview.has_value());
+    EXPECT_THAT(
+        preview->parts,
+        ElementsAre(CleanPreview::Part{{CleanType::ThirdPartyApps, "com.example.a"}, 10, 1},
+                    CleanPreview::Part{{CleanType::ThirdPartyApps, "com.gone"}, 0, 0},
+                    CleanPreview::Part{{CleanType::ThirdPartyApps, "com.example.b"}, 105, 2}));
+}
+
 TEST(AppCleanPreview, AnAppThatCannotBeCleanedIsTheErrorIfAlone) {
     AppsDevice device;
     device.tree.file(device.container("CA", "com.example.a") + "/tmp/x", 5);

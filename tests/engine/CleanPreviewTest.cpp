@@ -125,6 +125,15 @@ std::string mismatch(EngineDevice& seen, EngineDevice& cleaned, int type) {
     std::uint64_t sum = 0;
     for (const auto& entry : preview->entries)
         sum += entry.size;
+    std::uint64_t ofParts = 0;
+    std::size_t entriesOfParts = 0;
+    for (const auto& part : preview->parts) {
+        ofParts += part.wouldFree;
+        entriesOfParts += part.entries;
+    }
+    doubts.check(preview->parts.empty() ||
+                     (ofParts == preview->wouldFree && entriesOfParts == preview->entries.size()),
+                 "the parts do not add up to the whole");
     // A deep clean counts what folders held and not what went.
     doubts.check(type == kDeepClean || sum == preview->wouldFree,
                  fmt::format("the entries' {} bytes are not {}", sum, preview->wouldFree));
@@ -243,6 +252,23 @@ TEST_F(CleanPreviewTest, EntriesComeInTheirOrderWithTheirSizes) {
     EXPECT_THAT(preview->entries,
                 ElementsAre(CleanPreview::Entry{d_.library("Logs/CrashReporter/a"), 10},
                             CleanPreview::Entry{d_.library("Logs/DiagnosticReports/sub"), 100}));
+}
+
+TEST_F(CleanPreviewTest, OfEverythingItIsDividedByCategory) {
+    d_.tree.file(d_.temporary("a"), 10);
+    d_.tree.file(d_.temporary("b"), 20);
+    d_.tree.file(d_.documents("Downloads/c"), 100);
+    const auto preview = previewClean(d_.services(), CleanType::All);
+    ASSERT_TRUE(preview.has_value());
+    ASSERT_THAT(preview->parts, testing::SizeIs(9));
+    for (std::size_t value = 0; value < preview->parts.size(); ++value)
+        EXPECT_EQ(preview->parts[value].part.type, static_cast<CleanType>(value));
+    using Part = CleanPreview::Part;
+    EXPECT_EQ(preview->parts[1], (Part{{CleanType::TempFiles, ""}, 30, 2}));
+    EXPECT_EQ(preview->parts[4], (Part{{CleanType::Downloads, ""}, 100, 1}));
+    EXPECT_THAT(previewClean(d_.services(), CleanType::TempFiles)->parts,
+                ElementsAre(Part{{CleanType::TempFiles, ""}, 30, 2}));
+    EXPECT_THAT(previewDeepClean(d_.services())->parts, IsEmpty());
 }
 
 TEST_F(CleanPreviewTest, WhatStaysIsToldOnceWithItsReason) {
