@@ -196,9 +196,7 @@ void ThirdPartyAppCacheManager::describeFromBundle(Candidate& candidate,
     AppCacheInfo& info = candidate.info;
     for (const BundleInfo& bundle : bundles.find(*info.bundleIdentifier)) {
         info.bundlePath = bundle.path;
-        info.appName = bundle.displayName ? bundle.displayName
-                       : bundle.name      ? bundle.name
-                                          : info.bundleIdentifier;
+        info.appName = bundle.shownName();
         if (bundle.iconFile) {
             const std::string base = joinPath(bundle.path, *bundle.iconFile);
             info.appIconPath = services_.files.fileExists(base + ".png") ? base + ".png" : base;

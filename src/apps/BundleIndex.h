@@ -21,6 +21,10 @@ struct BundleInfo {
     /// The single icon file of old bundles.
     std::optional<std::string> oldIconFile;
 
+    /// The name that people see; the identifier where the bundle gives none.
+    [[nodiscard]] std::optional<std::string> shownName() const {
+        return displayName ? displayName : name ? name : identifier;
+    }
     /// The name to search icon files by.
     [[nodiscard]] std::optional<std::string> iconName() const {
         return iconFile ? iconFile : oldIconFile;
