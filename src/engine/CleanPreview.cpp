@@ -9,10 +9,7 @@ namespace {
 template <class Clean>
 platform::Result<CleanPreview> preview(const EngineServices& services, const Clean& clean) {
     const auto make = [&services](platform::FileManager& files, Eraser& eraser) {
-        return FileCleanerEngine({services.device, files, eraser, services.pathWhitelist,
-                                  services.customPaths, services.history, services.statistics,
-                                  services.storage, services.notifications, services.mainQueue,
-                                  services.now});
+        return FileCleanerEngine(services.over(files, eraser));
     };
     return runPreview(services.files, make, clean);
 }

@@ -74,6 +74,11 @@ EngineServices EngineServices::shared() {
             &CleanLock::sharedLock()};
 }
 
+EngineServices EngineServices::over(platform::FileManager& view, Eraser& viewEraser) const {
+    return {device,     view,    viewEraser,    pathWhitelist, customPaths, history,
+            statistics, storage, notifications, mainQueue,     now};
+}
+
 FileCleanerEngine& FileCleanerEngine::sharedEngine() {
     static FileCleanerEngine engine(EngineServices::shared());
     return engine;

@@ -106,6 +106,10 @@ struct EngineServices {
 
     /// The shared ones, on Device::current().
     static EngineServices shared();
+
+    /// The same over another view of the device's files, for what changes nothing: without the
+    /// lock.
+    [[nodiscard]] EngineServices over(platform::FileManager& view, Eraser& viewEraser) const;
 };
 
 /// Measures, lists and cleans the nine categories.
@@ -264,9 +268,11 @@ class FileCleanerEngine {
                                    int maxDepth = platform::kDefaultMaxDepth);
     /// Groups of two or more files of equal size: candidates, contents are not compared.
     std::vector<std::vector<DuplicateEntry>> findDuplicateFiles();
-    void collectFilesForDuplicateCheck(const std::string& directory,
-                                       std::map<std::uint64_t, std::vector<DuplicateEntry>>& bySize,
+    using FilesBySize = std::map<std::uint64_t, std::vector<DuplicateEntry>>;
+    void collectFilesForDuplicateCheck(const std::string& directory, FilesBySize& bySize,
                                        int maxDepth = platform::kDefaultMaxDepth);
+    [[nodiscard]] static std::vector<std::vector<DuplicateEntry>> duplicatesAmong(
+        FilesBySize bySize);
     ExtensionAnalysis analyzeStorageByCategory();
     void analyzeDirectory(const std::string& directory, ExtensionSizes& categories,
                           int maxDepth = platform::kDefaultMaxDepth);

@@ -52,18 +52,21 @@ void FileCleanerEngine::findLargeFilesInDirectory(const std::string& directory,
 }
 
 std::vector<std::vector<DuplicateEntry>> FileCleanerEngine::findDuplicateFiles() {
-    std::map<std::uint64_t, std::vector<DuplicateEntry>> bySize;
+    FilesBySize bySize;
     collectFilesForDuplicateCheck(services_.device.documentsDirectory(), bySize);
     collectFilesForDuplicateCheck(services_.device.cachesDirectory(), bySize);
+    return duplicatesAmong(std::move(bySize));
+}
+
+std::vector<std::vector<DuplicateEntry>> FileCleanerEngine::duplicatesAmong(FilesBySize bySize) {
     std::vector<std::vector<DuplicateEntry>> groups;
     for (auto& [size, entries] : bySize)
         if (entries.size() > 1) groups.push_back(std::move(entries));
     return groups;
 }
 
-void FileCleanerEngine::collectFilesForDuplicateCheck(
-    const std::string& directory, std::map<std::uint64_t, std::vector<DuplicateEntry>>& bySize,
-    int maxDepth) {
+void FileCleanerEngine::collectFilesForDuplicateCheck(const std::string& directory,
+                                                      FilesBySize& bySize, int maxDepth) {
     FileVisitor(
         services_.files,
         [&](const std::string& path, const std::string& name,

@@ -1,0 +1,65 @@
+#include "engine/FolderAnalysis.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <limits>
+
+namespace sweepwright {
+
+using platform::LastLink;
+
+FolderAnalysis::FolderAnalysis(const EngineServices& services, std::string folder)
+    : files_(services.files),
+      engine_(services.over(files_, services.eraser)),
+      storage_(services.device, files_),
+      folder_(std::move(folder)) {}
+
+platform::Result<> FolderAnalysis::readiness() {
+    const auto names = files_.contentsOfDirectory(folder_);
+    if (!names) return std::unexpected(names.error());
+    return {};
+}
+
+std::vector<LargeFileEntry> FolderAnalysis::largeFiles(std::uint64_t minSize) {
+    std::vector<LargeFileEntry> files;
+    // Not the first so many that are found: the largest of all.
+    engine_.findLargeFilesInDirectory(folder_, minSize, files,
+                                      std::numeric_limits<std::size_t>::max());
+    std::ranges::stable_sort(files, std::ranges::greater{}, &LargeFileEntry::size);
+    if (files.size() > FileCleanerEngine::kMaxLargeFiles)
+        files.resize(FileCleanerEngine::kMaxLargeFiles);
+    return files;
+}
+
+std::vector<std::vector<DuplicateEntry>> FolderAnalysis::duplicates() {
+    FileCleanerEngine::FilesBySize bySize;
+    engine_.collectFilesForDuplicateCheck(folder_, bySize);
+    return FileCleanerEngine::duplicatesAmong(std::move(bySize));
+}
+
+ExtensionAnalysis FolderAnalysis::extensions() {
+    ExtensionAnalysis analysis;
+    engine_.analyzeDirectory(folder_, analysis.byExtension);
+    analysis.totalAnalyzed = FileCleanerEngine::calculateTotalSize(analysis.byExtension);
+    return analysis;
+}
+
+std::vector<std::pair<std::string, FolderUsage>> FolderAnalysis::usage() {
+    std::vector<std::pair<std::string, FolderUsage>> usage;
+    for (const std::string& name :
+         files_.contentsOfDirectory(folder_).value_or(std::vector<std::string>())) {
+        if (name.starts_with('.')) continue;
+        const std::string path = platform::joinPath(folder_, name);
+        const auto attributes = files_.attributes(path, LastLink::Refuse);
+        if (!attributes) continue;
+        const std::uint64_t size = attributes->type == platform::FileType::Directory
+                                       ? storage_.sizeOfDirectoryAtPath(path)
+                                       : attributes->size;
+        usage.emplace_back(name, FolderUsage{size, StorageAnalyzer::formatBytes(size)});
+    }
+    std::ranges::stable_sort(usage, std::ranges::greater{},
+                             [](const auto& entry) { return entry.second.size; });
+    return usage;
+}
+
+}  // namespace sweepwright
