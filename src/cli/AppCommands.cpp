@@ -8,6 +8,7 @@
 #include "cli/CleanRun.h"
 #include "cli/Command.h"
 #include "cli/Context.h"
+#include "cli/Wording.h"
 #include "platform/DispatchQueue.h"
 
 namespace sweepwright::cli {
@@ -60,12 +61,19 @@ AppList scanApps(Context& context, bool thirdPartyOnly) {
 Outcome apps(Context& context, const Call& call) {
     const AppList list = scanApps(context, call.has("--third-party"));
     Json document = Json::array();
-    Table table({Align::Right, Align::Right, Align::Right, Align::Left, Align::Left, Align::Left});
+    Table table({{.title = wording::kTotal, .align = Align::Right},
+                 {.title = wording::kCaches, .align = Align::Right, .spare = 2},
+                 {.title = wording::kTemporary, .align = Align::Right, .spare = 3},
+                 {.title = wording::kApp, .holds = Holds::Text, .reader = Reader::Person},
+                 {.title = wording::kKind, .spare = 1},
+                 {.title = wording::kIdentifier, .holds = Holds::Identifier},
+                 {.reader = Reader::Program}});
     for (const AppCacheInfo& app : list) {
         document.push_back(appValue(app));
-        table.row({sizeText(app.totalSize), sizeText(app.cacheSize), sizeText(app.tmpSize),
+        const std::string name = app.appName.value_or("-");
+        table.row({sizeText(app.totalSize), sizeText(app.cacheSize), sizeText(app.tmpSize), name,
                    app.isSystemApp ? "system" : "third-party", app.bundleIdentifier.value_or("-"),
-                   app.appName.value_or("-")});
+                   name});
     }
     context.output().document(document);
     context.output().table(table);

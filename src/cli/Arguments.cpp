@@ -186,10 +186,16 @@ class Parser {
         for (const Option& option : command.options) {
             if (node.count(option.name) == 0) continue;
             if (option.value.empty()) {
-                call.setOption(option.name, 1);
+                call.setOption(option.name, std::uint64_t{1});
                 continue;
             }
-            const auto number = readNumber(option, node.get_option(option.name)->results().back());
+            const std::string value = node.get_option(option.name)->results().back();
+            if (option.isText) {
+                if (value.empty()) return wrongWords(option.name + " may not be empty");
+                call.setOption(option.name, value);
+                continue;
+            }
+            const auto number = readNumber(option, value);
             if (!number) return std::unexpected(number.error());
             call.setOption(option.name, *number);
         }

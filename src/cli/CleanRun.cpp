@@ -48,7 +48,7 @@ Outcome runClean(Context& context, const CleanJob& job) {
 
 void showPreview(Output& output, const CleanPreview& preview) {
     Json entries = Json::array();
-    Table table({Align::Left, Align::Right, Align::Left});
+    Table table({{}, {.align = Align::Right}, {.holds = Holds::Path}});
     for (const CleanPreview::Entry& entry : preview.entries) {
         Json value = Json::object();
         setPath(value, "path", entry.path);

@@ -5,7 +5,13 @@ namespace sweepwright::cli {
 std::optional<std::uint64_t> Call::number(const std::string& option) const {
     const auto found = options_.find(option);
     if (found == options_.end()) return std::nullopt;
-    return found->second;
+    return std::get<std::uint64_t>(found->second);
+}
+
+std::optional<std::string> Call::text(const std::string& option) const {
+    const auto found = options_.find(option);
+    if (found == options_.end()) return std::nullopt;
+    return std::get<std::string>(found->second);
 }
 
 const std::vector<std::string>& Call::words(const std::string& positional) const {
@@ -18,6 +24,7 @@ Commands allCommands() {
     Commands commands;
     addScanCommands(commands);
     addLookCommands(commands);
+    addAnalyzeCommands(commands);
     addCleanCommands(commands);
     addAppCommands(commands);
     addProtectionCommands(commands);

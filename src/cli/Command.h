@@ -6,6 +6,8 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <utility>
+#include <variant>
 #include <vector>
 
 #include "cli/Failure.h"
@@ -28,6 +30,7 @@ struct Option {
     std::string name;   ///< "--limit"
     std::string value;  ///< what help calls its value, "N"; empty for a switch
     std::string help;
+    bool isText = false;      ///< the value is any text that is not empty, else
     std::uint64_t least = 0;  ///< the value is a whole number, from this one ...
     std::uint64_t most = std::numeric_limits<std::uint64_t>::max();  ///< ... to this one
 };
@@ -39,6 +42,8 @@ class Call {
     [[nodiscard]] bool has(const std::string& option) const { return options_.contains(option); }
     /// The number given with an option.
     [[nodiscard]] std::optional<std::uint64_t> number(const std::string& option) const;
+    /// The text given with an option.
+    [[nodiscard]] std::optional<std::string> text(const std::string& option) const;
     /// The words given for a positional; empty when it was left out.
     [[nodiscard]] const std::vector<std::string>& words(const std::string& positional) const;
     /// The one word given for a required positional.
@@ -47,12 +52,15 @@ class Call {
     }
 
     void setOption(const std::string& option, std::uint64_t value) { options_[option] = value; }
+    void setOption(const std::string& option, std::string text) {
+        options_[option] = std::move(text);
+    }
     void setWords(const std::string& positional, std::vector<std::string> words) {
         words_[positional] = std::move(words);
     }
 
   private:
-    std::map<std::string, std::uint64_t> options_;  // a switch holds 1
+    std::map<std::string, std::variant<std::uint64_t, std::string>> options_;  // a switch holds 1
     std::map<std::string, std::vector<std::string>> words_;
 };
 
@@ -78,6 +86,7 @@ Commands allCommands();
 void addScanCommands(Commands& commands);
 void addCleanCommands(Commands& commands);
 void addLookCommands(Commands& commands);
+void addAnalyzeCommands(Commands& commands);
 void addAppCommands(Commands& commands);
 void addHistoryCommands(Commands& commands);
 void addLanguageCommands(Commands& commands);

@@ -6,6 +6,7 @@
 #include "cli/Confirmation.h"
 #include "cli/Context.h"
 #include "cli/Text.h"
+#include "cli/Wording.h"
 #include "platform/DateText.h"
 #include "protection/CleanHistoryManager.h"
 #include "protection/CleanStatistics.h"
@@ -22,7 +23,11 @@ Outcome history(Context& context, const Call& call) {
     const std::uint64_t limit =
         call.number("--limit").value_or(std::numeric_limits<std::uint64_t>::max());
     Json document = Json::array();
-    Table table({Align::Left, Align::Right, Align::Left, Align::Left});
+    Table table({{.title = wording::kDate},
+                 {.title = wording::kFreed, .align = Align::Right},
+                 {.title = wording::kWhat, .holds = Holds::Text, .reader = Reader::Person},
+                 {.title = wording::kRecord, .holds = Holds::Identifier},
+                 {.reader = Reader::Program}});
     for (const CleanHistoryItem& item :
          CleanHistoryManager::sharedManager().getRecentCleanHistory(limit)) {
         document.push_back(Json{{"identifier", item.identifier},
@@ -30,8 +35,8 @@ Outcome history(Context& context, const Call& call) {
                                 {"cleanTypeName", replacingBadBytes(item.cleanTypeName)},
                                 {"cleanedBytes", item.cleanedBytes},
                                 {"cleanDate", platform::dateText(item.cleanDate)}});
-        table.row({platform::dateText(item.cleanDate), sizeText(item.cleanedBytes), item.identifier,
-                   item.cleanTypeName});
+        table.row({platform::dateText(item.cleanDate), sizeText(item.cleanedBytes),
+                   item.cleanTypeName, item.identifier, item.cleanTypeName});
     }
     context.output().document(document);
     context.output().table(table);
@@ -77,12 +82,18 @@ Outcome stats(Context& context, const Call& /*call*/) {
                {"cleanCount", running.cleanCount},
                {"lastCleanDate",
                 running.lastCleanDate ? Json(*running.lastCleanDate) : Json(nullptr)}}}});
-    Table table({Align::Left, Align::Right, Align::Right, Align::Left});
+    Table table({{.title = wording::kSource},
+                 {.title = wording::kFreed, .align = Align::Right},
+                 {.title = wording::kCleans, .align = Align::Right},
+                 {.title = wording::kLastClean, .holds = Holds::Text}});
     table.row({"history", sizeText(kept.totalCleanedBytes), std::to_string(kept.totalCleanCount),
                kept.lastCleanDate ? platform::dateText(*kept.lastCleanDate) : "-"});
     table.row({"running", sizeText(running.totalCleanedBytes), std::to_string(running.cleanCount),
                running.lastCleanDate.value_or("-")});
     context.output().table(table);
+    for (const std::string_view explanation :
+         {std::string_view(), wording::kStatsHistory, wording::kStatsRunning})
+        context.output().note(explanation);
     return {};
 }
 

@@ -1,23 +1,21 @@
-// What a person looks at before a clean: lists, storage, analyses. Nothing is changed.
+// What a person looks at before a clean: lists and storage. Nothing is changed.
 #include <array>
-#include <cstdint>
+#include <cstddef>
 #include <string>
+#include <vector>
 
 #include <fmt/format.h>
 
 #include "cli/Categories.h"
 #include "cli/Command.h"
 #include "cli/Context.h"
-#include "cli/Text.h"
+#include "cli/SizedRows.h"
+#include "cli/Wording.h"
 #include "engine/FileCleanerEngine.h"
-#include "platform/DateText.h"
 
 namespace sweepwright::cli {
 
 namespace {
-
-/// What the app's settings begin with as the size of a large file, in bytes.
-constexpr std::uint64_t kLargeFile = std::uint64_t{50} << 20U;
 
 using PathList = std::vector<std::string> (FileCleanerEngine::*)();
 
@@ -32,28 +30,6 @@ constexpr std::array<PathList, 9> kPathLists = {nullptr,
                                                 &FileCleanerEngine::getCrashReportFileList,
                                                 nullptr};
 
-/// Documents and text rows of the same entries, built side by side.
-class SizedRows {
-  public:
-    /// Adds an entry and returns its object, for further keys.
-    Json& add(std::string_view path, std::uint64_t size) {
-        Json object = Json::object();
-        setPath(object, "path", path);
-        object["size"] = size;
-        table_.row({sizeText(size), std::string(path)});
-        return document_.emplace_back(std::move(object));
-    }
-
-    void show(Output& output) const {
-        output.document(document_);
-        output.table(table_);
-    }
-
-  private:
-    Json document_ = Json::array();
-    Table table_{{Align::Right, Align::Left}};
-};
-
 Outcome listCategory(Context& context, const Call& call) {
     FileCleanerEngine& engine = FileCleanerEngine::sharedEngine();
     const Category* category = categoryNamed(call.word("CATEGORY"));
@@ -62,18 +38,24 @@ Outcome listCategory(Context& context, const Call& call) {
         return wrongWords("offline-data has no list of files; try: sweepctl size offline-data");
     context.progress().update(category->label, 0);
     if (category->type == CleanType::Cache) {
-        SizedRows rows;
-        for (const CacheEntry& entry : engine.getCacheFileList())
-            rows.add(entry.path, entry.size);
+        Json document = Json::array();
+        Table table = sizedTable();
+        for (const CacheEntry& entry : engine.getCacheFileList()) {
+            document.push_back(sizedValue(entry.path, entry.size));
+            table.row({sizeText(entry.size), entry.path});
+        }
         context.progress().clear();
-        rows.show(output);
+        output.document(document);
+        output.table(table);
         return {};
     }
     const auto paths = (engine.*kPathLists.at(static_cast<std::size_t>(category->type)))();
     context.progress().clear();
     output.document(pathArray(paths));
+    Table table({{.title = wording::kPath, .holds = Holds::OwnedPath}});
     for (const std::string& path : paths)
-        output.line(output.shown(path));
+        table.row({path});
+    output.table(table);
     return {};
 }
 
@@ -96,7 +78,9 @@ Outcome storage(Context& context, const Call& /*call*/) {
                                    {"availableSpaceFormatted", info->availableSpaceFormatted},
                                    {"usedSpaceFormatted", info->usedSpaceFormatted},
                                    {"userUsedSpaceFormatted", info->userUsedSpaceFormatted}});
-    Table table({Align::Left, Align::Right, Align::Right});
+    Table table({{.title = wording::kSpace},
+                 {.title = wording::kSize, .align = Align::Right},
+                 {.title = wording::kShare, .align = Align::Right}});
     table.row({"total", info->totalSpaceFormatted, ""});
     table.row({"used", info->usedSpaceFormatted, fmt::format("{:.1f}%", info->usagePercentage)});
     table.row({"used-with-reserve", info->userUsedSpaceFormatted,
@@ -104,92 +88,6 @@ Outcome storage(Context& context, const Call& /*call*/) {
     table.row({"free", info->freeSpaceFormatted, ""});
     table.row({"available", info->availableSpaceFormatted, ""});
     context.output().table(table);
-    return {};
-}
-
-void analyzeApps(Output& output) {
-    SizedRows rows;
-    for (const AppEntry& app : FileCleanerEngine::sharedEngine().getInstalledAppsWithStorage())
-        setPath(rows.add(app.path, app.size), "name", app.name);
-    rows.show(output);
-}
-
-void analyzeLarge(Output& output, std::uint64_t minSize) {
-    SizedRows rows;
-    for (const LargeFileEntry& file :
-         FileCleanerEngine::sharedEngine().findLargeFilesWithMinSize(minSize)) {
-        Json& object = rows.add(file.path, file.size);
-        setPath(object, "name", file.name);
-        object["modifiedDate"] = platform::dateText(file.modifiedDate);
-    }
-    rows.show(output);
-}
-
-void analyzeDuplicates(Output& output) {
-    Json groups = Json::array();
-    Table table({Align::Right, Align::Right, Align::Left});
-    std::size_t number = 0;
-    for (const auto& group : FileCleanerEngine::sharedEngine().findDuplicateFiles()) {
-        Json files = Json::array();
-        ++number;
-        for (const DuplicateEntry& file : group) {
-            Json object = Json::object();
-            setPath(object, "path", file.path);
-            setPath(object, "name", file.name);
-            object["size"] = file.size;
-            files.push_back(std::move(object));
-            table.row({std::to_string(number), sizeText(file.size), file.path});
-        }
-        groups.push_back(std::move(files));
-    }
-    output.document(groups);
-    output.table(table);
-}
-
-void analyzeExtensions(Output& output) {
-    const ExtensionAnalysis analysis = FileCleanerEngine::sharedEngine().analyzeStorageByCategory();
-    Json byExtension = Json::object();
-    Table table({Align::Right, Align::Left});
-    for (const auto& [extension, size] : analysis.byExtension) {
-        // A name's bytes need not be text; a key of a document must be.
-        byExtension[replacingBadBytes(extension)] = size;
-        table.row({sizeText(size), extension});
-    }
-    table.row({sizeText(analysis.totalAnalyzed), "total"});
-    output.document(
-        Json{{"byExtension", std::move(byExtension)}, {"totalAnalyzed", analysis.totalAnalyzed}});
-    output.table(table);
-}
-
-void analyzeUsage(Output& output) {
-    Json document = Json::object();
-    Table table({Align::Right, Align::Left});
-    for (const auto& [folder, usage] : StorageAnalyzer::sharedAnalyzer().analyzeDirectoryUsage()) {
-        document[folder] = Json{{"size", usage.size}, {"formatted", usage.formatted}};
-        table.row({usage.formatted, folder});
-    }
-    output.document(document);
-    output.table(table);
-}
-
-Outcome analyze(Context& context, const Call& call) {
-    const std::string& what = call.word("WHAT");
-    if (call.has("--min-size") && what != "large")
-        return wrongWords("--min-size goes with: sweepctl analyze large");
-    context.progress().update(what, 0);
-    Output& output = context.output();
-    if (what == "apps") {
-        analyzeApps(output);
-    } else if (what == "large") {
-        analyzeLarge(output, call.number("--min-size").value_or(kLargeFile));
-    } else if (what == "duplicates") {
-        analyzeDuplicates(output);
-    } else if (what == "extensions") {
-        analyzeExtensions(output);
-    } else {
-        analyzeUsage(output);
-    }
-    context.progress().clear();
     return {};
 }
 
@@ -208,18 +106,6 @@ void addLookCommands(Commands& commands) {
                         .group = kGroup,
                         .summary = "tell how full the device is",
                         .run = storage});
-    commands.push_back(
-        {.words = "analyze",
-         .group = kGroup,
-         .summary = "look for what takes space; nothing is changed",
-         .positionals = {{.name = "WHAT",
-                          .help = "one of",
-                          .choices = {"apps", "large", "duplicates", "extensions", "usage"}}},
-         .options = {{.name = "--min-size",
-                      .value = "BYTES",
-                      .help = "with large: files of at least this many bytes (52428800)"}},
-         .examples = {"sweepctl analyze large --min-size 1000000"},
-         .run = analyze});
 }
 
 }  // namespace sweepwright::cli

@@ -6,8 +6,11 @@
 
 #include <fmt/format.h>
 
+#include "cli/Text.h"
+#include "cli/Wording.h"
 #include "engine/StorageAnalyzer.h"
 #include "platform/ControlText.h"
+#include "platform/Terminal.h"
 
 namespace sweepwright::cli {
 
@@ -25,9 +28,22 @@ void Output::line(std::string_view text) {
     pending_ += '\n';
 }
 
+void Output::note(std::string_view text) {
+    if (toPerson()) line(wrapped(text, page().columns));
+}
+
 void Output::table(const Table& table) {
     if (json_) return;
-    pending_ += table.text([this](std::string_view cell) { return shown(cell); });
+    if (toPerson() && table.empty()) return line(wording::kNothing);
+    pending_ += table.text(page());
+}
+
+Page Output::page() const {
+    return {.forPerson = toPerson(),
+            .columns = platform::terminalColumns(platform::StandardStream::Output),
+            .unicode = platform::localeIsUtf8(),
+            .shown = [this](std::string_view cell) { return shown(cell); },
+            .ownerOf = ownerOf_};
 }
 
 void Output::document(const Json& document) {

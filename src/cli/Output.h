@@ -1,8 +1,11 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "cli/Json.h"
 #include "cli/Table.h"
@@ -17,7 +20,11 @@ std::string sizeText(std::uint64_t bytes);
 /// is written by flush(), so that a command that fails leaves no half document.
 class Output {
   public:
-    Output(bool json, bool terminal) : json_(json), terminal_(terminal) {}
+    /// Names the app that a path belongs to; asked only for a person.
+    using OwnerOf = std::function<std::optional<std::string>(const std::string& path)>;
+
+    Output(bool json, bool terminal, OwnerOf ownerOf = {})
+        : json_(json), terminal_(terminal), ownerOf_(std::move(ownerOf)) {}
 
     [[nodiscard]] bool json() const { return json_; }
     /// Whether a person reads standard output; false for a document.
@@ -28,6 +35,9 @@ class Output {
 
     /// Text; nothing in JSON mode. Names in it have gone through shown().
     void line(std::string_view text);
+    /// A paragraph for a person only, in as many lines as it takes. Names in it have gone through
+    /// shown().
+    void note(std::string_view text);
     void table(const Table& table);
 
     /// The document; nothing outside JSON mode. A second one takes the first one's place.
@@ -37,8 +47,11 @@ class Output {
     platform::Result<> flush();
 
   private:
+    [[nodiscard]] Page page() const;
+
     bool json_;
     bool terminal_;
+    OwnerOf ownerOf_;
     std::string pending_;
 };
 

@@ -7,6 +7,7 @@
 
 #include <fmt/format.h>
 
+#include "apps/AppNames.h"
 #include "cli/Arguments.h"
 #include "cli/Context.h"
 #include "cli/Help.h"
@@ -81,7 +82,8 @@ int runProgram(const std::vector<std::string>& words) {
     const Commands commands = allCommands();
     const auto invocation = parseArguments(commands, words);
     const bool json = invocation ? invocation->json : asksForJson(words);
-    Output output(json, platform::isTerminal(platform::StandardStream::Output));
+    Output output(json, platform::isTerminal(platform::StandardStream::Output),
+                  [](const std::string& path) { return AppNames::sharedNames().ownerOf(path); });
 
     int status = kDone;
     if (!invocation) {

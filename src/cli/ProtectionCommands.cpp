@@ -6,9 +6,11 @@
 
 #include <fmt/format.h>
 
+#include "apps/AppNames.h"
 #include "cli/Command.h"
 #include "cli/Context.h"
 #include "cli/DevicePaths.h"
+#include "cli/Wording.h"
 #include "protection/AppWhitelistManager.h"
 #include "protection/CustomPathManager.h"
 #include "protection/PathWhitelistManager.h"
@@ -21,6 +23,7 @@ using platform::Result;
 using Words = std::vector<std::string>;
 
 constexpr const char* kProtectionGroup = "Protect and add";
+constexpr Column kPathColumn{.title = wording::kPath, .holds = Holds::OwnedPath};
 
 /// A stored list as its commands need it: shown, added to, removed from, emptied.
 struct StoredList {
@@ -28,6 +31,9 @@ struct StoredList {
     std::string positional;  ///< what its entries are called: "PATH"
     std::string example;     ///< one entry
     std::string purpose;     ///< what adding one does: "protect paths"
+    Column column{};         ///< in which its entries stand
+    /// What stands beside an entry for a person.
+    std::function<std::string(const std::string&)> nameOf{};
     std::function<Result<>()> readiness;
     std::function<Words()> builtIn;  ///< what stands in the list for good
     std::function<Words()> entries;  ///< what people have put there
@@ -52,27 +58,25 @@ void showDocument(const StoredList& list, Output& output) {
 Outcome show(const StoredList& list, Context& context) {
     if (auto readable = requireReadable(list); !readable) return readable;
     showDocument(list, context.output());
+    Output& output = context.output();
     const Words builtIn = list.builtIn();
-    if (builtIn.empty()) {
-        Table table({Align::Left});
-        for (const std::string& entry : list.entries())
-            table.row({entry});
-        context.output().table(table);
-        return {};
-    }
-    Table table({Align::Left, Align::Left});
+    const std::string user = builtIn.empty() ? "" : "user";
+    Table table(
+        {{.title = wording::kOrigin, .reader = builtIn.empty() ? Reader::Person : Reader::Everyone},
+         {.title = wording::kApp, .holds = Holds::Text, .reader = Reader::Person},
+         list.column});
     for (const std::string& entry : builtIn)
-        table.row({"built-in", entry});
+        table.row({"built-in", "", entry});
     for (const std::string& entry : list.entries())
-        table.row({"user", entry});
-    context.output().table(table);
+        table.row({user, list.nameOf && output.toPerson() ? list.nameOf(entry) : "", entry});
+    output.table(table);
     return {};
 }
 
 /// Changes the list by each word and tells what became of each.
 Outcome change(const StoredList& list, Context& context, const Words& words, bool adding) {
     if (auto readable = requireReadable(list); !readable) return readable;
-    Table table({Align::Left, Align::Left});
+    Table table({{.title = wording::kResult}, list.column});
     for (const std::string& word : words) {
         Words all = list.entries();
         std::ranges::copy(list.builtIn(), std::back_inserter(all));
@@ -159,7 +163,7 @@ void addCheckCommand(Commands& commands, const StoredList& list, const std::stri
          .positionals = {{.name = list.positional, .help = "one or more", .many = true}},
          .run = [=](Context& context, const Call& call) -> Outcome {
              if (auto readable = requireReadable(list); !readable) return readable;
-             Table table({Align::Left, Align::Left});
+             Table table({{.title = wording::kAnswer}, list.column});
              std::vector<std::pair<std::string, bool>> answers;
              for (const std::string& path : call.words(list.positional)) {
                  answers.emplace_back(path, question(path));
@@ -187,6 +191,7 @@ StoredList pathWhitelist() {
         .positional = "PATH",
         .example = "/var/mobile/Media/DCIM",
         .purpose = "protect paths and all beneath them",
+        .column = kPathColumn,
         .readiness = [=] { return manager().readiness(); },
         .builtIn = PathWhitelistManager::getBuiltInPaths,
         .entries = [=] { return manager().getUserDefinedPaths(); },
@@ -217,6 +222,12 @@ StoredList appWhitelist() {
         .positional = "ID",
         .example = "com.example.app",
         .purpose = "protect apps by their bundle identifiers",
+        .column = {.title = wording::kIdentifier, .holds = Holds::Identifier},
+        .nameOf =
+            [](const std::string& id) {
+                const std::string name = AppNames::sharedNames().nameOf(id);
+                return name == id ? "" : name;
+            },
         .readiness = [=] { return manager().readiness(); },
         .builtIn = nothing,
         .entries = [=] { return manager().getAllWhitelistedApps(); },
@@ -236,6 +247,7 @@ StoredList customPaths() {
         .positional = "PATH",
         .example = "/var/mobile/Media/Downloads",
         .purpose = "let a clean of the caches empty folders, too",
+        .column = kPathColumn,
         .readiness = [=] { return manager().readiness(); },
         .builtIn = nothing,
         .entries = [=] { return manager().getAllCustomPaths(); },

@@ -9,6 +9,7 @@
 #include "cli/Categories.h"
 #include "cli/Command.h"
 #include "cli/Context.h"
+#include "cli/Wording.h"
 #include "engine/FileCleanerEngine.h"
 
 namespace sweepwright::cli {
@@ -31,15 +32,8 @@ std::string_view labelOf(std::string_view key) {
     return found == all.end() ? key : found->label;
 }
 
-/// A bar whose length says what share of `total` is `part`, for eyes.
-std::string shareBar(std::uint64_t part, std::uint64_t total) {
-    constexpr double kLength = 24;
-    const double share = static_cast<double>(part) / static_cast<double>(total);
-    const auto blocks = static_cast<std::size_t>(share * kLength + 0.5);
-    std::string bar;
-    for (std::size_t i = 0; i < blocks; ++i)
-        bar += "█";
-    return bar;
+Share shareOf(std::uint64_t part, std::uint64_t total) {
+    return {total == 0 ? 0 : static_cast<double>(part) / static_cast<double>(total)};
 }
 
 std::string percentText(std::uint64_t part, std::uint64_t total) {
@@ -47,21 +41,18 @@ std::string percentText(std::uint64_t part, std::uint64_t total) {
     return fmt::format("{:.0f}%", 100.0 * static_cast<double>(part) / static_cast<double>(total));
 }
 
-Table scanTable(const ScanResult& result, bool forEyes) {
-    std::vector<Align> columns{Align::Left, Align::Right, Align::Right};
-    if (forEyes) columns.push_back(Align::Left);
-    Table table(columns);
+Table scanTable(const ScanResult& result) {
+    Table table({{.title = wording::kCategory},
+                 {.title = wording::kSize, .align = Align::Right},
+                 {.title = wording::kShare, .align = Align::Right},
+                 {.holds = Holds::Bar, .reader = Reader::Person, .spare = 1}});
     const std::uint64_t total = result.totalSize;
     for (const Category& category : categories()) {
         const std::uint64_t size = result.*category.figure;
-        std::vector<std::string> row{std::string(category.word), sizeText(size),
-                                     percentText(size, total)};
-        if (forEyes) row.push_back(total == 0 ? "" : shareBar(size, total));
-        table.row(std::move(row));
+        table.row({std::string(category.word), sizeText(size), percentText(size, total),
+                   shareOf(size, total)});
     }
-    std::vector<std::string> last{"total", sizeText(total), percentText(total, total)};
-    if (forEyes) last.emplace_back();
-    table.row(std::move(last));
+    table.row({"total", sizeText(total), percentText(total, total), ""});
     return table;
 }
 
@@ -78,7 +69,7 @@ Outcome scan(Context& context, const Call&) {
         document[key] = bytes;
     Output& output = context.output();
     output.document(document);
-    output.table(scanTable(result, output.toPerson()));
+    output.table(scanTable(result));
     return {};
 }
 

@@ -1,36 +1,76 @@
 #include "cli/Table.h"
 
 #include <algorithm>
-#include <cstddef>
 
-#include "platform/TextWidth.h"
+#include "cli/TableLayout.h"
+#include "cli/Text.h"
+#include "cli/Wording.h"
 
 namespace sweepwright::cli {
 
-using platform::displayWidth;
+namespace {
 
-std::string Table::text(const std::function<std::string(std::string_view)>& shown) const {
-    std::vector<std::vector<std::string>> cells = rows_;
-    std::vector<std::size_t> widths(columns_.size(), 0);
-    for (auto& row : cells) {
-        for (std::size_t i = 0; i < row.size(); ++i) {
-            row[i] = shown(row[i]);
-            widths[i] = std::max(widths[i], displayWidth(row[i]));
+bool isEmpty(const Cell& cell) {
+    const auto* text = std::get_if<std::string>(&cell);
+    return text != nullptr && text->empty();
+}
+
+}  // namespace
+
+std::vector<Cell> Table::cellsOf(std::size_t column, const Page& page) const {
+    std::vector<Cell> cells;
+    for (const Line& line : lines_) {
+        const Row* row = std::get_if<Row>(&line);
+        if (row == nullptr) continue;
+        cells.push_back((*row)[column]);
+        if (auto* text = std::get_if<std::string>(&cells.back())) *text = page.shown(*text);
+    }
+    return cells;
+}
+
+std::vector<Cell> Table::ownersOf(std::size_t column, const Page& page) const {
+    std::vector<Cell> owners;
+    for (const Line& line : lines_) {
+        const Row* row = std::get_if<Row>(&line);
+        if (row == nullptr) continue;
+        const auto owner = page.ownerOf(std::get<std::string>((*row)[column]));
+        owners.emplace_back(owner ? page.shown(*owner) : std::string());
+    }
+    return owners;
+}
+
+TableLayout Table::layout(const Page& page) const {
+    TableLayout layout(page);
+    const auto addUnlessEmpty = [&layout](const Column& column, std::vector<Cell> cells) {
+        if (!std::ranges::all_of(cells, isEmpty)) layout.add(column, std::move(cells));
+    };
+    for (std::size_t i = 0; i < columns_.size(); ++i) {
+        const Column& column = columns_[i];
+        if (!page.forPerson) {
+            if (column.reader != Reader::Person) layout.add(column, cellsOf(i, page));
+            continue;
+        }
+        if (column.reader == Reader::Program) continue;
+        if (column.holds == Holds::OwnedPath && page.ownerOf)
+            addUnlessEmpty({.title = wording::kApp, .holds = Holds::Text}, ownersOf(i, page));
+        addUnlessEmpty(column, cellsOf(i, page));
+    }
+    layout.fit();
+    return layout;
+}
+
+std::string Table::text(const Page& page) const {
+    const TableLayout columns = layout(page);
+    std::string text = page.forPerson ? columns.headings() : "";
+    std::size_t rows = 0;
+    for (const Line& line : lines_) {
+        if (std::holds_alternative<Row>(line)) {
+            text += columns.row(rows++);
+        } else if (page.forPerson) {
+            text += wrapped(std::get<std::string>(line), page.columns) + '\n';
         }
     }
-    std::string lines;
-    for (const auto& row : cells) {
-        for (std::size_t i = 0; i < row.size(); ++i) {
-            const std::string padding(widths[i] - displayWidth(row[i]), ' ');
-            const bool last = i + 1 == row.size();
-            if (i > 0) lines += "  ";
-            if (columns_[i] == Align::Right) lines += padding;
-            lines += row[i];
-            if (columns_[i] == Align::Left && !last) lines += padding;
-        }
-        lines += '\n';
-    }
-    return lines;
+    return text;
 }
 
 }  // namespace sweepwright::cli

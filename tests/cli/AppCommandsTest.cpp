@@ -53,6 +53,39 @@ TEST(AppsCommand, ListsAppsWithNamesAndSizesLargestFirst) {
     EXPECT_THAT(sweepctl.run({"apps"}).output, HasSubstr("com.example.chat  Name of A\n"));
 }
 
+TEST(AppsCommand, OnATerminalNamesStandBeforeIdentifiersAtEveryWidth) {
+    Sweepctl sweepctl;
+    install(sweepctl.device(), "A", "com.example.chat", 10);
+    EXPECT_EQ(sweepctl.run({"apps"}).output,
+              "10 B  10 B  0 B  third-party  com.example.chat  Name of A\n");
+    sweepctl.setTerminal({.output = true}, 80);
+    EXPECT_EQ(sweepctl.run({"apps"}).screen,
+              "TOTAL  CACHES  TEMPORARY  APP        KIND         IDENTIFIER\n"
+              " 10 B    10 B        0 B  Name of A  third-party  com.example.chat\n");
+    sweepctl.setTerminal({.output = true}, 40);
+    EXPECT_EQ(sweepctl.run({"apps"}).screen,
+              "TOTAL  APP        IDENTIFIER\n"
+              " 10 B  Name of A  com.example.chat\n");
+    sweepctl.setTerminal({.output = true}, 30);
+    EXPECT_EQ(sweepctl.run({"apps"}).screen,
+              "TOTAL  APP\n"
+              "  IDENTIFIER\n"
+              " 10 B  Name of A\n"
+              "  com.example.chat\n");
+}
+
+TEST(AppsCommand, WhitelistedAppsAreNamedOnATerminal) {
+    Sweepctl sweepctl;
+    install(sweepctl.device(), "A", "com.example.chat", 10);
+    EXPECT_EQ(sweepctl.run({"whitelist", "apps", "add", "com.example.chat", "com.gone"}).status, 0);
+    EXPECT_EQ(sweepctl.run({"whitelist", "apps"}).output, "com.example.chat\ncom.gone\n");
+    sweepctl.setTerminal({.output = true});
+    EXPECT_EQ(sweepctl.run({"whitelist", "apps"}).screen,
+              "APP        IDENTIFIER\n"
+              "Name of A  com.example.chat\n"
+              "           com.gone\n");
+}
+
 TEST(AppsCleanCommand, OneAppIsCleanedAndRecordedOnce) {
     Sweepctl sweepctl;
     const std::string chat = install(sweepctl.device(), "A", "com.example.chat", 10);

@@ -12,6 +12,7 @@ using nlohmann::json;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::MatchesRegex;
+using testing::StartsWith;
 
 TEST(ListCommand, CachesAreListedWithTheirSizesLargestFirst) {
     Sweepctl sweepctl;
@@ -23,6 +24,17 @@ TEST(ListCommand, CachesAreListedWithTheirSizesLargestFirst) {
                     {{"path", folder + "small-cache"}, {"size", 10}}}));
     EXPECT_EQ(sweepctl.run({"list", "cache"}).output,
               "2.0 KB  " + folder + "large-cache\n  10 B  " + folder + "small-cache\n");
+}
+
+TEST(ListCommand, OnATerminalItHasHeadingsAndFits) {
+    Sweepctl sweepctl;
+    sweepctl.device().file("/var/mobile/tmp/a folder with a long name/a file with a long name", 1);
+    sweepctl.setTerminal({.output = true}, 40);
+    EXPECT_EQ(sweepctl.run({"list", "temp"}).screen,
+              "PATH\n/var/mobile/t…me/a file with a long name\n");
+    sweepctl.setVariable("LANG", "C");
+    EXPECT_EQ(sweepctl.run({"list", "temp"}).screen,
+              "PATH\n/var/mobile/...e/a file with a long name\n");
 }
 
 TEST(ListCommand, OtherCategoriesAreListedAsPaths) {
@@ -127,6 +139,42 @@ TEST(HistoryCommand, ListsDeletesAndClearsWhatWasCleaned) {
     EXPECT_EQ(stats.at("running").at("totalCleanedBytes"), 150);
     EXPECT_EQ(stats.at("running").at("cleanCount"), 2);
     EXPECT_EQ(stats.at("running").at("lastCleanDate"), records[0].at("cleanDate"));
+}
+
+TEST(HistoryCommand, OnATerminalWhatWasCleanedStandsBeforeItsRecord) {
+    Sweepctl sweepctl;
+    sweepctl.device().file("/var/mobile/tmp/a", 100);
+    EXPECT_EQ(sweepctl.run({"clean", "temp", "--yes"}).status, 0);
+    const std::string id = sweepctl.json({"history"})[0].at("identifier");
+    EXPECT_THAT(sweepctl.run({"history"}).output, testing::EndsWith("  " + id + "  临时文件\n"));
+    sweepctl.setTerminal({.output = true}, 80);
+    EXPECT_THAT(
+        sweepctl.run({"history"}).screen,
+        MatchesRegex("DATE                 FREED  WHAT      RECORD\n.*  临时文件  " + id + "\n"));
+    sweepctl.setTerminal({.output = true}, 40);
+    EXPECT_THAT(
+        sweepctl.run({"history"}).screen,
+        MatchesRegex("DATE                 FREED  WHAT\n  RECORD\n.*  临时文件\n  " + id + "\n"));
+}
+
+TEST(StatsCommand, OnATerminalItSaysWhatItsLinesAre) {
+    Sweepctl sweepctl;
+    EXPECT_EQ(sweepctl.run({"stats"}).output, "history  0 B  0  -\nrunning  0 B  0  -\n");
+    sweepctl.setTerminal({.output = true}, 40);
+    const std::string screen = sweepctl.run({"stats"}).screen;
+    EXPECT_THAT(screen, StartsWith("SOURCE   FREED  CLEANS  LAST CLEAN\n"
+                                   "history    0 B       0  -\n"
+                                   "running    0 B       0  -\n\n"
+                                   "history: "));
+    EXPECT_THAT(screen, HasSubstr("\nrunning: "));
+}
+
+TEST(TerminalTables, AListWithNothingInItSaysSo) {
+    Sweepctl sweepctl;
+    EXPECT_EQ(sweepctl.run({"custom-paths"}).output, "");
+    sweepctl.setTerminal({.output = true});
+    EXPECT_EQ(sweepctl.run({"custom-paths"}).screen, "(none)\n");
+    EXPECT_EQ(sweepctl.run({"list", "temp"}).screen, "(none)\n");
 }
 
 TEST(LanguageCommand, ShowsAndSetsTheLanguageAndLooksTextsUp) {

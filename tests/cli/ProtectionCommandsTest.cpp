@@ -142,7 +142,7 @@ TEST(WhitelistCommands, ATerminalSeesControlCharactersEscapedAndAPipeTheirBytes)
     EXPECT_EQ(sweepctl.run({"custom-paths", "add", "/a\x1b[2J\nb\u202E"}).status, 0);
     EXPECT_EQ(sweepctl.run({"custom-paths"}).output, "/a\x1b[2J\nb\u202E\n");
     sweepctl.setTerminal({.output = true});
-    EXPECT_EQ(sweepctl.run({"custom-paths"}).screen, "/a\\x1B[2J\\nb\\u{202E}\n");
+    EXPECT_EQ(sweepctl.run({"custom-paths"}).screen, "PATH\n/a\\x1B[2J\\nb\\u{202E}\n");
 }
 
 TEST(WhitelistCommands, APathThatIsNotUtf8IsGivenByItsBytesToo) {

@@ -71,10 +71,38 @@ TEST(Scan, ATerminalSeesTheCategoriesWhileTheyAreMeasuredAndBarsInTheEnd) {
     sweepctl.setTerminal(TerminalStreams::all());
     const std::string screen = sweepctl.run({"scan"}).screen;
     EXPECT_THAT(screen, HasSubstr("░"));
-    EXPECT_THAT(screen, HasSubstr("cache          1.0 KB   75%  ██████████████████"));
+    EXPECT_THAT(screen, HasSubstr("cache          1.0 KB    75%  ██████████████████\n"));
     // The progress line is taken away before the table begins.
-    EXPECT_THAT(screen.substr(0, screen.find("cache          1.0 KB")),
+    EXPECT_THAT(screen.substr(0, screen.find("CATEGORY         SIZE  SHARE\n")),
                 testing::EndsWith("\r\x1b[K"));
+}
+
+/// What a terminal shows of a scan in an environment.
+std::string scanned(const std::string& variable, const std::string& value) {
+    Sweepctl sweepctl;
+    fill(sweepctl.device());
+    sweepctl.setTerminal({.output = true}, 40);
+    sweepctl.setVariable("LANG", "C");
+    sweepctl.setVariable(variable, value);
+    return sweepctl.run({"scan"}).screen;
+}
+
+TEST(Scan, ItFitsANarrowTerminalWithBarsThatItsLocaleCanShow) {
+    EXPECT_EQ(scanned("LANG", "C"),
+              "CATEGORY         SIZE  SHARE\n"
+              "cache          1.0 KB    75%  #######\n"
+              "temp              2 B     0%\n"
+              "cookies           4 B     0%\n"
+              "logs              8 B     1%\n"
+              "downloads        16 B     1%\n"
+              "images            0 B     0%\n"
+              "databases        64 B     5%\n"
+              "crash-reports     0 B     0%\n"
+              "offline-data    256 B    19%  ##\n"
+              "total          1.3 KB   100%\n");
+    for (const auto& [variable, value] :
+         {std::pair("LANG", "de_DE.utf8"), {"LC_CTYPE", "C.UTF-8"}, {"LC_ALL", "en_US.utf-8"}})
+        EXPECT_THAT(scanned(variable, value), HasSubstr("75%  ███████\n")) << variable;
 }
 
 TEST(Scan, ProgressShowsOnlyWhereItIsWantedAndCanBeDrawn) {

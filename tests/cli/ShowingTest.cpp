@@ -15,7 +15,6 @@
 #include "cli/Json.h"
 #include "cli/Progress.h"
 #include "cli/Suggestion.h"
-#include "cli/Table.h"
 #include "cli/Text.h"
 #include "platform/TextWidth.h"
 
@@ -76,14 +75,6 @@ TEST(Text, AParagraphIsBrokenBetweenWordsOrWithinOneThatIsTooLong) {
     EXPECT_EQ(wrapped("a /var/mobile", 8), "a\n/var/mob\nile");
     EXPECT_EQ(wrapped("缓存文件缓存", 5), "缓存\n文件\n缓存");
     EXPECT_EQ(wrapped("", 10), "");
-}
-
-TEST(Table, ColumnsAreAlignedByWidthOnTheScreen) {
-    Table table({Align::Left, Align::Right, Align::Left});
-    table.row({"a", "1 B", "x"});
-    table.row({"缓存", "10 B", "y z"});
-    EXPECT_EQ(table.text([](std::string_view cell) { return std::string(cell); }),
-              "a      1 B  x\n缓存  10 B  y z\n");
 }
 
 TEST(JsonPaths, AnObjectWithSeveralPathsGivesTheBytesOfEach) {

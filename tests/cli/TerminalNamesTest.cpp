@@ -46,7 +46,7 @@ void fillFolders(TemporaryDevice& device) {
 }
 
 /// A device on which everything that has a name has a wicked one.
-void fill(TemporaryDevice& device) {
+void fillWickedly(TemporaryDevice& device) {
     fillFolders(device);
     device.fileWith(kContainer + "/.com.apple.mobile_container_manager.metadata.plist",
                     PropertyList(Dictionary{{"MCMMetadataIdentifier", kWickedText}}).toBinary());
@@ -77,7 +77,7 @@ std::string withoutProgress(std::string screen) {
 
 /// Runs a call with all streams on a terminal. Answers whether it showed a wicked name, escaped.
 bool showsSafely(Sweepctl& sweepctl, const Words& words) {
-    sweepctl.setTerminal(TerminalStreams::all());
+    sweepctl.setTerminal(TerminalStreams::all(), 1000);  // names are shown whole
     const std::string screen = withoutProgress(sweepctl.run(words).screen);
     std::string call;
     for (const std::string& word : words)
@@ -99,7 +99,11 @@ std::vector<Words> callsThatShowNames() {
     std::vector<Words> calls{{"apps"},
                              {"apps", "clean", kWickedText, "--dry-run"},
                              {"deep-clean", "--dry-run"},
+                             {"apps", "clean", "--all", "--dry-run"},
+                             {"analyze", "apps"},
                              {"analyze", "large", "--min-size", "1"},
+                             {"analyze", "large", "--folder", "/" + kWicked},
+                             {"analyze", "usage", "--folder", "/var/mobile/tmp"},
                              {"analyze", "duplicates"},
                              {"analyze", "extensions"},
                              {"history"},
@@ -134,7 +138,7 @@ std::vector<Words> callsThatShowNames() {
 
 TEST(TerminalNames, NoCommandLetsANameActOnTheTerminal) {
     Sweepctl sweepctl;
-    fill(sweepctl.device());
+    fillWickedly(sweepctl.device());
     std::string silent;
     for (const Words& words : callsThatShowNames()) {
         if (showsSafely(sweepctl, words)) continue;
@@ -151,7 +155,7 @@ TEST(TerminalNames, TheLogOfACleanDoesNotLetANameActOnTheTerminal) {
                                Words{"apps", "clean", "--all", "--yes", "--verbose"},
                                Words{"deep-clean", "--yes", "--verbose"}}) {
         Sweepctl sweepctl;
-        fill(sweepctl.device());
+        fillWickedly(sweepctl.device());
         const bool named = showsSafely(sweepctl, words);
         EXPECT_TRUE(named || words[0] == "deep-clean") << words[0];  // that log names no entry
     }

@@ -25,10 +25,10 @@ void expectWrongWords(const Words& words, const std::string& said) {
 
     Words withJson{"--json"};
     withJson.insert(withJson.end(), words.begin(), words.end());
-    const ProcessResult json = sweepctl.run(withJson);
-    EXPECT_EQ(json.status, 2);
-    EXPECT_THAT(errorIn(json.output), HasSubstr(said));
-    EXPECT_TRUE(isOneLine(json.error)) << json.error;
+    const ProcessResult document = sweepctl.run(withJson);
+    EXPECT_EQ(document.status, 2);
+    EXPECT_THAT(errorIn(document.output), HasSubstr(said));
+    EXPECT_TRUE(isOneLine(document.error)) << document.error;
     EXPECT_FALSE(sweepctl.device().exists("/var/mobile/Library"));
 }
 
