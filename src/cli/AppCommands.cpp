@@ -4,10 +4,12 @@
 #include <fmt/format.h>
 
 #include "apps/AppCleanPreview.h"
+#include "apps/AppNames.h"
 #include "apps/ThirdPartyAppCacheManager.h"
 #include "cli/CleanRun.h"
 #include "cli/Command.h"
 #include "cli/Context.h"
+#include "cli/PreviewOutput.h"
 #include "cli/Wording.h"
 #include "platform/DispatchQueue.h"
 
@@ -100,6 +102,7 @@ std::expected<std::vector<std::string>, Failure> chosenApps(Context& context, co
 }
 
 Outcome cleanApps(Context& context, const Call& call) {
+    if (auto good = checkPreviewOptions(call); !good) return good;
     const bool dryRun = call.has("--dry-run");
     if (call.has("--all") != call.words("ID").empty())
         return wrongWords("name apps to clean, or say --all");
@@ -115,7 +118,12 @@ Outcome cleanApps(Context& context, const Call& call) {
     if (dryRun) {
         const auto preview = previewAppsClean(AppServices::shared(), *identifiers);
         if (!preview) return failed(preview.error());
-        showPreview(context.output(), *preview);
+        showPreview(
+            context.output(), *preview,
+            {.nameOf =
+                 [](const CleanPart& part) { return AppNames::sharedNames().nameOf(part.app); },
+             .paths = Holds::Path,
+             .full = call.has("--full")});
         return {};
     }
     ThirdPartyAppCacheManager& manager = ThirdPartyAppCacheManager::sharedManager();
@@ -138,6 +146,10 @@ Outcome cleanApps(Context& context, const Call& call) {
 
 void addAppCommands(Commands& commands) {
     constexpr const char* kGroup = "Apps";
+    std::vector<Option> cleanOptions{
+        {.name = "--all", .value = "", .help = "every third-party app that is not whitelisted"},
+        {.name = "--yes", .value = "", .help = "do it without a question"}};
+    addPreviewOptions(cleanOptions);
     commands.push_back(
         {.words = "apps",
          .group = kGroup,
@@ -151,13 +163,7 @@ void addAppCommands(Commands& commands) {
          .summary = "remove apps' caches, temporary files and web data",
          .positionals =
              {{.name = "ID", .help = "bundle identifiers", .many = true, .optional = true}},
-         .options = {{.name = "--all",
-                      .value = "",
-                      .help = "every third-party app that is not whitelisted"},
-                     {.name = "--yes", .value = "", .help = "do it without a question"},
-                     {.name = "--dry-run",
-                      .value = "",
-                      .help = "tell what would go and what stays; remove nothing"}},
+         .options = cleanOptions,
          .examples = {"sweepctl apps clean com.example.chat",
                       "sweepctl apps clean --all --dry-run"},
          .run = cleanApps});

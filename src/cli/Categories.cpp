@@ -37,6 +37,11 @@ std::span<const Category> categories() {
     return kCategories;
 }
 
+const Category* categoryOf(CleanType type) {
+    const auto* const found = std::ranges::find(kCategories, type, &Category::type);
+    return found == kCategories.end() ? nullptr : found;
+}
+
 const Category* categoryNamed(std::string_view word) {
     const auto* const found = std::ranges::find(kCategories, word, &Category::word);
     return found == kCategories.end() ? nullptr : found;

@@ -23,6 +23,9 @@ struct Category {
 /// The nine categories in the order of their values.
 std::span<const Category> categories();
 
+/// The one of that value; nullptr when it is none of the nine.
+const Category* categoryOf(CleanType type);
+
 /// The one that `word` names; nullptr when none does.
 const Category* categoryNamed(std::string_view word);
 

@@ -7,6 +7,8 @@
 #include "cli/CleanRun.h"
 #include "cli/Command.h"
 #include "cli/Context.h"
+#include "cli/PreviewOutput.h"
+#include "cli/Wording.h"
 #include "engine/CleanPreview.h"
 #include "engine/FileCleanerEngine.h"
 
@@ -35,10 +37,16 @@ class FailureCounter final : public CleanObserver {
     std::string first_;
 };
 
-Outcome previewed(Context& context, const platform::Result<CleanPreview>& preview) {
+std::string nameOf(const CleanPart& part) {
+    const Category* category = categoryOf(part.type);
+    return std::string(category != nullptr ? category->label : wording::kSystemCaches);
+}
+
+Outcome previewed(Context& context, const Call& call,
+                  const platform::Result<CleanPreview>& preview) {
     context.progress().clear();
     if (!preview) return failed(preview.error());
-    showPreview(context.output(), *preview);
+    showPreview(context.output(), *preview, {.nameOf = nameOf, .full = call.has("--full")});
     return {};
 }
 
@@ -55,12 +63,13 @@ Outcome runEngine(Context& context,
 }
 
 Outcome clean(Context& context, const Call& call) {
+    if (auto good = checkPreviewOptions(call); !good) return good;
     const std::string& word = call.word("CATEGORY");
     const Category* category = categoryNamed(word);
     const CleanType type = category != nullptr ? category->type : CleanType::All;
     if (call.has("--dry-run")) {
         context.progress().update("finding what would go", 0);
-        return previewed(context, previewClean(EngineServices::shared(), type));
+        return previewed(context, call, previewClean(EngineServices::shared(), type));
     }
     const std::string what =
         category != nullptr ? std::string(category->label) : "the data of all nine categories";
@@ -72,9 +81,10 @@ Outcome clean(Context& context, const Call& call) {
 }
 
 Outcome deepClean(Context& context, const Call& call) {
+    if (auto good = checkPreviewOptions(call); !good) return good;
     if (call.has("--dry-run")) {
         context.progress().update("finding what would go", 0);
-        return previewed(context, previewDeepClean(EngineServices::shared()));
+        return previewed(context, call, previewDeepClean(EngineServices::shared()));
     }
     if (auto sure = confirm("Remove the caches of the system?", call.has("--yes")); !sure) {
         return sure;
@@ -89,11 +99,8 @@ Outcome deepClean(Context& context, const Call& call) {
 
 void addCleanCommands(Commands& commands) {
     constexpr const char* kGroup = "Clean";
-    const std::vector<Option> options{
-        {.name = "--yes", .value = "", .help = "do it without a question"},
-        {.name = "--dry-run",
-         .value = "",
-         .help = "tell what would go and what stays; remove nothing"}};
+    std::vector<Option> options{{.name = "--yes", .value = "", .help = "do it without a question"}};
+    addPreviewOptions(options);
     commands.push_back(
         {.words = "clean",
          .group = kGroup,

@@ -46,30 +46,4 @@ Outcome runClean(Context& context, const CleanJob& job) {
     return std::unexpected(Failure{kOperationFailed, *end.error, true});
 }
 
-void showPreview(Output& output, const CleanPreview& preview) {
-    Json entries = Json::array();
-    Table table({{}, {.align = Align::Right}, {.holds = Holds::Path}});
-    for (const CleanPreview::Entry& entry : preview.entries) {
-        Json value = Json::object();
-        setPath(value, "path", entry.path);
-        value["size"] = entry.size;
-        entries.push_back(std::move(value));
-        table.row({"remove", sizeText(entry.size), entry.path});
-    }
-    Json kept = Json::array();
-    for (const CleanPreview::Kept& entry : preview.kept) {
-        Json value = Json::object();
-        setPath(value, "path", entry.path);
-        value["reason"] = keptReasonName(entry.reason);
-        setPath(value, "by", entry.by);
-        kept.push_back(std::move(value));
-        table.row({"keep", std::string(keptReasonName(entry.reason)), entry.path});
-    }
-    output.document(Json{{"wouldFree", preview.wouldFree},
-                         {"entries", std::move(entries)},
-                         {"kept", std::move(kept)}});
-    output.table(table);
-    output.line(fmt::format("would free {}", sizeText(preview.wouldFree)));
-}
-
 }  // namespace sweepwright::cli

@@ -3,10 +3,11 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <string>
 
 #include "cli/Context.h"
 #include "cli/Failure.h"
-#include "engine/CleanObserver.h"
+#include "platform/Error.h"
 
 namespace sweepwright::cli {
 
@@ -22,8 +23,5 @@ struct CleanJob {
 
 /// Runs a clean to its end or to the first interrupt, shows its progress and tells what it freed.
 Outcome runClean(Context& context, const CleanJob& job);
-
-/// Tells what a clean would do.
-void showPreview(Output& output, const CleanPreview& preview);
 
 }  // namespace sweepwright::cli

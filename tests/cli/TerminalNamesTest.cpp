@@ -99,7 +99,7 @@ std::vector<Words> callsThatShowNames() {
     std::vector<Words> calls{{"apps"},
                              {"apps", "clean", kWickedText, "--dry-run"},
                              {"deep-clean", "--dry-run"},
-                             {"apps", "clean", "--all", "--dry-run"},
+                             {"apps", "clean", "--all", "--dry-run", "--full"},
                              {"analyze", "apps"},
                              {"analyze", "large", "--min-size", "1"},
                              {"analyze", "large", "--folder", "/" + kWicked},
