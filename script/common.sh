@@ -41,7 +41,7 @@ jobs_at_once() { echo "${SWEEPWRIGHT_JOBS:-$(nproc)}"; }
 
 # known_preset NAME: whether CMakePresets.json has such a configure preset.
 known_preset() {
-    cmake --list-presets | grep -q "^  \"$1\""
+    grep -q "^  \"$1\"" <<< "$(cmake --list-presets)"
 }
 
 # step NAME WORDS...: runs one step of many and notes its time and outcome; finish tells them all.

@@ -38,7 +38,7 @@ CleanEnd awaitClean(Context& context, const CleanJob& job) {
 
 /// "10 B"; "up to 10 B; 2 entries could not be removed" where the figure may hold what stayed.
 std::string freedText(const CleanEnd& end, const CleanJob& job, const FailureList& failed) {
-    const std::string size = sizeText(end.cleanedBytes);
+    std::string size = sizeText(end.cleanedBytes);
     if (!job.countsWhatWasThere || failed.count == 0) return size;
     return fmt::format("up to {}; {} could not be removed", size,
                        counted(failed.count, "entry", "entries"));

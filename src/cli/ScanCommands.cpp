@@ -59,7 +59,7 @@ Table scanTable(const ScanResult& result, const WouldFree& wouldFree) {
     const auto add = [&](std::string_view word, std::uint64_t size, Cell bar) {
         std::vector<Cell> row{std::string(word), sizeText(size), percentText(size, total)};
         if (const auto found = wouldFree.find(word); found != wouldFree.end())
-            row.push_back(sizeText(found->second));
+            row.emplace_back(sizeText(found->second));
         row.push_back(std::move(bar));
         table.row(std::move(row));
     };

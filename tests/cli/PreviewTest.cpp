@@ -97,7 +97,8 @@ TEST(DryRunOnATerminal, AnAppsFolderIsShownByItsNameBesideItsPath) {
     const std::string data = installNamed(sweepctl.device(), "com.example.chat", "Chat");
     sweepctl.device().file(data + "/Documents/Exports/a", 10);
     sweepctl.device().file("/var/mobile/Library/Caches/com.apple.springboard/x", 20);
-    EXPECT_EQ(sweepctl.run({"custom-paths", "add", data + "/Documents/Exports", "--yes"}).status, 0);
+    EXPECT_EQ(sweepctl.run({"custom-paths", "add", data + "/Documents/Exports", "--yes"}).status,
+              0);
     const std::string screen = onTerminal(sweepctl, {"clean", "cache", "--dry-run"}, 120);
     EXPECT_THAT(screen, HasSubstr("SIZE  APP   PATH\n"));
     EXPECT_THAT(screen, HasSubstr("10 B  Chat  " + data + "/Documents/Exports/a\n"));
