@@ -16,6 +16,7 @@
 #include "cli/Context.h"
 #include "cli/SizedRows.h"
 #include "cli/Text.h"
+#include "cli/Translation.h"
 #include "cli/Wording.h"
 #include "engine/FileCleanerEngine.h"
 #include "engine/FolderAnalysis.h"
@@ -39,11 +40,11 @@ struct Subject {
 /// Tells a person what the figures are about; `own` says which of the app's own folders.
 void showSubject(Output& output, const Subject& subject, std::string_view about,
                  std::string (*own)(std::string_view home)) {
-    output.note(about);
+    output.note(translated(about));
     const std::string at =
         output.shown(subject.folder.value_or(platform::Device::current().homeDirectory()));
     output.note(subject.folder ? wording::inFolder(at) : own(at));
-    if (!subject.folder) output.note(wording::kWholeDevice);
+    if (!subject.folder) output.note(translated(wording::kWholeDevice));
     output.note("");
 }
 
@@ -59,7 +60,7 @@ void analyzeApps(Context& context, Subject& /*subject*/) {
     Table table = sizedTable();
     for (const AppEntry& app : apps)
         table.row({sizeText(app.size), app.path});
-    output.note(wording::kAboutBundles);
+    output.note(translated(wording::kAboutBundles));
     output.note("");
     output.table(table);
 }
@@ -122,7 +123,7 @@ void analyzeExtensions(Context& context, Subject& subject) {
         byExtension[replacingBadBytes(extension)] = size;
         table.row({sizeText(size), extension});
     }
-    table.row({sizeText(analysis.totalAnalyzed), "total"});
+    table.row({sizeText(analysis.totalAnalyzed), translated("total")});
     output.document(
         Json{{"byExtension", std::move(byExtension)}, {"totalAnalyzed", analysis.totalAnalyzed}});
     showSubject(output, subject, wording::kAboutExtensions, wording::inOwnFiles);
@@ -162,7 +163,7 @@ std::expected<Subject, Failure> subjectOf(Context& context, const Call& call) {
                     .folder = call.text("--folder")};
     if (!subject.folder) return subject;
     if (!subject.folder->starts_with('/'))
-        return wrongWords(*subject.folder + ": a device path begins with \"/\"");
+        return wrongWords(told("{}: a device path begins with \"/\"", *subject.folder));
     subject.inFolder = std::make_unique<FolderAnalysis>(EngineServices::shared(), *subject.folder,
                                                         &context.failures());
     if (auto ready = subject.inFolder->readiness(); !ready) return failed(ready.error());
@@ -172,9 +173,9 @@ std::expected<Subject, Failure> subjectOf(Context& context, const Call& call) {
 Outcome analyze(Context& context, const Call& call) {
     const std::string& what = call.word("WHAT");
     if (call.has("--min-size") && what != "large")
-        return wrongWords("--min-size goes with: sweepctl analyze large");
+        return wrongWords(translated("--min-size goes with: sweepctl analyze large"));
     if (call.has("--folder") && what == "apps")
-        return wrongWords("--folder does not go with: sweepctl analyze apps");
+        return wrongWords(translated("--folder does not go with: sweepctl analyze apps"));
     auto subject = subjectOf(context, call);
     if (!subject) return std::unexpected(subject.error());
     context.progress().update(what, 0);

@@ -13,6 +13,7 @@
 #include "cli/Context.h"
 #include "cli/KnownApps.h"
 #include "cli/PreviewOutput.h"
+#include "cli/Translation.h"
 #include "cli/Wording.h"
 #include "platform/DispatchQueue.h"
 
@@ -77,8 +78,8 @@ Outcome apps(Context& context, const Call& call) {
         document.push_back(appValue(app));
         const std::string name = app.appName.value_or("-");
         table.row({sizeText(app.totalSize), sizeText(app.cacheSize), sizeText(app.tmpSize), name,
-                   app.isSystemApp ? "system" : "third-party", app.bundleIdentifier.value_or("-"),
-                   name});
+                   translated(app.isSystemApp ? "system" : "third-party"),
+                   app.bundleIdentifier.value_or("-"), name});
     }
     context.output().document(document);
     context.output().table(table);
@@ -96,10 +97,9 @@ std::expected<std::vector<std::string>, Failure> chosenApps(Context& context, co
     for (const std::string& identifier : named) {
         if (whitelist.isAppInWhitelist(identifier))
             return failed({std::string(ThirdPartyAppCacheManager::kErrorDomain), 1,
-                           identifier +
-                               ": is whitelisted, so nothing was cleaned; first: sweepctl "
-                               "whitelist apps remove " +
-                               identifier});
+                           told("{0}: is whitelisted, so nothing was cleaned; first: sweepctl "
+                                "whitelist apps remove {0}",
+                                identifier)});
         if (const std::string why = whyUnknownApp(identifier); !why.empty())
             return failed({std::string(ThirdPartyAppCacheManager::kErrorDomain), 2, why});
     }
@@ -107,17 +107,18 @@ std::expected<std::vector<std::string>, Failure> chosenApps(Context& context, co
 }
 
 std::string cachesOf(const std::vector<std::string>& identifiers) {
-    if (identifiers.size() == 1) return "the caches of " + identifiers.front();
-    return fmt::format("the caches of {} apps", identifiers.size());
+    if (identifiers.size() == 1) return told("the caches of {}", identifiers.front());
+    return told("the caches of {} apps", identifiers.size());
 }
 
 Outcome cleanApps(Context& context, const Call& call) {
     if (auto good = checkPreviewOptions(call); !good) return good;
     if (call.has("--all") != call.words("ID").empty())
-        return wrongWords("name apps to clean, or say --all");
+        return wrongWords(translated("name apps to clean, or say --all"));
     const bool sure = call.has("--yes");
     if (!call.has("--dry-run")) {
-        if (auto answerable = requireAnswerable(kRemovesData, sure); !answerable) return answerable;
+        if (auto answerable = requireAnswerable(removesData(), sure); !answerable)
+            return answerable;
     }
     const auto identifiers = chosenApps(context, call);
     if (!identifiers) return std::unexpected(identifiers.error());

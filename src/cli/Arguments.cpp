@@ -15,6 +15,7 @@
 #include <fmt/ranges.h>
 
 #include "cli/Suggestion.h"
+#include "cli/Translation.h"
 
 namespace sweepwright::cli {
 
@@ -28,8 +29,8 @@ std::string calledAs(const std::string& commandWords) {
 }
 
 std::string seeHelp(const std::string& commandWords) {
-    return fmt::format("see {}{}{} --help", kProgram, commandWords.empty() ? "" : " ",
-                       commandWords);
+    return told("see {} --help",
+                commandWords.empty() ? kProgram : fmt::format("{} {}", kProgram, commandWords));
 }
 
 /// The value of a switch that takes one; none when it is no word for yes or no.
@@ -138,7 +139,7 @@ class Parser {
     Outcome readGlobalOptions(Invocation& invocation) const {
         if (const auto word = value("--json")) {
             const auto wanted = readSwitch(*word);
-            if (!wanted) return wrongWords(fmt::format("--json is yes or no, not \"{}\"", *word));
+            if (!wanted) return wrongWords(told("--json is yes or no, not \"{}\"", *word));
             invocation.json = *wanted;
         }
         invocation.progress = !given("--no-progress");
@@ -150,8 +151,7 @@ class Parser {
         if (given("--version")) invocation.kind = Invocation::Kind::Version;
         if (const auto idiom = value("--idiom")) {
             if (*idiom != "iphone" && *idiom != "ipad") {
-                return wrongWords(
-                    fmt::format("--idiom must be iphone or ipad, not \"{}\"", *idiom));
+                return wrongWords(told("--idiom must be iphone or ipad, not \"{}\"", *idiom));
             }
             invocation.global.idiom =
                 *idiom == "ipad" ? platform::Idiom::Pad : platform::Idiom::Phone;
@@ -166,20 +166,20 @@ class Parser {
         if (extras.empty()) return {};
         const std::string& extra = extras.front();
         if (extra.size() > 1 && extra.starts_with('-')) {
-            return wrongWords(fmt::format("{} has no option {}; {}", calledAs(commandWords), extra,
-                                          seeHelp(commandWords)));
+            return wrongWords(told("{} has no option {}; {}", calledAs(commandWords), extra,
+                                   seeHelp(commandWords)));
         }
         std::vector<std::string> known;
         for (const CLI::App* node : chosen.get_subcommands({}))
             known.push_back(node->get_name());
         if (known.empty()) {
-            return wrongWords(fmt::format("{} has no use for \"{}\"; {}", calledAs(commandWords),
-                                          extra, seeHelp(commandWords)));
+            return wrongWords(told("{} has no use for \"{}\"; {}", calledAs(commandWords), extra,
+                                   seeHelp(commandWords)));
         }
         const auto meant = nearest(extra, known);
-        return wrongWords(fmt::format(
-            "{} has no command \"{}\"; {}", calledAs(commandWords), extra,
-            meant ? fmt::format("did you mean \"{}\"?", *meant) : seeHelp(commandWords)));
+        return wrongWords(
+            told("{} has no command \"{}\"; {}", calledAs(commandWords), extra,
+                 meant ? told("did you mean \"{}\"?", *meant) : seeHelp(commandWords)));
     }
 
     static std::unexpected<Failure> missingCommand(const CLI::App& chosen,
@@ -187,9 +187,9 @@ class Parser {
         std::vector<std::string> known;
         for (const CLI::App* node : chosen.get_subcommands({}))
             known.push_back(node->get_name());
-        if (commandWords.empty()) return wrongWords("no command is given; " + seeHelp(""));
-        return wrongWords(fmt::format("{} needs one of: {}; {}", calledAs(commandWords),
-                                      fmt::join(known, ", "), seeHelp(commandWords)));
+        if (commandWords.empty()) return wrongWords(told("no command is given; {}", seeHelp("")));
+        return wrongWords(told("{} needs one of: {}; {}", calledAs(commandWords),
+                               fmt::join(known, ", "), seeHelp(commandWords)));
     }
 
     static Outcome readCommand(const CLI::App& node, const Command& command, Call& call) {
@@ -206,7 +206,7 @@ class Parser {
             }
             const std::string value = node.get_option(option.name)->results().back();
             if (option.isText) {
-                if (value.empty()) return wrongWords(option.name + " may not be empty");
+                if (value.empty()) return wrongWords(told("{} may not be empty", option.name));
                 call.setOption(option.name, value);
                 continue;
             }
@@ -225,26 +225,25 @@ class Parser {
         if (bad == std::errc() && stop == end && number >= option.least && number <= option.most) {
             return number;
         }
-        const bool bounded = option.most != std::numeric_limits<std::uint64_t>::max();
-        return wrongWords(fmt::format("{} must be a whole number {}, not \"{}\"", option.name,
-                                      bounded
-                                          ? fmt::format("from {} to {}", option.least, option.most)
-                                          : fmt::format("of at least {}", option.least),
-                                      text));
+        if (option.most == std::numeric_limits<std::uint64_t>::max())
+            return wrongWords(told("{} must be a whole number of at least {}, not \"{}\"",
+                                   option.name, option.least, text));
+        return wrongWords(told("{} must be a whole number from {} to {}, not \"{}\"", option.name,
+                               option.least, option.most, text));
     }
 
     static Outcome checkWords(const Command& command, const Positional& positional,
                               const std::vector<std::string>& words) {
         if (words.empty() && !positional.optional) {
-            return wrongWords(fmt::format("{} needs {}; {}", calledAs(command.words),
-                                          positional.name, seeHelp(command.words)));
+            return wrongWords(told("{} needs {}; {}", calledAs(command.words), positional.name,
+                                   seeHelp(command.words)));
         }
         for (const std::string& word : words) {
-            if (word.empty()) return wrongWords(positional.name + " may not be empty");
+            if (word.empty()) return wrongWords(told("{} may not be empty", positional.name));
             if (!positional.choices.empty() &&
                 std::ranges::find(positional.choices, word) == positional.choices.end()) {
-                return wrongWords(fmt::format("{} must be one of {}, not \"{}\"", positional.name,
-                                              fmt::join(positional.choices, ", "), word));
+                return wrongWords(told("{} must be one of {}, not \"{}\"", positional.name,
+                                       fmt::join(positional.choices, ", "), word));
             }
         }
         return {};

@@ -9,6 +9,7 @@
 #include "cli/Command.h"
 #include "cli/Context.h"
 #include "cli/PreviewOutput.h"
+#include "cli/Translation.h"
 #include "cli/Wording.h"
 #include "engine/CleanPreview.h"
 #include "engine/FileCleanerEngine.h"
@@ -19,7 +20,7 @@ namespace {
 
 std::string nameOf(const CleanPart& part) {
     const Category* category = categoryOf(part.type);
-    return std::string(category != nullptr ? category->label : wording::kSystemCaches);
+    return translated(category != nullptr ? category->label : wording::kSystemCaches);
 }
 
 Outcome previewed(Context& context, const Call& call,
@@ -42,12 +43,12 @@ Outcome clean(Context& context, const Call& call) {
         const std::uint64_t scanned = preview ? scannedSize(context.engine(), category) : 0;
         auto shown = previewed(context, call, preview);
         if (shown && scanned != preview->wouldFree)
-            context.output().line(fmt::format("a scan counts {} there", sizeText(scanned)));
+            context.output().line(told("a scan counts {} there", sizeText(scanned)));
         return shown;
     }
     const CleanQuestion question{
-        .from = category != nullptr ? std::string(category->label)
-                                    : fmt::format("{} categories", categories().size()),
+        .from = category != nullptr ? translated(category->label)
+                                    : told("{} categories", categories().size()),
         .emptiesCustomPaths = type == CleanType::Cache || type == CleanType::All,
         .dryRun = dryRun};
     if (auto sure = confirmClean(context, question, call.has("--yes")); !sure) return sure;
@@ -67,9 +68,9 @@ Outcome deepClean(Context& context, const Call& call) {
     };
     if (call.has("--dry-run"))
         return previewed(context, call, findWhatWouldGo(context, dryRun, &context.failures()));
-    const CleanQuestion question{.from = "the caches of the system", .dryRun = dryRun};
+    const CleanQuestion question{.from = translated("the caches of the system"), .dryRun = dryRun};
     if (auto sure = confirmClean(context, question, call.has("--yes")); !sure) return sure;
-    context.progress().update("caches of the system", 0);
+    context.progress().update(translated(wording::kSystemCaches), 0);
     FileCleanerEngine& engine = context.engine();
     return runClean(context, {.start =
                                   [&](const CleanProgress&, CleanCompletion completion) {

@@ -6,6 +6,7 @@
 #include "cli/Confirmation.h"
 #include "cli/PersonalPaths.h"
 #include "cli/Text.h"
+#include "cli/Translation.h"
 #include "protection/CustomPathManager.h"
 
 namespace sweepwright::cli {
@@ -24,9 +25,13 @@ std::vector<std::string> describedCustomPaths() {
 
 }  // namespace
 
+std::string removesData() {
+    return translated("this removes data");
+}
+
 platform::Result<CleanPreview> findWhatWouldGo(Context& context, const DryRun& dryRun,
                                                CleanObserver* observer) {
-    context.progress().update("finding what would go", 0);
+    context.progress().update(translated("finding what would go"), 0);
     auto preview = dryRun(observer);
     context.progress().clear();
     return preview;
@@ -36,18 +41,18 @@ Outcome confirmClean(Context& context, const CleanQuestion& clean, bool sure) {
     const auto question = [&]() -> std::expected<Confirmation::Lines, Failure> {
         const auto preview = findWhatWouldGo(context, clean.dryRun);
         if (!preview) return failed(preview.error());
-        Confirmation::Lines lines{"Device: " + context.device()};
+        Confirmation::Lines lines{told("Device: {}", context.device())};
         if (clean.emptiesCustomPaths) {
             const auto paths = describedCustomPaths();
-            if (!paths.empty())
-                lines.push_back(fmt::format("Custom paths: {}", fmt::join(paths, ", ")));
+            if (!paths.empty()) lines.push_back(told("Custom paths: {}", fmt::join(paths, ", ")));
         }
-        lines.push_back(fmt::format("Remove {} in {} from {}?", sizeText(preview->wouldFree),
-                                    counted(preview->entries.size(), "entry", "entries"),
-                                    clean.from));
+        lines.push_back(told("Remove {} in {} from {}?", sizeText(preview->wouldFree),
+                             counted(preview->entries.size(), "entry", "entries"), clean.from));
         return lines;
     };
-    return confirm({.why = kRemovesData, .otherwise = "nothing was removed", .question = question},
+    return confirm({.why = removesData(),
+                    .otherwise = translated("nothing was removed"),
+                    .question = question},
                    sure);
 }
 

@@ -10,7 +10,7 @@
 namespace sweepwright::cli {
 
 /// Why a clean needs a yes.
-inline constexpr const char* kRemovesData = "this removes data";
+std::string removesData();
 
 /// The dry run of a clean; `observer`, if there is one, hears of the folders that can't be read.
 using DryRun = std::function<platform::Result<CleanPreview>(CleanObserver* observer)>;

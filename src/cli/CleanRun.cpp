@@ -6,6 +6,7 @@
 
 #include "cli/FailureReport.h"
 #include "cli/Text.h"
+#include "cli/Translation.h"
 #include "platform/DispatchQueue.h"
 
 namespace sweepwright::cli {
@@ -40,8 +41,8 @@ CleanEnd awaitClean(Context& context, const CleanJob& job) {
 std::string freedText(const CleanEnd& end, const CleanJob& job, const FailureList& failed) {
     std::string size = sizeText(end.cleanedBytes);
     if (!job.countsWhatWasThere || failed.count == 0) return size;
-    return fmt::format("up to {}; {} could not be removed", size,
-                       counted(failed.count, "entry", "entries"));
+    return told("up to {}; {} could not be removed", size,
+                counted(failed.count, "entry", "entries"));
 }
 
 }  // namespace
@@ -55,8 +56,9 @@ Outcome runClean(Context& context, const CleanJob& job) {
     const bool stopped = context.interruption().signal().has_value();
     const Failures& failures = context.failures();
     const FailureList failed = failures.failedEntries();
-    output.line(fmt::format("freed {}{}", freedText(end, job, failed),
-                            stopped ? " before it was interrupted" : ""));
+    const std::string freed = freedText(end, job, failed);
+    output.line(stopped ? told("freed {} before it was interrupted", freed)
+                        : told("freed {}", freed));
     if (end.error) return std::unexpected(Failure{kOperationFailed, *end.error, true});
     if (failed.count + failures.unreadableFolders().count > 0) return leftSomething();
     return {};

@@ -5,6 +5,7 @@
 
 #include <fmt/format.h>
 
+#include "cli/Translation.h"
 #include "platform/ControlText.h"
 #include "platform/FileManager.h"
 #include "platform/Terminal.h"
@@ -35,7 +36,7 @@ Outcome requireAnswerable(const std::string& why, bool sure) {
     if (sure || (platform::isTerminal(StandardStream::Input) &&
                  platform::isTerminal(StandardStream::Error)))
         return {};
-    return wrongWords(why + ": add --yes to do it without a question");
+    return wrongWords(told("{}: add --yes to do it without a question", why));
 }
 
 Outcome confirm(const Confirmation& confirmation, bool sure) {
@@ -44,7 +45,8 @@ Outcome confirm(const Confirmation& confirmation, bool sure) {
     const auto question = confirmation.question();
     if (!question) return std::unexpected(question.error());
     if (agrees(*question)) return {};
-    return failed({"CommandLine", kOperationFailed, "not confirmed; " + confirmation.otherwise});
+    return failed(
+        {"CommandLine", kOperationFailed, told("not confirmed; {}", confirmation.otherwise)});
 }
 
 }  // namespace sweepwright::cli

@@ -5,6 +5,7 @@
 
 #include <fmt/format.h>
 
+#include "cli/Translation.h"
 #include "platform/FileManager.h"
 
 namespace sweepwright::cli {
@@ -25,18 +26,17 @@ bool varLeadsToPrivate() {
 
 Outcome checkDevicePath(const std::string& path) {
     if (!path.starts_with('/')) {
-        return wrongWords(fmt::format("{}: a device path begins with \"/\"", path));
+        return wrongWords(told("{}: a device path begins with \"/\"", path));
     }
     if (path.find_first_not_of('/') == std::string::npos) {
-        return wrongWords(fmt::format("{}: is the whole device", path));
+        return wrongWords(told("{}: is the whole device", path));
     }
     if (hasUnclearComponents(path)) {
-        return wrongWords(
-            fmt::format("{}: write the path without \".\", \"..\" and doubled \"/\"", path));
+        return wrongWords(told("{}: write the path without \".\", \"..\" and doubled \"/\"", path));
     }
     if ((path + "/").starts_with("/private/var/") && varLeadsToPrivate()) {
-        return wrongWords(fmt::format("{}: write the path as {}, the name it is protected by", path,
-                                      path.substr(std::string_view("/private").size())));
+        return wrongWords(told("{}: write the path as {}, the name it is protected by", path,
+                               path.substr(std::string_view("/private").size())));
     }
     return {};
 }

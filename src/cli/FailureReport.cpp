@@ -6,6 +6,7 @@
 #include <fmt/format.h>
 
 #include "cli/Text.h"
+#include "cli/Translation.h"
 
 namespace sweepwright::cli {
 
@@ -39,12 +40,12 @@ Json failureKeys(const Failures& failures) {
 /// `what` reads "2 folders could not be read".
 void tellList(const FailureList& list, const std::string& what, bool all) {
     if (list.count == 0) return;
-    if (!all) return complain(fmt::format("{}, first: {}", what, list.entries.front().reason));
+    if (!all) return complain(told("{}, first: {}", what, list.entries.front().reason));
     complain(what + ":");
     for (const FailureList::Entry& entry : list.entries)
         complain("  " + entry.reason);
     if (list.count > list.entries.size())
-        complain(fmt::format("  and {} more", list.count - list.entries.size()));
+        complain(told("  and {} more", list.count - list.entries.size()));
 }
 
 }  // namespace
@@ -55,11 +56,13 @@ void tellFailures(Output& output, const Failures& failures, bool all) {
     const bool documented = output.addToDocument(keys);
     const bool each = all || (output.json() && !documented);
     const FailureList folders = failures.unreadableFolders();
-    tellList(folders, counted(folders.count, "folder", "folders") + " could not be read", each);
+    tellList(folders, told("{} could not be read", counted(folders.count, "folder", "folders")),
+             each);
     const FailureList entries = failures.failedEntries();
-    tellList(entries, counted(entries.count, "entry", "entries") + " could not be removed", each);
+    tellList(entries, told("{} could not be removed", counted(entries.count, "entry", "entries")),
+             each);
     if (const auto error = failures.recordError())
-        complain("this clean could not be recorded: " + error->description);
+        complain(told("this clean could not be recorded: {}", error->description));
 }
 
 }  // namespace sweepwright::cli

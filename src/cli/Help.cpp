@@ -8,6 +8,7 @@
 #include <fmt/ranges.h>
 
 #include "cli/Text.h"
+#include "cli/Translation.h"
 
 namespace sweepwright::cli {
 
@@ -86,11 +87,16 @@ std::string commandList(const Commands& commands) {
     for (const std::string& group : groups) {
         std::vector<Entry> list;
         for (const Command& command : commands) {
-            if (command.group == group) list.emplace_back(usage(command), command.summary);
+            if (command.group == group)
+                list.emplace_back(usage(command), translated(command.summary));
         }
-        text += fmt::format("{}:\n{}\n", group, entries(list));
+        text += fmt::format("{}\n{}\n", told("{}:", translated(group)), entries(list));
     }
     return text;
+}
+
+std::string exampleList(const std::vector<std::string>& examples) {
+    return fmt::format("{}\n  {}\n", translated("Examples:"), fmt::join(examples, "\n  "));
 }
 
 std::string programHelp(const Commands& commands) {
@@ -98,19 +104,20 @@ std::string programHelp(const Commands& commands) {
     for (const Command& command : commands) {
         if (!command.examples.empty()) examples.push_back(command.examples.front());
     }
-    return fmt::format(
-        "sweepctl - measures and cleans the storage of an iPhone or iPad\n\n"
-        "Usage: sweepctl [OPTIONS] COMMAND [ARGS]\n\n"
-        "{}{}\nExamples:\n  {}\n\n{}",
-        commandList(commands), kGlobalOptions, fmt::join(examples, "\n  "), kClosing);
+    return fmt::format("sweepctl - {}\n\n{} sweepctl [OPTIONS] COMMAND [ARGS]\n\n{}{}\n{}\n{}",
+                       translated("measures and cleans the storage of an iPhone or iPad"),
+                       translated("Usage:"), commandList(commands),
+                       translated(kGlobalOptions, "options of every command"),
+                       exampleList(examples), translated(kClosing, "exit statuses"));
 }
 
 std::string commandHelp(const Command& command) {
-    std::string text = fmt::format("sweepctl {} - {}\n\nUsage: sweepctl [OPTIONS] {}\n",
-                                   command.words, command.summary, usage(command));
+    std::string text =
+        fmt::format("sweepctl {} - {}\n\n{} sweepctl [OPTIONS] {}\n", command.words,
+                    translated(command.summary), translated("Usage:"), usage(command));
     std::vector<Entry> list;
     for (const Positional& positional : command.positionals) {
-        std::string help = positional.help;
+        std::string help = translated(positional.help);
         if (!positional.choices.empty()) {
             help += fmt::format(": {}", fmt::join(positional.choices, ", "));
         }
@@ -118,13 +125,12 @@ std::string commandHelp(const Command& command) {
     }
     for (const Option& option : command.options) {
         list.emplace_back(option.name + (option.value.empty() ? "" : " " + option.value),
-                          option.help);
+                          translated(option.help));
     }
     if (!list.empty()) text += "\n" + entries(list);
-    if (!command.examples.empty()) {
-        text += fmt::format("\nExamples:\n  {}\n", fmt::join(command.examples, "\n  "));
-    }
-    return text + "\nThe options of every command: sweepctl --help\n";
+    if (!command.examples.empty()) text += "\n" + exampleList(command.examples);
+    return fmt::format("{}\n{}\n", text,
+                       translated("The options of every command: sweepctl --help"));
 }
 
 }  // namespace

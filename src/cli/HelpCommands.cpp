@@ -9,6 +9,7 @@
 #include "cli/Context.h"
 #include "cli/Help.h"
 #include "cli/Suggestion.h"
+#include "cli/Translation.h"
 
 namespace sweepwright::cli {
 
@@ -26,8 +27,8 @@ Outcome help(Context& context, const Call& call) {
     std::ranges::transform(commands, known.begin(), &Command::words);
     const auto meant = nearest(words, known);
     return wrongWords(
-        fmt::format("there is no command \"{}\"; {}", words,
-                    meant ? fmt::format("did you mean \"{}\"?", *meant) : "see sweepctl --help"));
+        told("there is no command \"{}\"; {}", words,
+             meant ? told("did you mean \"{}\"?", *meant) : told("see {} --help", "sweepctl")));
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include "cli/Context.h"
 #include "cli/ReadableDefaults.h"
 #include "cli/Text.h"
+#include "cli/Translation.h"
 #include "cli/Wording.h"
 #include "platform/DateText.h"
 #include "protection/CleanHistoryManager.h"
@@ -60,9 +61,9 @@ Outcome history(Context& context, const Call& call) {
 
 Outcome confirmDeleting(std::size_t count, std::size_t stored, bool sure) {
     const std::string question =
-        fmt::format("Delete {} of {}?", count, counted(stored, "record", "records"));
-    return confirm({.why = "this deletes records",
-                    .otherwise = "no record was deleted",
+        told("Delete {} of {}?", count, counted(stored, "record", "records"));
+    return confirm({.why = translated("this deletes records"),
+                    .otherwise = translated("no record was deleted"),
                     .question = Confirmation::asking({question})},
                    sure);
 }
@@ -74,9 +75,9 @@ Outcome deleteHistory(Context& context, const Call& call) {
     const auto stored = manager.getAllCleanHistory();
     for (const std::string& identifier : identifiers) {
         if (std::ranges::find(stored, identifier, &CleanHistoryItem::identifier) == stored.end())
-            return failed({"CleanHistoryManager", -1,
-                           identifier + ": no recorded clean has this identifier; none was "
-                                        "deleted"});
+            return failed(
+                {"CleanHistoryManager", -1,
+                 told("{}: no recorded clean has this identifier; none was deleted", identifier)});
     }
     if (auto agreed = confirmDeleting(identifiers.size(), stored.size(), call.has("--yes"));
         !agreed)
@@ -87,7 +88,7 @@ Outcome deleteHistory(Context& context, const Call& call) {
         item.identifier = identifier;
         if (auto deleted = manager.deleteHistoryItem(item); !deleted)
             return failed(deleted.error());
-        table.row({"deleted", identifier});
+        table.row({translated("deleted"), identifier});
     }
     showRest(context.output());
     context.output().table(table);
@@ -101,7 +102,7 @@ Outcome clearHistory(Context& context, const Call& call) {
     if (auto agreed = confirmDeleting(count, count, call.has("--yes")); !agreed) return agreed;
     if (auto cleared = manager.clearAllHistory(); !cleared) return failed(cleared.error());
     showRest(context.output());
-    context.output().line("deleted " + counted(count, "record", "records"));
+    context.output().line(told("deleted {}", counted(count, "record", "records")));
     return {};
 }
 
@@ -124,14 +125,15 @@ Outcome stats(Context& context, const Call& /*call*/) {
                  {.title = wording::kFreed, .align = Align::Right},
                  {.title = wording::kCleans, .align = Align::Right},
                  {.title = wording::kLastClean, .holds = Holds::Text}});
-    table.row({"history", sizeText(kept.totalCleanedBytes), std::to_string(kept.totalCleanCount),
+    table.row({translated("history"), sizeText(kept.totalCleanedBytes),
+               std::to_string(kept.totalCleanCount),
                kept.lastCleanDate ? platform::dateText(*kept.lastCleanDate) : "-"});
-    table.row({"running", sizeText(running.totalCleanedBytes), std::to_string(running.cleanCount),
-               running.lastCleanDate.value_or("-")});
+    table.row({translated("running"), sizeText(running.totalCleanedBytes),
+               std::to_string(running.cleanCount), running.lastCleanDate.value_or("-")});
     context.output().table(table);
-    for (const std::string_view explanation :
-         {std::string_view(), wording::kStatsHistory, wording::kStatsRunning})
-        context.output().note(explanation);
+    context.output().note("");
+    for (const std::string_view explanation : {wording::kStatsHistory, wording::kStatsRunning})
+        context.output().note(translated(explanation));
     return {};
 }
 

@@ -8,6 +8,7 @@
 
 #include "apps/ThirdPartyAppCacheManager.h"
 #include "cli/Suggestion.h"
+#include "cli/Translation.h"
 #include "platform/FileManager.h"
 
 namespace sweepwright::cli {
@@ -33,8 +34,8 @@ std::string whyUnknownApp(const std::string& identifier) {
     const auto known = manager.installedIdentifiers();
     auto meant = nearest(identifier, known);
     if (!meant) meant = onlyOneWith(identifier, known);
-    return fmt::format("{}: no app with this identifier is installed; {}", identifier,
-                       meant ? fmt::format("did you mean \"{}\"?", *meant) : "see sweepctl apps");
+    return told("{}: no app with this identifier is installed; {}", identifier,
+                meant ? told("did you mean \"{}\"?", *meant) : translated("see sweepctl apps"));
 }
 
 }  // namespace sweepwright::cli

@@ -10,6 +10,7 @@
 #include "cli/Command.h"
 #include "cli/Context.h"
 #include "cli/SizedRows.h"
+#include "cli/Translation.h"
 #include "cli/Wording.h"
 #include "engine/FileCleanerEngine.h"
 #include "platform/Device.h"
@@ -37,8 +38,9 @@ Outcome listCategory(Context& context, const Call& call) {
     const Category* category = categoryNamed(call.word("CATEGORY"));
     Output& output = context.output();
     if (category->type == CleanType::OfflineData)
-        return wrongWords("offline-data has no list of files; try: sweepctl size offline-data");
-    context.progress().update(category->label, 0);
+        return wrongWords(
+            translated("offline-data has no list of files; try: sweepctl size offline-data"));
+    context.progress().update(translated(category->label), 0);
     if (category->type == CleanType::Cache) {
         Json document = Json::array();
         Table table = sizedTable();
@@ -66,8 +68,8 @@ void tellWhoseDisk(Output& output) {
     const platform::DeviceRoot& root = *platform::Device::current().root();
     const auto mount = root.mountAbove();
     if (!mount) return;
-    output.line(fmt::format("of the disk mounted at {}, on which {} is a folder",
-                            Output::shown(*mount), Output::shown(root.hostFolder())));
+    output.line(told("of the disk mounted at {}, on which {} is a folder", Output::shown(*mount),
+                     Output::shown(root.hostFolder())));
 }
 
 Outcome storage(Context& context, const Call& /*call*/) {
@@ -92,12 +94,13 @@ Outcome storage(Context& context, const Call& /*call*/) {
     Table table({{.title = wording::kSpace},
                  {.title = wording::kSize, .align = Align::Right},
                  {.title = wording::kShare, .align = Align::Right}});
-    table.row({"total", info->totalSpaceFormatted, ""});
-    table.row({"used", info->usedSpaceFormatted, fmt::format("{:.1f}%", info->usagePercentage)});
-    table.row({"used-with-reserve", info->userUsedSpaceFormatted,
+    table.row({translated("total"), info->totalSpaceFormatted, ""});
+    table.row({translated("used"), info->usedSpaceFormatted,
+               fmt::format("{:.1f}%", info->usagePercentage)});
+    table.row({translated("used-with-reserve"), info->userUsedSpaceFormatted,
                fmt::format("{:.1f}%", info->userUsagePercentage)});
-    table.row({"free", info->freeSpaceFormatted, ""});
-    table.row({"available", info->availableSpaceFormatted, ""});
+    table.row({translated("free", "free space"), info->freeSpaceFormatted, ""});
+    table.row({translated("available"), info->availableSpaceFormatted, ""});
     context.output().table(table);
     tellWhoseDisk(context.output());
     return {};

@@ -7,6 +7,7 @@
 #include <fmt/format.h>
 
 #include "cli/Text.h"
+#include "cli/Translation.h"
 #include "cli/Wording.h"
 #include "engine/StorageAnalyzer.h"
 #include "platform/ControlText.h"
@@ -44,7 +45,7 @@ void Output::note(std::string_view text) {
 
 void Output::table(const Table& table) {
     if (json_) return;
-    if (toPerson() && table.empty()) return line(wording::kNothing);
+    if (toPerson() && table.empty()) return line(translated(wording::kNothing));
     pending_ += table.text(page());
 }
 

@@ -11,6 +11,7 @@
 
 #include "cli/Json.h"
 #include "cli/SizedRows.h"
+#include "cli/Translation.h"
 #include "cli/Wording.h"
 
 namespace sweepwright::cli {
@@ -77,7 +78,7 @@ void showKept(Output& output, std::vector<Kept> kept, std::size_t most) {
     std::size_t ofReason = 0;
     for (std::size_t i = 0; i < kept.size(); ++i) {
         const KeptReason reason = kept[i].reason;
-        if (ofReason++ < most) table.row({std::string(keptReasonName(reason)), kept[i].path});
+        if (ofReason++ < most) table.row({translated(keptReasonName(reason)), kept[i].path});
         if (i + 1 < kept.size() && kept[i + 1].reason == reason) continue;
         if (ofReason > most) table.remark(wording::moreEntries(ofReason - most));
         ofReason = 0;
@@ -130,7 +131,7 @@ void addPreviewOptions(std::vector<Option>& options) {
 
 Outcome checkPreviewOptions(const Call& call) {
     if (call.has("--full") && !call.has("--dry-run"))
-        return wrongWords("--full goes with --dry-run");
+        return wrongWords(translated("--full goes with --dry-run"));
     return {};
 }
 
@@ -141,7 +142,7 @@ void showPreview(Output& output, const CleanPreview& preview, const PreviewView&
     } else {
         showToProgram(output, preview);
     }
-    output.line(fmt::format("would free {}", sizeText(preview.wouldFree)));
+    output.line(told("would free {}", sizeText(preview.wouldFree)));
 }
 
 }  // namespace sweepwright::cli

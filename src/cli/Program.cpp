@@ -14,6 +14,7 @@
 #include "cli/Context.h"
 #include "cli/FailureReport.h"
 #include "cli/Help.h"
+#include "cli/Translation.h"
 #include "platform/Log.h"
 #include "platform/Terminal.h"
 
@@ -31,8 +32,8 @@ void report(Output& output, const Failure& failure) {
 
 /// Whoever names no device should not take what they see for their own.
 std::string nameOf(const launch::DeviceChoice& choice) {
-    if (choice.isSampleDevice) return "the sample device in " + choice.options.rootFolder;
-    return platform::runsOnDevice() ? "this device" : choice.options.rootFolder;
+    if (choice.isSampleDevice) return told("the sample device in {}", choice.options.rootFolder);
+    return platform::runsOnDevice() ? translated("this device") : choice.options.rootFolder;
 }
 
 /// The device the call names; none of the sample device is left when its making is interrupted.
@@ -54,16 +55,17 @@ Outcome openDevice(const Invocation& invocation, Context& context) {
     const auto choice = chooseDevice(invocation, context);
     if (!choice) return unusable(choice.error());
     if (context.interruption().signal())
-        return failed({"CommandLine", kOperationFailed, "interrupted; nothing was done"});
+        return failed(
+            {"CommandLine", kOperationFailed, translated("interrupted; nothing was done")});
     if (auto opened = launch::openCurrentDevice(choice->options); !opened)
         return unusable(opened.error());
     if (choice->made) {
-        complain(fmt::format("made a sample device of {} files ({}) in {}", choice->made->files,
-                             sizeText(choice->made->bytes), choice->options.rootFolder));
+        complain(told("made a sample device of {} files ({}) in {}", choice->made->files,
+                      sizeText(choice->made->bytes), choice->options.rootFolder));
     }
     context.setDevice(nameOf(*choice));
     if (choice->isSampleDevice)
-        remark(fmt::format("working on {}; --device-root names another", context.device()));
+        remark(told("working on {}; --device-root names another", context.device()));
     return {};
 }
 
@@ -104,6 +106,7 @@ void showText(Output& output, const Commands& commands, const Invocation& invoca
 }  // namespace
 
 int runProgram(const std::vector<std::string>& words) {
+    if (!asksForJson(words) && chineseIsWanted()) speakChinese();
     const Commands commands = allCommands();
     const auto invocation = parseArguments(commands, words);
     const bool json = invocation ? invocation->json : asksForJson(words);

@@ -15,6 +15,7 @@
 #include "cli/KnownApps.h"
 #include "cli/PersonalPaths.h"
 #include "cli/Text.h"
+#include "cli/Translation.h"
 #include "cli/Wording.h"
 #include "protection/AppWhitelistManager.h"
 #include "protection/CustomPathManager.h"
@@ -68,13 +69,13 @@ Outcome show(const StoredList& list, Context& context) {
     showDocument(list, context.output());
     Output& output = context.output();
     const Words builtIn = list.builtIn();
-    const std::string user = builtIn.empty() ? "" : "user";
+    const std::string user = builtIn.empty() ? "" : translated("user");
     Table table(
         {{.title = wording::kOrigin, .reader = builtIn.empty() ? Reader::Person : Reader::Everyone},
          {.title = wording::kApp, .holds = Holds::Text, .reader = Reader::Person},
          list.column});
     for (const std::string& entry : builtIn)
-        table.row({"built-in", "", entry});
+        table.row({translated("built-in"), "", entry});
     for (const std::string& entry : list.entries())
         table.row({user, list.nameOf && output.toPerson() ? list.nameOf(entry) : "", entry});
     output.table(table);
@@ -93,9 +94,9 @@ Outcome change(const StoredList& list, Context& context, const Words& words, boo
             return failed(changed.error());
         }
         if (adding) {
-            table.row({present ? "already there" : "added", word});
+            table.row({translated(present ? "already there" : "added"), word});
         } else {
-            table.row({present ? "removed" : "was not there", word});
+            table.row({translated(present ? "removed" : "was not there"), word});
         }
     }
     showDocument(list, context.output());
@@ -116,9 +117,9 @@ Outcome warn(const StoredList& list, const Words& words, bool sure) {
         return {};
     }
     Confirmation::Lines lines = warnings;
-    lines.emplace_back(words.size() == 1 ? "Add it?" : "Add them all?");
+    lines.push_back(translated(words.size() == 1 ? "Add it?" : "Add them all?"));
     return confirm({.why = fmt::format("{}", fmt::join(warnings, "; ")),
-                    .otherwise = "nothing was added",
+                    .otherwise = translated("nothing was added"),
                     .question = Confirmation::asking(std::move(lines))},
                    sure);
 }
@@ -134,15 +135,15 @@ Outcome add(const StoredList& list, Context& context, const Call& call) {
 Outcome clear(const StoredList& list, Context& context, bool sure) {
     if (auto readable = requireReadable(list); !readable) return readable;
     const std::string what =
-        fmt::format("{} from {}", counted(list.entries().size(), "entry", "entries"), list.words);
-    const auto agreed = confirm({.why = "this empties the list",
-                                 .otherwise = "the list is as it was",
-                                 .question = Confirmation::asking({"Remove " + what + "?"})},
+        told("{} from {}", counted(list.entries().size(), "entry", "entries"), list.words);
+    const auto agreed = confirm({.why = translated("this empties the list"),
+                                 .otherwise = translated("the list is as it was"),
+                                 .question = Confirmation::asking({told("Remove {}?", what)})},
                                 sure);
     if (!agreed) return agreed;
     if (auto cleared = list.clear(); !cleared) return failed(cleared.error());
     showDocument(list, context.output());
-    context.output().line("removed " + what);
+    context.output().line(told("removed {}", what));
     return {};
 }
 
@@ -216,7 +217,7 @@ void addCheckCommand(Commands& commands, const StoredList& list, const std::stri
              for (const std::string& path : call.words(list.positional)) {
                  const Answer answer = question(path);
                  answers.emplace_back(path, answer.isTouched);
-                 table.row({answer.words, path});
+                 table.row({translated(answer.words), path});
              }
              context.output().document(checkDocument(answers));
              context.output().table(table);
@@ -234,7 +235,7 @@ std::string noWarning(const std::string& /*word*/) {
 std::string warningOfPersonalData(const std::string& path) {
     const std::string holds = personalDataAt(path);
     if (holds.empty()) return {};
-    return fmt::format("{}: holds {}, and every clean of the caches would empty it", path, holds);
+    return told("{}: holds {}, and every clean of the caches would empty it", path, holds);
 }
 
 std::string asItIs(const std::string& word) {
@@ -261,7 +262,7 @@ StoredList pathWhitelist() {
         .remove = [=](const std::string& path) -> Result<> {
             if (PathWhitelistManager::isBuiltInPath(path)) {
                 return std::unexpected(platform::Error{
-                    "PathWhitelistManager", 1, path + ": is built in and can't be removed"});
+                    "PathWhitelistManager", 1, told("{}: is built in and can't be removed", path)});
             }
             return manager().removePathFromWhitelist(path);
         },

@@ -5,6 +5,7 @@
 
 #include "cli/Command.h"
 #include "cli/Context.h"
+#include "cli/Translation.h"
 #include "launch/SampleDevice.h"
 
 namespace sweepwright::cli {
@@ -16,7 +17,7 @@ Outcome makeSample(Context& context, const Call& call) {
     const auto scale = static_cast<unsigned>(call.number("--scale").value_or(1));
     std::stop_source stop;
     const Interruption::Stoppable stoppable(context.interruption(), [&] { stop.request_stop(); });
-    context.progress().update("making a sample device", 0);
+    context.progress().update(translated("making a sample device"), 0);
     const auto made =
         launch::makeSampleDevice(folder, scale, std::chrono::system_clock::now(), stop.get_token());
     context.progress().clear();
@@ -28,8 +29,8 @@ Outcome makeSample(Context& context, const Call& call) {
     document["files"] = made->files;
     document["bytes"] = made->bytes;
     output.document(document);
-    output.line(fmt::format("{} files, {}, in {}", made->files, sizeText(made->bytes),
-                            output.shown(folder)));
+    output.line(
+        told("{} files, {}, in {}", made->files, sizeText(made->bytes), output.shown(folder)));
     return {};
 }
 

@@ -11,6 +11,7 @@
 #include "cli/Categories.h"
 #include "cli/Command.h"
 #include "cli/Context.h"
+#include "cli/Translation.h"
 #include "cli/Wording.h"
 #include "engine/CleanPreview.h"
 #include "engine/FileCleanerEngine.h"
@@ -24,15 +25,15 @@ constexpr int kSteps = 10;  // the nine categories and the custom paths
 /// A figure is no promise when what must stay can't be told: a clean would refuse.
 void warnIfUnprotected(FileCleanerEngine& engine) {
     if (auto ready = engine.readiness(); !ready) {
-        complain("a clean would refuse, and the sizes may hold what is protected: " +
-                 ready.error().description);
+        complain(told("a clean would refuse, and the sizes may hold what is protected: {}",
+                      ready.error().description));
     }
 }
 
-std::string_view labelOf(std::string_view key) {
+std::string labelOf(std::string_view key) {
     const auto all = categories();
     const auto found = std::ranges::find(all, key, &Category::key);
-    return found == all.end() ? key : found->label;
+    return found == all.end() ? std::string(key) : translated(found->label);
 }
 
 Share shareOf(std::uint64_t part, std::uint64_t total) {
@@ -57,7 +58,7 @@ Table scanTable(const ScanResult& result, const WouldFree& wouldFree) {
     Table table(std::move(columns));
     const std::uint64_t total = result.totalSize;
     const auto add = [&](std::string_view word, std::uint64_t size, Cell bar) {
-        std::vector<Cell> row{std::string(word), sizeText(size), percentText(size, total)};
+        std::vector<Cell> row{translated(word), sizeText(size), percentText(size, total)};
         if (const auto found = wouldFree.find(word); found != wouldFree.end())
             row.emplace_back(sizeText(found->second));
         row.push_back(std::move(bar));
@@ -75,7 +76,7 @@ Table scanTable(const ScanResult& result, const WouldFree& wouldFree) {
 platform::Result<WouldFree> findWouldFree(Context& context) {
     WouldFree found;
     const auto add = [&](std::string_view word, CleanType type) -> platform::Result<> {
-        context.progress().update("finding what would go",
+        context.progress().update(translated("finding what would go"),
                                   static_cast<double>(found.size()) / kSteps);
         const auto preview = previewClean(EngineServices::shared(), type, &context.failures());
         if (!preview) return std::unexpected(preview.error());
@@ -107,7 +108,7 @@ Outcome scan(Context& context, const Call& call) {
     Output& output = context.output();
     output.document(document);
     output.table(scanTable(result, *wouldFree));
-    if (wouldFree->empty()) output.note(wording::kScanIsNoClean);
+    if (wouldFree->empty()) output.note(translated(wording::kScanIsNoClean));
     return {};
 }
 
@@ -116,7 +117,7 @@ Outcome size(Context& context, const Call& call) {
     warnIfUnprotected(engine);
     const std::string& word = call.word("WHAT");
     const Category* category = categoryNamed(word);
-    context.progress().update(category != nullptr ? category->label : word, 0);
+    context.progress().update(category != nullptr ? translated(category->label) : word, 0);
     std::uint64_t bytes = 0;
     if (category != nullptr) {
         bytes = (engine.*category->size)();

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <utility>
 
+#include "cli/Translation.h"
 #include "platform/TextWidth.h"
 
 namespace sweepwright::cli {
@@ -35,8 +36,8 @@ std::size_t leastOf(Holds holds) {
 }  // namespace
 
 void TableLayout::add(const Column& column, std::vector<Cell> cells) {
-    Placed placed{.column = column, .cells = std::move(cells)};
-    if (page_.forPerson) placed.width = displayWidth(column.title);
+    Placed placed{.column = column, .title = translated(column.title), .cells = std::move(cells)};
+    if (page_.forPerson) placed.width = displayWidth(placed.title);
     for (const Cell& cell : placed.cells) {
         const auto* text = std::get_if<std::string>(&cell);
         placed.width = std::max(placed.width, text != nullptr ? displayWidth(*text) : kLongest);
@@ -98,7 +99,7 @@ void TableLayout::narrow() {
 }
 
 std::string TableLayout::headings() const {
-    return line([](const Placed& placed) { return std::string(placed.column.title); });
+    return line([](const Placed& placed) { return placed.title; });
 }
 
 std::string TableLayout::row(std::size_t index) const {

@@ -26,6 +26,7 @@ class TableLayout {
   private:
     struct Placed {
         Column column;
+        std::string title;  ///< in the language of this run
         std::vector<Cell> cells;
         std::size_t width = 0;
         std::size_t least = 0;  ///< columns that it can't do without

@@ -8,6 +8,7 @@
 
 #include <fmt/format.h>
 
+#include "cli/Translation.h"
 #include "platform/TextWidth.h"
 #include "platform/Utf8.h"
 
@@ -122,7 +123,7 @@ std::string base64(std::string_view bytes) {
 }
 
 std::string counted(std::uint64_t count, std::string_view one, std::string_view many) {
-    return fmt::format("{} {}", count, count == 1 ? one : many);
+    return fmt::format("{} {}", count, translated(count == 1 ? one : many));
 }
 
 }  // namespace sweepwright::cli

@@ -37,7 +37,7 @@ std::string replacingBadBytes(std::string_view bytes);
 
 std::string base64(std::string_view bytes);
 
-/// "1 entry", "352 entries".
+/// "1 entry", "352 entries", in the language of this run.
 std::string counted(std::uint64_t count, std::string_view one, std::string_view many);
 
 }  // namespace sweepwright::cli

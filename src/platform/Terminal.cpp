@@ -11,6 +11,19 @@
 
 namespace sweepwright::platform {
 
+namespace {
+
+/// The environment's locale for one category; empty when it names none.
+std::string localeOf(const char* category) {
+    for (const char* name : {"LC_ALL", category, "LANG"}) {
+        const char* value = std::getenv(name);
+        if (value != nullptr && *value != '\0') return value;
+    }
+    return {};
+}
+
+}  // namespace
+
 bool isTerminal(StandardStream stream) {
     return isatty(static_cast<int>(stream)) == 1;
 }
@@ -28,13 +41,13 @@ std::size_t terminalColumns(StandardStream stream) {
 }
 
 bool localeIsUtf8() {
-    for (const char* name : {"LC_ALL", "LC_CTYPE", "LANG"}) {
-        const char* value = std::getenv(name);
-        if (value == nullptr || *value == '\0') continue;
-        const std::string locale = lowerCased(value);
-        return locale.contains("utf-8") || locale.contains("utf8");
-    }
-    return false;
+    const std::string locale = lowerCased(localeOf("LC_CTYPE"));
+    return locale.contains("utf-8") || locale.contains("utf8");
+}
+
+std::string localeLanguage() {
+    const std::string locale = localeOf("LC_MESSAGES");
+    return locale.substr(0, locale.find_first_of("_.@"));
 }
 
 }  // namespace sweepwright::platform

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 
 namespace sweepwright::platform {
 
@@ -20,5 +21,9 @@ std::size_t terminalColumns(StandardStream stream);
 
 /// Whether the environment's locale is one of UTF-8, so that a terminal shows more than ASCII.
 bool localeIsUtf8();
+
+/// The language of the environment's locale for messages as its two or three letters, "zh" of
+/// "zh_CN.UTF-8"; "C", or nothing, when it names none.
+std::string localeLanguage();
 
 }  // namespace sweepwright::platform
