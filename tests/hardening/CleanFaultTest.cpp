@@ -29,8 +29,8 @@ constexpr std::array kFaults = {Fault{EACCES, "EACCES"},
                                 Fault{ENAMETOOLONG, "ENAMETOOLONG"},
                                 Fault{EINTR, "EINTR"}};
 
-/// Each call of a clean fails with one of the errors in turn; with SWEEPWRIGHT_ALL_FAULTS it fails
-/// with each.
+/// Calls of a clean fail with the errors in turn; with SWEEPWRIGHT_ALL_FAULTS every call fails with
+/// each.
 constexpr std::size_t kTurns = kFaults.size();
 bool allFaults() {
     return std::getenv("SWEEPWRIGHT_ALL_FAULTS") != nullptr;
@@ -57,8 +57,9 @@ class CleanFaults : public testing::TestWithParam<CleanAndFault> {
 
     static int clean() { return std::get<0>(GetParam()); }
     static int number() { return kFaults.at(std::get<1>(GetParam())).number; }
-    /// A batch repeats what the clean of one app does: every fourth of its calls fails.
-    static std::size_t spread() { return clean() > test::kOneApp ? 4 : 1; }
+    /// Every second call fails, and every eighth of a batch, which repeats what the clean of one app
+    /// does.
+    static std::size_t spread() { return clean() > test::kOneApp ? 8 : 2; }
     static std::uint64_t step() { return allFaults() ? 1 : kTurns * spread(); }
     /// The first call whose turn this error is.
     static std::uint64_t firstCall() {
