@@ -31,7 +31,7 @@ std::string formatTranslated(std::string_view english, fmt::format_args argument
 
 /// The same with the English format string checked while it is compiled.
 template <class... Arguments>
-std::string told(fmt::format_string<Arguments...> english, Arguments&&... arguments) {
+std::string told(fmt::format_string<Arguments...> english, const Arguments&... arguments) {
     const fmt::string_view text = english;
     return formatTranslated({text.data(), text.size()}, fmt::make_format_args(arguments...));
 }

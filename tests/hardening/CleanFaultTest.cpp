@@ -57,8 +57,8 @@ class CleanFaults : public testing::TestWithParam<CleanAndFault> {
 
     static int clean() { return std::get<0>(GetParam()); }
     static int number() { return kFaults.at(std::get<1>(GetParam())).number; }
-    /// Every second call fails, and every eighth of a batch, which repeats what the clean of one app
-    /// does.
+    /// Every second call fails, and every eighth of a batch, which repeats what the clean of one
+    /// app does.
     static std::size_t spread() { return clean() > test::kOneApp ? 8 : 2; }
     static std::uint64_t step() { return allFaults() ? 1 : kTurns * spread(); }
     /// The first call whose turn this error is.

@@ -2,7 +2,6 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
-#include <cstdlib>
 #include <filesystem>
 
 #include <gmock/gmock.h>
@@ -23,8 +22,7 @@ using test::SmallDevice;
 using test::Worker;
 using testing::HasSubstr;
 
-/// How often each process adds, plants and cleans; more with SWEEPWRIGHT_RACE_ROUNDS.
-const unsigned kRounds = std::getenv("SWEEPWRIGHT_RACE_ROUNDS") != nullptr ? 40U : 15U;
+constexpr int kRounds = 40;
 
 /// A process that holds the lock of cleaning until it is ended.
 class Holder {
@@ -89,7 +87,7 @@ void work(SmallDevice& device, const std::string& who, bool locked, int telling)
     if (!locked) services.lock = nullptr;
     FileCleanerEngine engine(services);
     std::uint64_t claimed = 0;
-    for (unsigned round = 0; round < kRounds; ++round) {
+    for (int round = 0; round < kRounds; ++round) {
         const std::string name = who + std::to_string(round);
         EXPECT_TRUE(worker.pathWhitelist.addPathToWhitelist("/kept/" + name));
         EXPECT_TRUE(worker.appWhitelist.addAppToWhitelist(name));
@@ -135,14 +133,14 @@ TEST_P(TwoAtOnce, NoEntryIsLostAndNoByteIsCountedTwice) {
     close(told[0]);
 
     Worker worker(device.tree());
-    EXPECT_EQ(worker.pathWhitelist.getUserDefinedPaths().size(), 7 + 2 * kRounds);
-    EXPECT_EQ(worker.appWhitelist.getWhitelistCount(), 2 + 2 * kRounds);
-    EXPECT_EQ(worker.customPaths.getCustomPathCount(), 2 + 2 * kRounds);
+    EXPECT_EQ(worker.pathWhitelist.getUserDefinedPaths().size(), 7U + 2 * kRounds);
+    EXPECT_EQ(worker.appWhitelist.getWhitelistCount(), 2U + 2 * kRounds);
+    EXPECT_EQ(worker.customPaths.getCustomPathCount(), 2U + 2 * kRounds);
     EXPECT_EQ(worker.history.getAllCleanHistory().size(), 100U);
     const std::uint64_t both = claimed[0] + claimed[1];
     EXPECT_EQ(worker.statistics.totals().totalCleanedBytes, total + both);
     const std::uint64_t left = worker.engine.sizeOfDirectoryAtPath(SmallDevice::home("tmp"));
-    EXPECT_EQ(both, 2 * kRounds * 2'000 - left);
+    EXPECT_EQ(both, 2U * kRounds * 2'000 - left);
     EXPECT_EQ(device.damage(), "");
 }
 
