@@ -5,6 +5,7 @@
 #include <map>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -36,6 +37,13 @@ std::string labelOf(std::string_view key) {
     return found == all.end() ? std::string(key) : translated(found->label);
 }
 
+/// A category's word, which a person types, behind its name where that is in another language.
+std::string nameOf(const Category& category) {
+    const std::string label = translated(category.label);
+    return label == category.label ? std::string(category.word)
+                                   : fmt::format("{} {}", label, category.word);
+}
+
 Share shareOf(std::uint64_t part, std::uint64_t total) {
     return {total == 0 ? 0 : static_cast<double>(part) / static_cast<double>(total)};
 }
@@ -57,8 +65,8 @@ Table scanTable(const ScanResult& result, const WouldFree& wouldFree) {
     columns.push_back({.holds = Holds::Bar, .reader = Reader::Person, .spare = 1});
     Table table(std::move(columns));
     const std::uint64_t total = result.totalSize;
-    const auto add = [&](std::string_view word, std::uint64_t size, Cell bar) {
-        std::vector<Cell> row{translated(word), sizeText(size), percentText(size, total)};
+    const auto add = [&](std::string_view word, std::string name, std::uint64_t size, Cell bar) {
+        std::vector<Cell> row{std::move(name), sizeText(size), percentText(size, total)};
         if (const auto found = wouldFree.find(word); found != wouldFree.end())
             row.emplace_back(sizeText(found->second));
         row.push_back(std::move(bar));
@@ -66,9 +74,9 @@ Table scanTable(const ScanResult& result, const WouldFree& wouldFree) {
     };
     for (const Category& category : categories()) {
         const std::uint64_t size = result.*category.figure;
-        add(category.word, size, shareOf(size, total));
+        add(category.word, nameOf(category), size, shareOf(size, total));
     }
-    add("total", total, "");
+    add("total", translated("total"), total, "");
     return table;
 }
 
