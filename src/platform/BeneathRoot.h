@@ -6,19 +6,11 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/Calls.h"
 #include "platform/FileManager.h"
 #include "platform/UniqueDescriptor.h"
 
 namespace sweepwright::platform {
-
-/// How the host's kernel is spoken to.
-enum class Calls {
-    Native,    ///< openat2, getdents64 and statx, each falling back where the kernel lacks it
-    Portable,  ///< openat component by component, readdir and fstatat: any POSIX host
-};
-
-/// Native on Linux unless the environment sets SWEEPWRIGHT_PORTABLE_CALLS, else Portable.
-Calls defaultCalls();
 
 /// Finds device paths beneath a root descriptor, which neither ".." nor an absolute link leaves.
 /// Failures are errno values.

@@ -148,6 +148,9 @@ const Device& Device::current() {
 }
 
 void Device::setCurrent(Device device) {
+    static std::optional<HostFileManager> files;
+    files.emplace(device.root());
+    FileManager::setDefaultManager(*files);
     currentDevice() = std::move(device);
 }
 

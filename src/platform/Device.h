@@ -51,7 +51,8 @@ class Device {
     static Result<Device> open(const DeviceOptions& options);
 
     /// The device that shared instances work on. Set once in `main` before the first of them is
-    /// used; asking before that ends the program.
+    /// used; asking before that ends the program. Setting it makes its files those of
+    /// FileManager::defaultManager().
     static const Device& current();
     static void setCurrent(Device device);
 

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "platform/Error.h"
+#include "platform/PathText.h"
 #include "platform/UniqueDescriptor.h"
 
 namespace sweepwright::platform {
@@ -64,12 +65,13 @@ class Directory {
     [[nodiscard]] const std::string& path() const { return path_; }
     /// The device path of an entry.
     [[nodiscard]] std::string pathOf(std::string_view name) const;
+    /// What the manager that opened this keeps between two readEntries() calls, if anything.
+    [[nodiscard]] std::shared_ptr<void>& listing() { return listing_; }
 
   private:
-    friend class HostFileManager;
     UniqueDescriptor descriptor_;
     std::string path_;
-    std::shared_ptr<void> stream_;  // the portable road's listing
+    std::shared_ptr<void> listing_;
 };
 
 /// What an open may meet.
@@ -95,8 +97,10 @@ class FileManager {
   public:
     virtual ~FileManager() = default;
 
-    /// The manager of Device::current(), made on first use.
+    /// The manager that setDefaultManager() was last given; asking before that ends the program.
     static FileManager& defaultManager();
+    /// `files` must outlive the process's last use of it. Device::setCurrent() sets the device's.
+    static void setDefaultManager(FileManager& files);
 
     // --- Directories by descriptor: measuring and removing are made of these. ---
 
@@ -181,17 +185,5 @@ class FileManager {
     /// Whether a directory is there; a link counts by what it leads to.
     bool isDirectory(const std::string& path);
 };
-
-/// Joins a directory's path and an entry's name with exactly one "/".
-std::string joinPath(std::string_view directory, std::string_view name);
-/// Whether `name` can be that of an entry: not empty, "." or "..", without "/" and zero bytes.
-bool isEntryName(std::string_view name);
-/// The last component of a path, trailing "/" aside.
-std::string_view lastPathComponent(std::string_view path);
-/// What follows the last "." of the last component; empty when there is none, when the "." is the
-/// first character (a hidden file) or the last.
-std::string_view pathExtension(std::string_view path);
-/// The name with A to Z as a to z; other bytes as they are.
-std::string lowerCased(std::string_view text);
 
 }  // namespace sweepwright::platform

@@ -18,6 +18,7 @@
 #include <sys/syscall.h>
 #endif
 
+#include "platform/BeneathRoot.h"
 #include "platform/Failure.h"
 
 namespace sweepwright::platform {
@@ -226,10 +227,14 @@ std::optional<std::string> DeviceRoot::mountAbove() const {
 }
 
 HostFileManager::HostFileManager(std::shared_ptr<const DeviceRoot> root, Calls calls)
-    : root_(std::move(root)), beneath_(root_->descriptor(), calls), calls_(calls) {}
+    : root_(std::move(root)),
+      beneath_(std::make_unique<BeneathRoot>(root_->descriptor(), calls)),
+      calls_(calls) {}
+
+HostFileManager::~HostFileManager() = default;
 
 Result<Directory> HostFileManager::openDirectory(const std::string& path, LastLink lastLink) {
-    auto opened = beneath_.openDirectory(path, lastLink);
+    auto opened = beneath_->openDirectory(path, lastLink);
     if (!opened) return failed(opened.error(), path);
     return Directory(std::move(*opened), path);
 }
@@ -237,7 +242,7 @@ Result<Directory> HostFileManager::openDirectory(const std::string& path, LastLi
 Result<Directory> HostFileManager::openBeneath(const Directory& base, std::string_view relative,
                                                Mounts mounts) {
     std::string path = relative.empty() ? base.path() : base.pathOf(relative);
-    auto opened = beneath_.openBeneath(base.descriptor(), relative, mounts);
+    auto opened = beneath_->openBeneath(base.descriptor(), relative, mounts);
     if (!opened) return failed(opened.error(), path);
     return Directory(std::move(*opened), std::move(path));
 }
@@ -252,7 +257,7 @@ Result<std::span<const DirectoryEntry>> HostFileManager::readEntries(Directory& 
         return std::span<const DirectoryEntry>(buffer.entries);
     }
 #endif
-    if (!directory.stream_) {
+    if (!directory.listing()) {
         const int copy = fcntl(directory.descriptor(), F_DUPFD_CLOEXEC, 0);
         DIR* stream = copy < 0 ? nullptr : fdopendir(copy);
         if (stream == nullptr) {
@@ -260,10 +265,10 @@ Result<std::span<const DirectoryEntry>> HostFileManager::readEntries(Directory& 
             if (copy >= 0) close(copy);
             return failed(number, directory.path());
         }
-        directory.stream_ =
+        directory.listing() =
             std::shared_ptr<void>(stream, [](void* open) { closedir(static_cast<DIR*>(open)); });
     }
-    const int number = readPortable(static_cast<DIR*>(directory.stream_.get()), buffer);
+    const int number = readPortable(static_cast<DIR*>(directory.listing().get()), buffer);
     if (number != 0) return failed(number, directory.path());
     return std::span<const DirectoryEntry>(buffer.entries);
 }
@@ -285,7 +290,7 @@ Result<> HostFileManager::removeDirectoryAt(const Directory& directory, std::str
 }
 
 Result<FileAttributes> HostFileManager::attributes(const std::string& path, LastLink lastLink) {
-    const auto entry = beneath_.locate(path, lastLink);
+    const auto entry = beneath_->locate(path, lastLink);
     if (!entry) return failed(entry.error(), path);
     FileAttributes found;
     const int number = readAttributes(entry->parent.get(), entry->name.c_str(), calls_, found);
@@ -294,13 +299,13 @@ Result<FileAttributes> HostFileManager::attributes(const std::string& path, Last
 }
 
 bool HostFileManager::isWritable(const std::string& path) {
-    const auto entry = beneath_.locate(path, LastLink::Follow);
+    const auto entry = beneath_->locate(path, LastLink::Follow);
     return entry && faccessat(entry->parent.get(), entry->name.c_str(), W_OK, 0) == 0;
 }
 
 Result<std::optional<FileSystemAttributes>> HostFileManager::fileSystemAttributes(
     const std::string& path) {
-    const auto entry = beneath_.locate(path, LastLink::Follow);
+    const auto entry = beneath_->locate(path, LastLink::Follow);
     if (!entry) return failed(entry.error(), path);
     UniqueDescriptor opened(openat(entry->parent.get(), entry->name.c_str(), kAsk));
     if (!opened.valid()) return failed(errno, path);
@@ -312,7 +317,7 @@ Result<std::optional<FileSystemAttributes>> HostFileManager::fileSystemAttribute
 }
 
 Result<std::string> HostFileManager::resolvedPath(const std::string& path) {
-    const auto entry = beneath_.resolve(path, LastLink::Follow);
+    const auto entry = beneath_->resolve(path, LastLink::Follow);
     if (!entry) return failed(entry.error(), path);
     FileAttributes found;
     const int number = readAttributes(entry->parent.get(), entry->name.c_str(), calls_, found);

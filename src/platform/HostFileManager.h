@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "platform/BeneathRoot.h"
+#include "platform/Calls.h"
 #include "platform/FileManager.h"
 
 namespace sweepwright::platform {
@@ -30,10 +30,13 @@ class DeviceRoot {
     std::string hostFolder_;
 };
 
+class BeneathRoot;
+
 /// The FileManager of a host folder.
 class HostFileManager final : public FileManager {
   public:
     explicit HostFileManager(std::shared_ptr<const DeviceRoot> root, Calls calls = defaultCalls());
+    ~HostFileManager() override;
 
     Result<Directory> openDirectory(const std::string& path, LastLink lastLink) override;
     Result<Directory> openBeneath(const Directory& base, std::string_view relative,
@@ -65,7 +68,7 @@ class HostFileManager final : public FileManager {
     Result<UniqueDescriptor> openLock(const std::string& path);
 
     std::shared_ptr<const DeviceRoot> root_;
-    BeneathRoot beneath_;
+    std::unique_ptr<const BeneathRoot> beneath_;
     Calls calls_;
 };
 

@@ -9,6 +9,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "platform/BeneathRoot.h"
 #include "platform/Failure.h"
 #include "platform/HostFileManager.h"
 
@@ -73,7 +74,7 @@ int writeNew(int directory, const std::string& name, const std::string& replaces
 }  // namespace
 
 Result<std::string> HostFileManager::readFile(const std::string& path, std::size_t maxBytes) {
-    const auto entry = beneath_.locate(path, LastLink::Follow);
+    const auto entry = beneath_->locate(path, LastLink::Follow);
     if (!entry) return failed(entry.error(), path);
     const UniqueDescriptor file(openat(entry->parent.get(), entry->name.c_str(),
                                        O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW));
@@ -97,7 +98,7 @@ Result<std::string> HostFileManager::readFile(const std::string& path, std::size
 }
 
 Result<> HostFileManager::writeFile(const std::string& path, std::string_view content) {
-    const auto entry = beneath_.locate(path, LastLink::Refuse);
+    const auto entry = beneath_->locate(path, LastLink::Refuse);
     if (!entry) return failed(entry.error(), path);
     const int directory = entry->parent.get();
     const std::string fresh = freshNameFor(entry->name);
@@ -116,7 +117,7 @@ Result<> HostFileManager::writeFile(const std::string& path, std::string_view co
 }
 
 Result<> HostFileManager::createFile(const std::string& path, std::string_view content) {
-    const auto entry = beneath_.locate(path, LastLink::Refuse);
+    const auto entry = beneath_->locate(path, LastLink::Refuse);
     if (!entry) return failed(entry.error(), path);
     const int directory = entry->parent.get();
     const UniqueDescriptor file(openat(directory, entry->name.c_str(),
@@ -130,7 +131,7 @@ Result<> HostFileManager::createFile(const std::string& path, std::string_view c
 }
 
 Result<> HostFileManager::createSparseFile(const std::string& path, std::uint64_t size) {
-    const auto entry = beneath_.locate(path, LastLink::Refuse);
+    const auto entry = beneath_->locate(path, LastLink::Refuse);
     if (!entry) return failed(entry.error(), path);
     const UniqueDescriptor file(openat(entry->parent.get(), entry->name.c_str(),
                                        O_WRONLY | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK,
@@ -156,7 +157,7 @@ Result<> HostFileManager::createDirectories(const std::string& path) {
         const auto made = createDirectories(path.substr(0, above - 1));
         if (!made) return made;
     }
-    const auto entry = beneath_.locate(path, LastLink::Refuse);
+    const auto entry = beneath_->locate(path, LastLink::Refuse);
     if (!entry) return failed(entry.error(), path);
     if (mkdirat(entry->parent.get(), entry->name.c_str(), kDirectoryMode) == 0) {
         inheritOwner(entry->parent.get(), entry->name);
@@ -169,7 +170,7 @@ Result<> HostFileManager::createDirectories(const std::string& path) {
 }
 
 Result<> HostFileManager::createSymbolicLink(const std::string& path, const std::string& target) {
-    const auto entry = beneath_.locate(path, LastLink::Refuse);
+    const auto entry = beneath_->locate(path, LastLink::Refuse);
     if (!entry) return failed(entry.error(), path);
     if (symlinkat(target.c_str(), entry->parent.get(), entry->name.c_str()) != 0)
         return failed(errno, path);
@@ -178,7 +179,7 @@ Result<> HostFileManager::createSymbolicLink(const std::string& path, const std:
 
 Result<> HostFileManager::setModificationDate(const std::string& path,
                                               std::chrono::system_clock::time_point date) {
-    const auto entry = beneath_.locate(path, LastLink::Refuse);
+    const auto entry = beneath_->locate(path, LastLink::Refuse);
     if (!entry) return failed(entry.error(), path);
     const auto since = date.time_since_epoch();
     const auto seconds = std::chrono::floor<std::chrono::seconds>(since);
@@ -193,9 +194,9 @@ Result<> HostFileManager::setModificationDate(const std::string& path,
 }
 
 Result<> HostFileManager::rename(const std::string& from, const std::string& to) {
-    const auto source = beneath_.locate(from, LastLink::Refuse);
+    const auto source = beneath_->locate(from, LastLink::Refuse);
     if (!source) return failed(source.error(), from);
-    const auto target = beneath_.locate(to, LastLink::Refuse);
+    const auto target = beneath_->locate(to, LastLink::Refuse);
     if (!target) return failed(target.error(), to);
 #ifdef __linux__
     if (calls_ == Calls::Native) {
@@ -216,7 +217,7 @@ Result<> HostFileManager::rename(const std::string& from, const std::string& to)
 
 /// Opens the file of a lock, which is made if absent.
 Result<UniqueDescriptor> HostFileManager::openLock(const std::string& path) {
-    const auto entry = beneath_.locate(path, LastLink::Refuse);
+    const auto entry = beneath_->locate(path, LastLink::Refuse);
     if (!entry) return failed(entry.error(), path);
     const int directory = entry->parent.get();
     const char* name = entry->name.c_str();

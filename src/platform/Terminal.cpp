@@ -7,7 +7,7 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
-#include "platform/FileManager.h"
+#include "platform/PathText.h"
 
 namespace sweepwright::platform {
 

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/FileManager.h"
+#include "platform/PathText.h"
 
 namespace sweepwright::platform {
 
