@@ -64,9 +64,9 @@ def main():
         if missed or half:
             uncovered.append((file["file"], spans(missed), spans(half)))
 
-    print(f"{'folder':<16}  {'lines':>22}  {'branches':>22}")
+    print(f"{'folder':<22}  {'lines':>22}  {'branches':>22}")
     for folder, (lines, branches) in sorted(folders.items()):
-        print(f"{folder:<16}  {lines!s:>22}  {branches!s:>22}")
+        print(f"{folder:<22}  {lines!s:>22}  {branches!s:>22}")
     print("\nNot run at all, or a branch of it never taken, by line:")
     for name, missed, half in uncovered:
         print(f"  {name}")

@@ -7,8 +7,8 @@
 
 #include "apps/ThirdPartyAppCacheManager.h"
 #include "engine/LinkProtection.h"
-#include "platform/EntryNames.h"
-#include "platform/Log.h"
+#include "platform/files/EntryNames.h"
+#include "platform/log/Log.h"
 
 namespace sweepwright {
 

@@ -2,7 +2,7 @@
 
 #include <cerrno>
 
-#include "platform/PropertyList.h"
+#include "platform/plist/PropertyList.h"
 
 namespace sweepwright {
 

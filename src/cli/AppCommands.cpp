@@ -14,7 +14,7 @@
 #include "cli/KnownApps.h"
 #include "cli/PreviewOutput.h"
 #include "cli/Wording.h"
-#include "platform/DispatchQueue.h"
+#include "platform/queue/DispatchQueue.h"
 
 namespace sweepwright::cli {
 

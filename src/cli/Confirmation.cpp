@@ -5,9 +5,9 @@
 
 #include <fmt/format.h>
 
-#include "platform/ControlText.h"
-#include "platform/FileManager.h"
-#include "platform/Terminal.h"
+#include "platform/files/FileManager.h"
+#include "platform/process/Terminal.h"
+#include "platform/text/ControlText.h"
 
 namespace sweepwright::cli {
 

@@ -5,7 +5,7 @@
 
 #include <fmt/format.h>
 
-#include "platform/FileManager.h"
+#include "platform/files/FileManager.h"
 
 namespace sweepwright::cli {
 

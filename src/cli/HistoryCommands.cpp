@@ -10,7 +10,7 @@
 #include "cli/ReadableDefaults.h"
 #include "cli/Text.h"
 #include "cli/Wording.h"
-#include "platform/DateText.h"
+#include "platform/text/DateText.h"
 #include "protection/CleanHistoryManager.h"
 #include "protection/CleanStatistics.h"
 

@@ -8,7 +8,7 @@
 
 #include "apps/ThirdPartyAppCacheManager.h"
 #include "cli/Suggestion.h"
-#include "platform/FileManager.h"
+#include "platform/files/FileManager.h"
 
 namespace sweepwright::cli {
 

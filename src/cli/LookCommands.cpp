@@ -12,8 +12,8 @@
 #include "cli/SizedRows.h"
 #include "cli/Wording.h"
 #include "engine/FileCleanerEngine.h"
-#include "platform/Device.h"
-#include "platform/HostFileManager.h"
+#include "platform/device/Device.h"
+#include "platform/files/HostFileManager.h"
 
 namespace sweepwright::cli {
 

@@ -9,8 +9,8 @@
 #include "cli/Text.h"
 #include "cli/Wording.h"
 #include "engine/StorageAnalyzer.h"
-#include "platform/ControlText.h"
-#include "platform/Terminal.h"
+#include "platform/process/Terminal.h"
+#include "platform/text/ControlText.h"
 
 namespace sweepwright::cli {
 

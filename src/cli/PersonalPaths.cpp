@@ -5,8 +5,8 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
-#include "platform/Device.h"
-#include "platform/FileManager.h"
+#include "platform/device/Device.h"
+#include "platform/files/FileManager.h"
 #include "protection/PersonalData.h"
 
 namespace sweepwright::cli {

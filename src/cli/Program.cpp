@@ -14,8 +14,8 @@
 #include "cli/Context.h"
 #include "cli/FailureReport.h"
 #include "cli/Help.h"
-#include "platform/Log.h"
-#include "platform/Terminal.h"
+#include "platform/log/Log.h"
+#include "platform/process/Terminal.h"
 
 namespace sweepwright::cli {
 

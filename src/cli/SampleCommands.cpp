@@ -5,7 +5,7 @@
 
 #include "cli/Command.h"
 #include "cli/Context.h"
-#include "launch/SampleDevice.h"
+#include "sample/SampleDevice.h"
 
 namespace sweepwright::cli {
 

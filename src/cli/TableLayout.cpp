@@ -4,7 +4,7 @@
 #include <cmath>
 #include <utility>
 
-#include "platform/TextWidth.h"
+#include "platform/text/TextWidth.h"
 
 namespace sweepwright::cli {
 

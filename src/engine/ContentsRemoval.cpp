@@ -4,9 +4,9 @@
 #include "engine/CategoryRules.h"
 #include "engine/FileCleanerEngine.h"
 #include "engine/LinkProtection.h"
-#include "platform/EntryNames.h"
-#include "platform/Log.h"
-#include "platform/ProgressThrottle.h"
+#include "platform/files/EntryNames.h"
+#include "platform/log/Log.h"
+#include "platform/queue/ProgressThrottle.h"
 
 namespace sweepwright {
 

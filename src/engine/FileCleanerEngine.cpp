@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "engine/CategoryRules.h"
-#include "platform/Log.h"
+#include "platform/log/Log.h"
 
 namespace sweepwright {
 

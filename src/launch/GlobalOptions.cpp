@@ -7,7 +7,7 @@
 #include <system_error>
 #include <utility>
 
-#include "platform/Log.h"
+#include "platform/log/Log.h"
 
 namespace sweepwright::launch {
 

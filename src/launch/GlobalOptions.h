@@ -5,8 +5,8 @@
 #include <stop_token>
 #include <string>
 
-#include "launch/SampleDevice.h"
-#include "platform/Device.h"
+#include "platform/device/Device.h"
+#include "sample/SampleDevice.h"
 
 namespace sweepwright::launch {
 

@@ -5,9 +5,9 @@
 #include <ranges>
 #include <utility>
 
-#include "platform/Log.h"
-#include "platform/PropertyList.h"
-#include "platform/Uuid.h"
+#include "platform/base/Uuid.h"
+#include "platform/log/Log.h"
+#include "platform/plist/PropertyList.h"
 
 namespace sweepwright {
 

@@ -6,9 +6,9 @@
 
 #include <fmt/format.h>
 
-#include "platform/Device.h"
-#include "platform/Log.h"
-#include "platform/ThisProcess.h"
+#include "platform/base/ThisProcess.h"
+#include "platform/device/Device.h"
+#include "platform/log/Log.h"
 
 namespace sweepwright {
 

@@ -7,8 +7,8 @@
 
 #include "cli/Arguments.h"
 #include "cli/Context.h"
-#include "platform/Device.h"
-#include "platform/DispatchQueue.h"
+#include "platform/device/Device.h"
+#include "platform/queue/DispatchQueue.h"
 #include "support/ChildProcess.h"
 #include "support/FaultyFileManager.h"
 #include "support/TemporaryDevice.h"

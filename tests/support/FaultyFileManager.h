@@ -8,7 +8,7 @@
 #include <set>
 #include <string>
 
-#include "platform/ForwardingFileManager.h"
+#include "platform/files/ForwardingFileManager.h"
 
 namespace sweepwright::test {
 

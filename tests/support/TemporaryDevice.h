@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/HostFileManager.h"
+#include "platform/files/HostFileManager.h"
 
 namespace sweepwright::test {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/TreeWalker.h"
+#include "platform/tree/TreeWalker.h"
 
 namespace sweepwright::ui {
 

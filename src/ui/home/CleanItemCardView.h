@@ -12,7 +12,7 @@
 
 #include <QtQml/qqmlregistration.h>
 
-#include "platform/DispatchQueue.h"
+#include "platform/queue/DispatchQueue.h"
 #include "ui/home/FileListModel.h"
 
 namespace sweepwright::ui {

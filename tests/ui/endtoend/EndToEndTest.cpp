@@ -7,8 +7,8 @@
 #include <gtest/gtest.h>
 
 #include "engine/CleanPreview.h"
-#include "launch/SampleDevice.h"
-#include "platform/HostFileManager.h"
+#include "platform/files/HostFileManager.h"
+#include "sample/SampleDevice.h"
 #include "support/engine/DeviceServices.h"
 #include "ui/endtoend/RunningApp.h"
 

@@ -4,9 +4,9 @@
 
 #include <fmt/format.h>
 
-#include "launch/SampleDeviceCatalog.h"
-#include "launch/SampleIcon.h"
-#include "platform/PropertyList.h"
+#include "platform/plist/PropertyList.h"
+#include "sample/internal/SampleDeviceCatalog.h"
+#include "sample/internal/SampleIcon.h"
 
 namespace sweepwright::test {
 

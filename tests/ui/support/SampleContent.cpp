@@ -4,8 +4,8 @@
 
 #include <gtest/gtest.h>
 
-#include "launch/SampleDevice.h"
-#include "platform/PropertyList.h"
+#include "platform/plist/PropertyList.h"
+#include "sample/SampleDevice.h"
 
 namespace sweepwright::test {
 
