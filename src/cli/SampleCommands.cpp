@@ -18,7 +18,7 @@ Outcome makeSample(Context& context, const Call& call) {
     const Interruption::Stoppable stoppable(context.interruption(), [&] { stop.request_stop(); });
     context.progress().update("making a sample device", 0);
     const auto made =
-        launch::makeSampleDevice(folder, scale, std::chrono::system_clock::now(), stop.get_token());
+        sample::makeSampleDevice(folder, scale, std::chrono::system_clock::now(), stop.get_token());
     context.progress().clear();
     if (!made) return failed(made.error());
 

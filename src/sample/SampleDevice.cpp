@@ -9,7 +9,7 @@
 #include "platform/files/NewHostFolder.h"
 #include "sample/internal/SampleDeviceBuilder.h"
 
-namespace sweepwright::launch {
+namespace sweepwright::sample {
 
 using platform::Error;
 using platform::Result;
@@ -47,4 +47,4 @@ Result<SampleDeviceSummary> makeSampleDevice(const std::string& hostFolder, unsi
     return *made;
 }
 
-}  // namespace sweepwright::launch
+}  // namespace sweepwright::sample

@@ -7,7 +7,7 @@
 
 #include "platform/base/Error.h"
 
-namespace sweepwright::launch {
+namespace sweepwright::sample {
 
 /// What a sample device holds.
 struct SampleDeviceSummary {
@@ -27,4 +27,4 @@ platform::Result<SampleDeviceSummary> makeSampleDevice(
     std::chrono::system_clock::time_point now = std::chrono::system_clock::now(),
     const std::stop_token& stop = {});
 
-}  // namespace sweepwright::launch
+}  // namespace sweepwright::sample

@@ -12,7 +12,7 @@
 #include "sample/internal/SampleDeviceBuilder.h"
 #include "support/TemporaryDevice.h"
 
-namespace sweepwright::launch {
+namespace sweepwright::sample {
 namespace {
 
 namespace fs = std::filesystem;
@@ -36,11 +36,12 @@ TEST(SampleDevice, AStopLeavesNothingBehindNotEvenTheFoldersAbove) {
 
 TEST(SampleDevice, AStopOfItsMakingOnFirstUseLeavesNothingBehind) {
     const test::TemporaryFolder folder;
-    const Environment environment = [&](const std::string& name) -> std::optional<std::string> {
+    const launch::Environment environment =
+        [&](const std::string& name) -> std::optional<std::string> {
         if (name == "XDG_DATA_HOME") return folder.path();
         return std::nullopt;
     };
-    EXPECT_EQ(chooseDevice({}, environment, alreadyStopped()).error().code, ECANCELED);
+    EXPECT_EQ(launch::chooseDevice({}, environment, alreadyStopped()).error().code, ECANCELED);
     EXPECT_TRUE(fs::is_empty(folder.path()));
 }
 
@@ -76,4 +77,4 @@ TEST(SampleDevice, AStopIsHeededAfterTheFileInHand) {
 }
 
 }  // namespace
-}  // namespace sweepwright::launch
+}  // namespace sweepwright::sample

@@ -15,7 +15,7 @@
 #include "sample/internal/SampleDeviceCatalog.h"
 #include "support/TemporaryDevice.h"
 
-namespace sweepwright::launch {
+namespace sweepwright::sample {
 namespace {
 
 namespace fs = std::filesystem;
@@ -397,4 +397,4 @@ TEST(SampleDevice, BuildingStopsAtTheFirstErrorAndNamesIt) {
 }
 
 }  // namespace
-}  // namespace sweepwright::launch
+}  // namespace sweepwright::sample

@@ -10,7 +10,7 @@
 #include "sample/internal/SampleDeviceBuilder.h"
 #include "sample/internal/SampleIcon.h"
 
-namespace sweepwright::launch {
+namespace sweepwright::sample {
 
 using catalog::App;
 using catalog::Container;
@@ -176,4 +176,4 @@ Result<> SampleDeviceBuilder::layHeapsOf(const App& app, const std::string& data
     return done;
 }
 
-}  // namespace sweepwright::launch
+}  // namespace sweepwright::sample

@@ -3,7 +3,7 @@
 
 #include "sample/internal/SampleDeviceCatalog.h"
 
-namespace sweepwright::launch::catalog {
+namespace sweepwright::sample::catalog {
 
 namespace {
 
@@ -74,4 +74,4 @@ std::span<const App> apps() {
     return kApps;
 }
 
-}  // namespace sweepwright::launch::catalog
+}  // namespace sweepwright::sample::catalog

@@ -5,7 +5,7 @@
 
 #include <fmt/format.h>
 
-namespace sweepwright::launch {
+namespace sweepwright::sample {
 
 using platform::Result;
 using std::chrono::hours;
@@ -181,4 +181,4 @@ std::string SampleDeviceBuilder::expanded(std::string_view path) const {
     return text;
 }
 
-}  // namespace sweepwright::launch
+}  // namespace sweepwright::sample

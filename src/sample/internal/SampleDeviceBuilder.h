@@ -11,7 +11,7 @@
 #include "sample/SampleDevice.h"
 #include "sample/internal/SampleDeviceCatalog.h"
 
-namespace sweepwright::launch {
+namespace sweepwright::sample {
 
 /// A UUID, in the form devices name containers by, that is always the same for the same `seed`.
 std::string sampleUuid(std::string_view seed);
@@ -56,4 +56,4 @@ class SampleDeviceBuilder {
     SampleDeviceSummary summary_;
 };
 
-}  // namespace sweepwright::launch
+}  // namespace sweepwright::sample

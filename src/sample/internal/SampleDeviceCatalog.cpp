@@ -3,7 +3,7 @@
 
 #include <array>
 
-namespace sweepwright::launch::catalog {
+namespace sweepwright::sample::catalog {
 
 namespace {
 
@@ -197,4 +197,4 @@ std::span<const std::string_view> emptyFolders() {
     return kEmptyFolders;
 }
 
-}  // namespace sweepwright::launch::catalog
+}  // namespace sweepwright::sample::catalog

@@ -8,7 +8,7 @@
 
 /// What is in the sample device, as tables. In paths "{home}" stands for the cleaner's own data
 /// container; in names "{n}" for a number, "{hash}" and "{uuid}" for what caches name files by.
-namespace sweepwright::launch::catalog {
+namespace sweepwright::sample::catalog {
 
 /// Many files of one kind. Sizes lie between a quarter and seven quarters of the average, ages
 /// between an hour and `oldestDays`.
@@ -83,4 +83,4 @@ std::span<const Link> links();
 std::span<const std::string_view> emptyFolders();
 std::span<const App> apps();
 
-}  // namespace sweepwright::launch::catalog
+}  // namespace sweepwright::sample::catalog

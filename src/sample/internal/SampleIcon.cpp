@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <numbers>
 
-namespace sweepwright::launch {
+namespace sweepwright::sample {
 
 namespace {
 
@@ -87,4 +87,4 @@ platform::Image drawSampleIcon(Glyph glyph, unsigned hue, unsigned side) {
     return icon;
 }
 
-}  // namespace sweepwright::launch
+}  // namespace sweepwright::sample

@@ -4,7 +4,7 @@
 
 #include "platform/image/Image.h"
 
-namespace sweepwright::launch {
+namespace sweepwright::sample {
 
 /// The white shape on a sample app's icon.
 enum class Glyph : std::uint8_t { Disc, Ring, Bars, Diamond, Wave, Triangle, Cross, Dots };
@@ -13,4 +13,4 @@ enum class Glyph : std::uint8_t { Disc, Ring, Bars, Diamond, Wave, Triangle, Cro
 /// (degrees) to a darker one. Opaque to the corners; a screen rounds them.
 platform::Image drawSampleIcon(Glyph glyph, unsigned hue, unsigned side);
 
-}  // namespace sweepwright::launch
+}  // namespace sweepwright::sample

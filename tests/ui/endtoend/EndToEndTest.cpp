@@ -21,7 +21,7 @@ namespace fs = std::filesystem;
 class SampleOnDisk {
   public:
     SampleOnDisk() : root_(folder_.path() + "/device") {
-        const auto made = launch::makeSampleDevice(root_, 1);
+        const auto made = sample::makeSampleDevice(root_, 1);
         EXPECT_TRUE(made.has_value());
     }
     [[nodiscard]] const std::string& root() const { return root_; }
