@@ -304,7 +304,10 @@ class FileCleanerEngine {
     std::uint64_t sizeIfPresent(const std::string& path);
     void collectEntries(const std::string& directory, NameRule rule,
                         std::vector<std::string>& paths);
-    void collectIfPresent(const std::string& directory, std::vector<std::string>& paths);
+    /// What of a category the table of categories tells all about.
+    std::uint64_t sizeOfPlaces(CleanType type);
+    std::vector<std::string> filesInPlaces(CleanType type);
+    std::uint64_t cleanPlaces(CleanType type, const Progress& progress);
 
     // Cleaning.
     bool isStopped() const { return stoppedUpTo_ >= running_; }

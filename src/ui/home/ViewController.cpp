@@ -7,6 +7,7 @@
 
 #include <fmt/format.h>
 
+#include "engine/Categories.h"
 #include "localization/LocalizedFormat.h"
 #include "ui/presentation/Addresses.h"
 #include "ui/presentation/Presenter.h"
@@ -54,7 +55,7 @@ std::vector<std::string> pathsOf(const std::vector<CacheEntry>& entries) {
 
 }  // namespace
 
-// Of the first four cards, in their order.
+// Of the first four cards, which are the first four categories.
 struct ViewController::Sizes {
     std::array<std::uint64_t, 4> bytes{};
 };
@@ -66,13 +67,12 @@ struct ViewController::Lists {
     static std::optional<Lists> fetch(FileCleanerEngine& engine,
                                       const std::weak_ptr<ViewController>& screen) {
         Lists lists;
-        lists.rows[0] = pathsOf(engine.getCacheFileList());
-        if (screen.expired()) return std::nullopt;
-        lists.rows[1] = engine.getTempFileList();
-        if (screen.expired()) return std::nullopt;
-        lists.rows[2] = engine.getCookieFileList();
-        if (screen.expired()) return std::nullopt;
-        lists.rows[3] = engine.getSystemLogFileList();
+        for (std::size_t at = 0; at < lists.rows.size(); ++at) {
+            if (screen.expired()) return std::nullopt;
+            const auto list = categories()[at].list;
+            lists.rows[at] =
+                list != nullptr ? (engine.*list)() : pathsOf(engine.getCacheFileList());
+        }
         return lists;
     }
 };
@@ -161,12 +161,9 @@ void ViewController::performInitialScan() {
     background_->async([&engine = services_.engine, &mainQueue = services_.mainQueue,
                         weak = std::weak_ptr(self_)] {
         Sizes sizes;
-        constexpr std::array kGetters = {
-            &FileCleanerEngine::getCacheSize, &FileCleanerEngine::getTempFilesSize,
-            &FileCleanerEngine::getCookiesSize, &FileCleanerEngine::getSystemLogsSize};
-        for (std::size_t at = 0; at < kGetters.size(); ++at) {
+        for (std::size_t at = 0; at < sizes.bytes.size(); ++at) {
             if (weak.expired()) return;
-            sizes.bytes[at] = (engine.*kGetters[at])();
+            sizes.bytes[at] = (engine.*categories()[at].size)();
         }
         if (weak.expired()) return;
         std::optional<Lists> lists = Lists::fetch(engine, weak);
@@ -204,7 +201,10 @@ void ViewController::scanDidComplete(const ScanResult& result) {
     scanning_ = false;
     Q_EMIT scanningChanged();
     totalCleanableSize_ = result.totalSize;
-    showSizes({{result.cacheSize, result.tempSize, result.cookieSize, result.logSize}});
+    Sizes sizes;
+    for (std::size_t at = 0; at < sizes.bytes.size(); ++at)
+        sizes.bytes[at] = result.*categories()[at].figure;
+    showSizes(sizes);
     fetchLists();
     tell("Scan Completed",
          QString::fromStdString(formatLocalized(format("Found Cleanable Space"),
