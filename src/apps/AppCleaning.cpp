@@ -1,7 +1,6 @@
 // Emptying apps' caches: one, several, all.
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <exception>
 #include <semaphore>
 
@@ -156,8 +155,8 @@ void ThirdPartyAppCacheManager::noteRefused(const std::string& container, std::s
         if (step && step->type == platform::FileType::SymbolicLink)
             return run.kept(path, KeptReason::Link);
     }
-    if (error.code == EXDEV) return run.kept(path, KeptReason::MountPoint);
-    if (error.code == ENOTDIR) return run.kept(path, KeptReason::Failed, error.description);
+    if (error.isMountPoint()) return run.kept(path, KeptReason::MountPoint);
+    if (error.isNotDirectory()) return run.kept(path, KeptReason::Failed, error.description);
     noteUnreadable(path, error, run.observer);
 }
 
@@ -242,7 +241,7 @@ void ThirdPartyAppCacheManager::removeEntry(const platform::Directory& directory
         for (const std::string& mountPoint : removal.mountPoints)
             run.kept(mountPoint, KeptReason::MountPoint);
         // What another has removed meanwhile is gone as it was to be.
-        if (!removal.onlyMountPointsStay && removal.error->code != ENOENT)
+        if (!removal.onlyMountPointsStay && !removal.error->isNotFound())
             run.kept(path, KeptReason::Failed, removal.error->description);
     } else if (run.observer != nullptr) {
         run.observer->removed(path, removal.bytes);

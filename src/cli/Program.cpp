@@ -1,6 +1,5 @@
 #include "cli/Program.h"
 
-#include <cerrno>
 #include <cstdio>
 #include <memory>
 #include <stop_token>
@@ -121,7 +120,7 @@ int runProgram(const std::vector<std::string>& words) {
     }
     if (auto written = output.flush(); !written) {
         // A reader that has gone (a pipe into `head`) has seen what it wanted.
-        if (written.error().code != EPIPE) complain(written.error().description);
+        if (!written.error().isBrokenPipe()) complain(written.error().description);
         if (status == kDone) status = kOperationFailed;
     }
     return status;

@@ -1,5 +1,4 @@
 // Removing the contents of a directory: the one routine behind every category cleaner.
-#include <cerrno>
 
 #include "engine/CategoryRules.h"
 #include "engine/FileCleanerEngine.h"
@@ -44,7 +43,7 @@ void FileCleanerEngine::noteKept(const std::string& path, KeptReason reason,
 }
 
 void FileCleanerEngine::noteFailed(const std::string& path, const Error& error) {
-    if (error.domain == platform::kPosixErrorDomain && error.code == ENOENT) return;
+    if (error.isNotFound()) return;
     noteKept(path, KeptReason::Failed, error.description);
 }
 
@@ -106,7 +105,7 @@ std::optional<platform::Directory> FileCleanerEngine::openToEmpty(const std::str
         const auto itself = services_.files.attributes(directory, LastLink::Refuse);
         if (itself && itself->type == FileType::SymbolicLink) {
             noteKept(directory, KeptReason::Link);
-        } else if (opened.error().code == EXDEV) {
+        } else if (opened.error().isMountPoint()) {
             noteKept(directory, KeptReason::MountPoint);
         } else {
             noteUnreadable(directory, opened.error(), cleanObserver());

@@ -1,7 +1,6 @@
 #include "protection/CleanLock.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <utility>
 
 #include <fmt/format.h>
@@ -58,7 +57,7 @@ Result<CleanLock::Share> CleanLock::share() {
                          : Result<platform::FileLock>(std::unexpected(std::move(made.error())));
         if (held) {
             held_ = std::move(*held);
-        } else if (held.error().code == EWOULDBLOCK) {
+        } else if (held.error().isLocked()) {
             return std::unexpected(heldByAnother());
         } else {
             platform::log("⚠️ 无法锁定清理: {}", held.error().description);

@@ -20,6 +20,17 @@ struct Error {
     std::string description;
 
     bool operator==(const Error&) const = default;
+
+    // What a system call said, by errno values; no for errors of another domain.
+    [[nodiscard]] bool isNotFound() const;          ///< ENOENT
+    [[nodiscard]] bool isNotDirectory() const;      ///< ENOTDIR
+    [[nodiscard]] bool isLinkLoop() const;          ///< ELOOP: too many links, or one not followed
+    [[nodiscard]] bool isPermissionDenied() const;  ///< EACCES
+    [[nodiscard]] bool isNameTooLong() const;       ///< ENAMETOOLONG
+    [[nodiscard]] bool isNameRefused() const;       ///< EILSEQ, EINVAL
+    [[nodiscard]] bool isMountPoint() const;        ///< EXDEV: it is on another mount
+    [[nodiscard]] bool isLocked() const;            ///< EWOULDBLOCK: another holds the lock
+    [[nodiscard]] bool isBrokenPipe() const;        ///< EPIPE: nobody reads any more
 };
 
 /// The outcome of what can fail. Nothing throws across a class's boundary.

@@ -51,7 +51,7 @@ Result<> requireDeviceTree(FileManager& files, const std::string& rootFolder) {
     for (const char* path : {"/var/mobile", "/private/var/mobile"}) {
         const auto found = files.attributes(path, LastLink::Follow);
         if (found && found->type == FileType::Directory) return {};
-        const bool absent = found || found.error().code == ENOENT || found.error().code == ENOTDIR;
+        const bool absent = found || found.error().isNotFound() || found.error().isNotDirectory();
         if (!absent) return std::unexpected(found.error());
     }
     return std::unexpected(

@@ -1,15 +1,12 @@
 #include "platform/tree/Unreadable.h"
 
-#include <cerrno>
-
 namespace sweepwright::platform {
 
 namespace {
 
 bool isNothingToRead(const Error& error) {
-    if (error.domain != kPosixErrorDomain) return false;
-    return error.code == ENOENT || error.code == ENOTDIR || error.code == ELOOP ||
-           error.code == EXDEV;
+    return error.isNotFound() || error.isNotDirectory() || error.isLinkLoop() ||
+           error.isMountPoint();
 }
 
 std::string folderAbove(const std::string& path) {

@@ -55,11 +55,6 @@ std::string nameOf(std::string_view pattern, unsigned index, Lots& lots) {
     return name;
 }
 
-/// Whether the host refuses the name itself: not every file system holds every byte.
-bool nameIsRefused(const platform::Error& error) {
-    return error.code == EILSEQ || error.code == EINVAL;
-}
-
 }  // namespace
 
 std::string sampleUuid(std::string_view seed) {
@@ -100,7 +95,7 @@ Result<> SampleDeviceBuilder::layPlaces() {
     for (const catalog::Single& single : catalog::singles()) {
         if (!done) break;
         done = laySparse(expanded(single.path), single.bytes, seconds(single.ageSeconds));
-        if (!done && nameIsRefused(done.error())) done = {};
+        if (!done && done.error().isNameRefused()) done = {};
     }
     for (const catalog::Text& text : catalog::texts()) {
         if (done) done = layText(expanded(text.path), text.content);
