@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "apps/ThirdPartyAppCacheManager.h"
+#include "engine/KeepRule.h"
 #include "engine/LinkProtection.h"
 #include "platform/files/EntryNames.h"
 #include "platform/log/Log.h"
@@ -226,7 +227,7 @@ void ThirdPartyAppCacheManager::keepEntry(const platform::Directory& directory,
                                           const std::string& name, const Run& run,
                                           Emptied& emptied) {
     const std::string path = directory.pathOf(name);
-    log("🔒 跳过白名单路径: {}", path);
+    logKept(path, KeptReason::Protected);
     emptied.keptSomething = true;
     if (run.observer != nullptr)
         run.kept(path, KeptReason::Protected,

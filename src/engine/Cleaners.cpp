@@ -4,6 +4,7 @@
 #include "engine/Categories.h"
 #include "engine/CategoryRules.h"
 #include "engine/FileCleanerEngine.h"
+#include "engine/KeepRule.h"
 #include "platform/log/Log.h"
 
 namespace sweepwright {
@@ -122,19 +123,7 @@ std::uint64_t FileCleanerEngine::cleanSystemCaches(const Progress& progress) {
 std::uint64_t FileCleanerEngine::cleanSharedCache(const std::string& name,
                                                   const Progress& progress) {
     const std::string path = joinPath(rules::kSharedCaches, name);
-    if (name.contains(rules::kProductName)) {
-        noteKept(path, KeptReason::OwnFolder);
-        return 0;
-    }
-    if (isPathInWhitelist(path)) {
-        log("🔒 跳过白名单路径: {}", path);
-        noteProtected(path);
-        return 0;
-    }
-    if (isMapsAppPath(path)) {
-        keepMaps(path);
-        return 0;
-    }
+    if (keepsLocation(path, kKeptSharedCaches)) return 0;
     if (!rules::isSharedCache(name)) return 0;
     // Asked again: the list may have changed since.
     if (isPathInWhitelist(path)) {
