@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "launch/GlobalOptions.h"
-#include "platform/files/ForwardingFileManager.h"
+#include "sample/ForwardingFileMaker.h"
 #include "sample/SampleDevice.h"
 #include "sample/internal/SampleDeviceBuilder.h"
 #include "support/TemporaryDevice.h"
@@ -46,14 +46,14 @@ TEST(SampleDevice, AStopOfItsMakingOnFirstUseLeavesNothingBehind) {
 }
 
 /// Asks for the stop at the n-th file.
-class StoppingFiles final : public platform::ForwardingFileManager {
+class StoppingFiles final : public test::ForwardingFileMaker {
   public:
-    StoppingFiles(platform::FileManager& target, int files)
-        : ForwardingFileManager(target), left_(files) {}
+    StoppingFiles(platform::FileMaker& target, int files)
+        : ForwardingFileMaker(target), left_(files) {}
 
     platform::Result<> createSparseFile(const std::string& path, std::uint64_t size) override {
         if (--left_ == 0) stop.request_stop();
-        return ForwardingFileManager::createSparseFile(path, size);
+        return ForwardingFileMaker::createSparseFile(path, size);
     }
 
     std::stop_source stop;

@@ -7,9 +7,9 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include "platform/files/ForwardingFileManager.h"
 #include "platform/image/Image.h"
 #include "platform/plist/PropertyList.h"
+#include "sample/ForwardingFileMaker.h"
 #include "sample/SampleDevice.h"
 #include "sample/internal/SampleDeviceBuilder.h"
 #include "sample/internal/SampleDeviceCatalog.h"
@@ -370,14 +370,13 @@ TEST(SampleDevice, ScaleZeroIsRefused) {
 }
 
 /// Fails every call that makes something from the n-th on.
-class FullDisk final : public platform::ForwardingFileManager {
+class FullDisk final : public test::ForwardingFileMaker {
   public:
-    FullDisk(platform::FileManager& target, int calls)
-        : ForwardingFileManager(target), left_(calls) {}
+    FullDisk(platform::FileMaker& target, int calls) : ForwardingFileMaker(target), left_(calls) {}
 
     platform::Result<> createSparseFile(const std::string& path, std::uint64_t size) override {
         if (left_-- <= 0) return std::unexpected(platform::errorFromErrno(ENOSPC, path));
-        return ForwardingFileManager::createSparseFile(path, size);
+        return ForwardingFileMaker::createSparseFile(path, size);
     }
 
   private:

@@ -153,18 +153,9 @@ class FileManager {
     /// path must hold its lock(). Owner and permissions of the old file, else the owner of the
     /// directory, are kept where the process may.
     virtual Result<> writeFile(const std::string& path, std::string_view content) = 0;
-    /// Creates a regular file with `content`, quickly: it is not synced. EEXIST if something is
-    /// there.
-    virtual Result<> createFile(const std::string& path, std::string_view content) = 0;
-    /// Creates a regular file of `size` bytes that holds no blocks.
-    virtual Result<> createSparseFile(const std::string& path, std::uint64_t size) = 0;
     /// Creates `path` and the directories above it that are missing; not an error if all are there.
     /// They get the owner of the directory they are made in, where the process may.
     virtual Result<> createDirectories(const std::string& path) = 0;
-    virtual Result<> createSymbolicLink(const std::string& path, const std::string& target) = 0;
-    /// Links are not followed.
-    virtual Result<> setModificationDate(const std::string& path,
-                                         std::chrono::system_clock::time_point date) = 0;
     /// Renames within the device; an existing `to` is not replaced (EEXIST).
     virtual Result<> rename(const std::string& from, const std::string& to) = 0;
     /// Waits for the exclusive lock on `path`, a file that is made if absent, with the owner of its

@@ -52,21 +52,8 @@ class ForwardingFileManager : public FileManager {
     Result<> writeFile(const std::string& path, std::string_view content) override {
         return target_.writeFile(path, content);
     }
-    Result<> createFile(const std::string& path, std::string_view content) override {
-        return target_.createFile(path, content);
-    }
-    Result<> createSparseFile(const std::string& path, std::uint64_t size) override {
-        return target_.createSparseFile(path, size);
-    }
     Result<> createDirectories(const std::string& path) override {
         return target_.createDirectories(path);
-    }
-    Result<> createSymbolicLink(const std::string& path, const std::string& target) override {
-        return target_.createSymbolicLink(path, target);
-    }
-    Result<> setModificationDate(const std::string& path,
-                                 std::chrono::system_clock::time_point date) override {
-        return target_.setModificationDate(path, date);
     }
     Result<> rename(const std::string& from, const std::string& to) override {
         return target_.rename(from, to);

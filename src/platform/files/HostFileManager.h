@@ -5,6 +5,7 @@
 #include <string>
 
 #include "platform/files/Calls.h"
+#include "platform/files/FileMaker.h"
 #include "platform/files/FileManager.h"
 
 namespace sweepwright::platform {
@@ -33,7 +34,7 @@ class DeviceRoot {
 class BeneathRoot;
 
 /// The FileManager of a host folder.
-class HostFileManager final : public FileManager {
+class HostFileManager final : public FileManager, public FileMaker {
   public:
     explicit HostFileManager(std::shared_ptr<const DeviceRoot> root, Calls calls = defaultCalls());
     ~HostFileManager() override;

@@ -66,7 +66,7 @@ std::string sampleUuid(std::string_view seed) {
                        (low >> 48U) & 0xFFFU, low & 0xFFFFFFFFFFFFU);
 }
 
-SampleDeviceBuilder::SampleDeviceBuilder(platform::FileManager& files, unsigned scale,
+SampleDeviceBuilder::SampleDeviceBuilder(platform::FileMaker& files, unsigned scale,
                                          std::chrono::system_clock::time_point now,
                                          std::stop_token stop)
     : files_(files),

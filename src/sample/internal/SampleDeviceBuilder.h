@@ -7,7 +7,7 @@
 #include <string_view>
 #include <unordered_set>
 
-#include "platform/files/FileManager.h"
+#include "platform/files/FileMaker.h"
 #include "sample/SampleDevice.h"
 #include "sample/internal/SampleDeviceCatalog.h"
 
@@ -20,7 +20,7 @@ std::string sampleUuid(std::string_view seed);
 class SampleDeviceBuilder {
   public:
     /// `files` must outlive this.
-    SampleDeviceBuilder(platform::FileManager& files, unsigned scale,
+    SampleDeviceBuilder(platform::FileMaker& files, unsigned scale,
                         std::chrono::system_clock::time_point now, std::stop_token stop = {});
 
     /// Makes everything; what was made before an error, or a stop (ECANCELED), stays.
@@ -47,7 +47,7 @@ class SampleDeviceBuilder {
                                   std::chrono::seconds age);
     [[nodiscard]] std::string expanded(std::string_view path) const;
 
-    platform::FileManager& files_;
+    platform::FileMaker& files_;
     unsigned scale_;
     std::chrono::system_clock::time_point now_;
     std::stop_token stop_;

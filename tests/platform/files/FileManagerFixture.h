@@ -22,7 +22,7 @@ class FileManagerTest : public ::testing::TestWithParam<Calls> {
     }
 
     test::TemporaryDevice device_{GetParam()};
-    FileManager& files_ = device_.files();
+    HostFileManager& files_ = device_.files();
 };
 
 /// The errno value that an outcome failed with; 0 when it did not fail.
