@@ -7,10 +7,10 @@
 
 #include <benchmark/benchmark.h>
 
-#include "platform/HostFileManager.h"
-#include "platform/Image.h"
-#include "platform/PropertyList.h"
-#include "platform/UserDefaults.h"
+#include "platform/device/UserDefaults.h"
+#include "platform/files/HostFileManager.h"
+#include "platform/image/Image.h"
+#include "platform/plist/PropertyList.h"
 
 namespace sweepwright::platform {
 

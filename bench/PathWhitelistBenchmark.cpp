@@ -5,8 +5,8 @@
 
 #include <benchmark/benchmark.h>
 
-#include "platform/HostFileManager.h"
-#include "platform/UserDefaults.h"
+#include "platform/device/UserDefaults.h"
+#include "platform/files/HostFileManager.h"
 #include "protection/PathWhitelistManager.h"
 
 namespace sweepwright {

@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
-"""Prints lines and branches by folder, and the uncovered places: coverage-table.py COVERAGE.json"""
+"""Prints lines and branches by layer, and the uncovered places: coverage-table.py COVERAGE.json"""
 import collections
 import itertools
 import json
+import os
 import pathlib
 import sys
 
@@ -35,6 +36,11 @@ def lines_of(file):
     return merged
 
 
+def source_of(name):
+    """The path of a source; headers are compiled by links to them in the build tree."""
+    return os.path.relpath(os.path.realpath(name))
+
+
 def spans(numbers):
     """Numbers as text, neighbours joined: 3, 7-9."""
     groups = []
@@ -50,8 +56,9 @@ def main():
     report = json.loads(pathlib.Path(sys.argv[1]).read_text())
     folders = collections.defaultdict(lambda: (Count(), Count()))
     uncovered = []
-    for file in sorted(report["files"], key=lambda file: file["file"]):
-        lines, branches = folders[str(pathlib.Path(file["file"]).parent)]
+    for file in sorted(report["files"], key=lambda file: source_of(file["file"])):
+        name = source_of(file["file"])
+        lines, branches = folders["/".join(pathlib.Path(name).parts[:2])]
         missed, half = [], []
         for number, line in lines_of(file).items():
             lines.add(line["count"])
@@ -62,7 +69,7 @@ def main():
             elif 0 in line["branches"]:
                 half.append(number)
         if missed or half:
-            uncovered.append((file["file"], spans(missed), spans(half)))
+            uncovered.append((name, spans(missed), spans(half)))
 
     print(f"{'folder':<16}  {'lines':>22}  {'branches':>22}")
     for folder, (lines, branches) in sorted(folders.items()):

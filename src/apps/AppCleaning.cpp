@@ -1,14 +1,14 @@
 // Emptying apps' caches: one, several, all.
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <exception>
-#include <semaphore>
+#include <utility>
 
 #include "apps/ThirdPartyAppCacheManager.h"
+#include "engine/KeepRule.h"
 #include "engine/LinkProtection.h"
-#include "platform/EntryNames.h"
-#include "platform/Log.h"
+#include "platform/files/EntryNames.h"
+#include "platform/log/Log.h"
 
 namespace sweepwright {
 
@@ -24,47 +24,51 @@ constexpr std::array<std::string_view, 3> kCleanedFolders = {"Library/Caches", "
 
 }  // namespace
 
+void ThirdPartyAppCacheManager::stop() {
+    const std::lock_guard lock(mutex_);
+    // The cleans asked for so far stay stopped; those to come have another source.
+    std::exchange(stopSource_, std::stop_source()).request_stop();
+}
+
+std::stop_token ThirdPartyAppCacheManager::stopToken() const {
+    const std::lock_guard lock(mutex_);
+    return stopSource_.get_token();
+}
+
 void ThirdPartyAppCacheManager::cleanCacheForApp(const std::string& bundleIdentifier,
                                                  Progress progress, Completion completion,
                                                  Observer observer) {
-    stopRequested_ = false;
-    startClean(bundleIdentifier, std::move(progress), std::move(observer),
-               [this, completion = std::move(completion)](std::uint64_t cleaned,
-                                                          std::optional<Error> error) {
-                   postCompletion(completion, cleaned, std::move(error));
-               });
+    scanQueue_->async([this, bundleIdentifier, progress = std::move(progress),
+                       completion = std::move(completion), observer = std::move(observer),
+                       stop = stopToken()] {
+        std::optional<Error> error;
+        const Run run{bundleIdentifier, progress, observerOr(observer), stop};
+        const std::uint64_t cleaned = cleanAndRecord(run, error);
+        postCompletion(completion, cleaned, std::move(error));
+    });
 }
 
-void ThirdPartyAppCacheManager::startClean(const std::string& bundleIdentifier, Progress progress,
-                                           Observer observer, Cleaned done) {
-    scanQueue_->async([this, bundleIdentifier, progress = std::move(progress),
-                       observer = std::move(observer), done = std::move(done)] {
-        std::optional<Error> error;
-        std::uint64_t cleaned = 0;
-        const Run run{bundleIdentifier, progress, observerOr(observer)};
-        auto admitted = admission();
-        if (!admitted) {
-            error = admitted.error();
-        } else {
-            cleaned = cleanNow(run, error);
-        }
-        if (!error && cleaned > 0) {
-            record(
-                cleaned,
-                "第三方应用: " + (bundleIdentifier.contains('.') ? bundleIdentifier
-                                                                 : std::string("第三方应用缓存")),
-                run.observer);
-            invalidateCacheForApp(bundleIdentifier);
-        }
-        if (admitted) admitted->reset();
-        done(cleaned, std::move(error));
-    });
+std::uint64_t ThirdPartyAppCacheManager::cleanAndRecord(const Run& run,
+                                                        std::optional<Error>& error) {
+    const auto admitted = admission();
+    if (!admitted) {
+        error = admitted.error();
+        return 0;
+    }
+    const std::uint64_t cleaned = cleanNow(run, error);
+    if (!error && cleaned > 0) {
+        record(cleaned,
+               "第三方应用: " + (run.app.contains('.') ? run.app : std::string("第三方应用缓存")),
+               run.observer);
+        invalidateCacheForApp(run.app);
+    }
+    return cleaned;
 }
 
 std::uint64_t ThirdPartyAppCacheManager::cleanNow(const std::string& bundleIdentifier,
                                                   const Progress& progress,
                                                   std::optional<Error>& error) {
-    return cleanNow({bundleIdentifier, progress, observer_}, error);
+    return cleanNow({bundleIdentifier, progress, observer_, stopToken()}, error);
 }
 
 std::uint64_t ThirdPartyAppCacheManager::cleanNow(const Run& run, std::optional<Error>& error) {
@@ -123,7 +127,7 @@ std::optional<std::uint64_t> ThirdPartyAppCacheManager::cleanFolder(const std::s
                                                                     std::string_view relative,
                                                                     const Run& run) {
     const std::string path = joinPath(container, relative);
-    if (isStopped()) return std::nullopt;
+    if (run.isStopped()) return std::nullopt;
     if (const auto there = services_.files.attributes(path, LastLink::Follow); !there) {
         noteUnreadable(path, there.error(), run.observer);
         return std::nullopt;
@@ -156,8 +160,8 @@ void ThirdPartyAppCacheManager::noteRefused(const std::string& container, std::s
         if (step && step->type == platform::FileType::SymbolicLink)
             return run.kept(path, KeptReason::Link);
     }
-    if (error.code == EXDEV) return run.kept(path, KeptReason::MountPoint);
-    if (error.code == ENOTDIR) return run.kept(path, KeptReason::Failed, error.description);
+    if (error.isMountPoint()) return run.kept(path, KeptReason::MountPoint);
+    if (error.isNotDirectory()) return run.kept(path, KeptReason::Failed, error.description);
     noteUnreadable(path, error, run.observer);
 }
 
@@ -183,7 +187,7 @@ bool ThirdPartyAppCacheManager::removeContentsOfDirectory(const std::string& pat
         log("⚠️ 无法读取目录: {} 错误: {}", path, directory.error().description);
         return false;
     }
-    return removeEntries(*directory, {appName, progress, observer_}).has_value();
+    return removeEntries(*directory, {appName, progress, observer_, stopToken()}).has_value();
 }
 
 std::optional<ThirdPartyAppCacheManager::Emptied> ThirdPartyAppCacheManager::removeEntries(
@@ -203,7 +207,7 @@ std::optional<ThirdPartyAppCacheManager::Emptied> ThirdPartyAppCacheManager::rem
     const auto count = static_cast<double>(names->size());
     while (names->size() > 0) {
         const std::string name = names->take();
-        if (isStopped()) {
+        if (run.isStopped()) {
             emptied.wasStopped = true;
             break;
         }
@@ -223,7 +227,7 @@ void ThirdPartyAppCacheManager::keepEntry(const platform::Directory& directory,
                                           const std::string& name, const Run& run,
                                           Emptied& emptied) {
     const std::string path = directory.pathOf(name);
-    log("🔒 跳过白名单路径: {}", path);
+    logKept(path, KeptReason::Protected);
     emptied.keptSomething = true;
     if (run.observer != nullptr)
         run.kept(path, KeptReason::Protected,
@@ -242,7 +246,7 @@ void ThirdPartyAppCacheManager::removeEntry(const platform::Directory& directory
         for (const std::string& mountPoint : removal.mountPoints)
             run.kept(mountPoint, KeptReason::MountPoint);
         // What another has removed meanwhile is gone as it was to be.
-        if (!removal.onlyMountPointsStay && removal.error->code != ENOENT)
+        if (!removal.onlyMountPointsStay && !removal.error->isNotFound())
             run.kept(path, KeptReason::Failed, removal.error->description);
     } else if (run.observer != nullptr) {
         run.observer->removed(path, removal.bytes);
@@ -252,24 +256,20 @@ void ThirdPartyAppCacheManager::removeEntry(const platform::Directory& directory
 void ThirdPartyAppCacheManager::cleanCacheForApps(std::vector<std::string> bundleIdentifiers,
                                                   Progress progress, Completion completion,
                                                   Observer observer) {
-    stopRequested_ = false;
-    startBatch(std::move(bundleIdentifiers), std::move(progress), std::move(completion),
-               std::move(observer));
+    scanQueue_->async(
+        [this, identifiers = std::move(bundleIdentifiers), progress = std::move(progress),
+         completion = std::move(completion), observer = std::move(observer),
+         stop = stopToken()] { runBatch(identifiers, {progress, observer, stop}, completion); });
 }
 
-void ThirdPartyAppCacheManager::startBatch(std::vector<std::string> bundleIdentifiers,
-                                           Progress progress, Completion completion,
-                                           Observer observer) {
-    scanQueue_->async([this, identifiers = std::move(bundleIdentifiers),
-                       progress = std::move(progress), completion = std::move(completion),
-                       observer = std::move(observer)] {
-        // Held throughout, so that no other process comes between two of the apps.
-        auto admitted = admission();
-        if (!admitted) return postCompletion(completion, 0, admitted.error());
-        const std::uint64_t total = cleanBatch(identifiers, progress, observer);
-        admitted->reset();
-        postCompletion(completion, total, std::nullopt);
-    });
+void ThirdPartyAppCacheManager::runBatch(const std::vector<std::string>& identifiers,
+                                         const Batch& batch, const Completion& completion) {
+    // Held throughout, so that no other process comes between two of the apps.
+    auto admitted = admission();
+    if (!admitted) return postCompletion(completion, 0, admitted.error());
+    const std::uint64_t total = cleanBatch(identifiers, batch);
+    admitted->reset();
+    postCompletion(completion, total, std::nullopt);
 }
 
 platform::Result<std::optional<CleanLock::Share>> ThirdPartyAppCacheManager::admission() {
@@ -279,32 +279,27 @@ platform::Result<std::optional<CleanLock::Share>> ThirdPartyAppCacheManager::adm
 }
 
 std::uint64_t ThirdPartyAppCacheManager::cleanBatch(const std::vector<std::string>& identifiers,
-                                                    const Progress& progress,
-                                                    const Observer& observer) {
-    CleanObserver* const listener = observerOr(observer);
+                                                    const Batch& batch) {
+    CleanObserver* const listener = observerOr(batch.observer);
     // Where the apps' containers can't be listed there may be more of them than we were told.
     const std::string containers(kDataContainers);
     if (const auto opened = services_.files.openDirectory(containers, LastLink::Follow); !opened)
         noteUnreadable(containers, opened.error(), listener);
     std::uint64_t total = 0;
     const auto count = static_cast<double>(identifiers.size());
-    for (std::size_t index = 0; index < identifiers.size() && !isStopped(); ++index) {
+    for (std::size_t index = 0; index < identifiers.size(); ++index) {
+        if (batch.stop.stop_requested()) break;
         Progress inner;
-        if (progress) {
-            inner = [progress, index, count](const std::string& name, double fraction) {
+        if (batch.progress) {
+            inner = [progress = batch.progress, index, count](const std::string& name,
+                                                              double fraction) {
                 progress(name, (static_cast<double>(index) + fraction) / count);
             };
         }
-        std::binary_semaphore finished(0);
-        const std::string& identifier = identifiers[index];
-        startClean(identifier, std::move(inner), observer,
-                   [&](std::uint64_t cleaned, const std::optional<Error>& error) {
-                       total += cleaned;
-                       if (error && listener != nullptr)
-                           listener->kept(identifier, KeptReason::Failed, error->description);
-                       finished.release();
-                   });
-        finished.acquire();
+        std::optional<Error> error;
+        total += cleanAndRecord({identifiers[index], inner, listener, batch.stop}, error);
+        if (error && listener != nullptr)
+            listener->kept(identifiers[index], KeptReason::Failed, error->description);
     }
     if (total > 0) record(total, "第三方应用缓存（全部）", listener);
     for (const std::string& identifier : identifiers)
@@ -315,15 +310,15 @@ std::uint64_t ThirdPartyAppCacheManager::cleanBatch(const std::vector<std::strin
 void ThirdPartyAppCacheManager::cleanAllThirdPartyAppCaches(Progress progress,
                                                             Completion completion,
                                                             Observer observer) {
-    stopRequested_ = false;
-    scanThirdPartyAppsWithCompletion(
-        [this, progress = std::move(progress), completion = std::move(completion),
-         observer = std::move(observer)](const AppList& thirdPartyApps) {
-            // Another process may have protected an app since the lists were last read.
-            if (const auto ready = readiness(); !ready)
-                return postCompletion(completion, 0, ready.error());
-            startBatch(withoutWhitelisted(thirdPartyApps), progress, completion, observer);
-        });
+    scanQueue_->async([this, progress = std::move(progress), completion = std::move(completion),
+                       observer = std::move(observer), stop = stopToken()] {
+        AppList apps = scanNow();
+        leaveOutSystemApps(apps);
+        // Another process may have protected an app since the lists were last read.
+        if (const auto ready = readiness(); !ready)
+            return postCompletion(completion, 0, ready.error());
+        runBatch(withoutWhitelisted(apps), {progress, observer, stop}, completion);
+    });
 }
 
 std::vector<std::string> ThirdPartyAppCacheManager::withoutWhitelisted(

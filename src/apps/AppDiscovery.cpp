@@ -4,8 +4,8 @@
 
 #include "apps/BundleIndex.h"
 #include "apps/ThirdPartyAppCacheManager.h"
-#include "platform/Log.h"
-#include "platform/ParallelFor.h"
+#include "platform/log/Log.h"
+#include "platform/tree/ParallelFor.h"
 
 namespace sweepwright {
 

@@ -4,9 +4,9 @@
 #include <optional>
 #include <string>
 
-#include "platform/FileManager.h"
-#include "platform/Image.h"
-#include "platform/ResourceBundle.h"
+#include "platform/files/FileManager.h"
+#include "platform/image/Image.h"
+#include "platform/system/ResourceBundle.h"
 
 namespace sweepwright {
 

@@ -6,8 +6,8 @@
 #include <unordered_map>
 
 #include "apps/BundleIndex.h"
-#include "platform/Device.h"
-#include "platform/FileManager.h"
+#include "platform/device/Device.h"
+#include "platform/files/FileManager.h"
 
 namespace sweepwright {
 

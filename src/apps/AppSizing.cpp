@@ -1,6 +1,6 @@
 // How big an app's caches are.
 #include "apps/ThirdPartyAppCacheManager.h"
-#include "platform/Log.h"
+#include "platform/log/Log.h"
 
 namespace sweepwright {
 

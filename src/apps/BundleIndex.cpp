@@ -4,7 +4,7 @@
 #include <set>
 
 #include "engine/CategoryRules.h"
-#include "platform/PropertyList.h"
+#include "platform/plist/PropertyList.h"
 
 namespace sweepwright {
 

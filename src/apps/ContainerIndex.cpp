@@ -1,8 +1,6 @@
 #include "apps/ContainerIndex.h"
 
-#include <cerrno>
-
-#include "platform/PropertyList.h"
+#include "platform/plist/PropertyList.h"
 
 namespace sweepwright {
 
@@ -38,8 +36,8 @@ platform::Result<std::string> ownerOfContainer(platform::FileManager& files,
                                                const std::string& container) {
     auto bytes = readMetadata(files, container);
     // What is said to be absent is looked for once more.
-    if (!bytes && bytes.error().code == ENOENT) bytes = readMetadata(files, container);
-    if (!bytes && bytes.error().code != ENOENT) return std::unexpected(bytes.error());
+    if (!bytes && bytes.error().isNotFound()) bytes = readMetadata(files, container);
+    if (!bytes && !bytes.error().isNotFound()) return std::unexpected(bytes.error());
     return identifierByMetadata(bytes).value_or(
         std::string(platform::lastPathComponent(container)));
 }

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <unordered_map>
 
-#include "platform/FileManager.h"
+#include "platform/files/FileManager.h"
 
 namespace sweepwright {
 

@@ -8,8 +8,8 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/FileManager.h"
-#include "platform/Unreadable.h"
+#include "platform/files/FileManager.h"
+#include "platform/tree/Unreadable.h"
 
 namespace sweepwright {
 

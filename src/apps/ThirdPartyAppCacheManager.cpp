@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "platform/Log.h"
+#include "platform/log/Log.h"
 
 namespace sweepwright {
 
@@ -46,11 +46,15 @@ void ThirdPartyAppCacheManager::scanThirdPartyAppsWithCompletion(ListCompletion 
                                                                  Progress progress) {
     scanAllAppsWithCompletion(
         [completion = std::move(completion)](AppList apps) {
-            std::erase_if(apps, [](const AppCacheInfo& app) { return app.isSystemApp; });
-            platform::log("✅ 找到 {} 个第三方应用", apps.size());
+            leaveOutSystemApps(apps);
             if (completion) completion(apps);
         },
         std::move(progress));
+}
+
+void ThirdPartyAppCacheManager::leaveOutSystemApps(AppList& apps) {
+    std::erase_if(apps, [](const AppCacheInfo& app) { return app.isSystemApp; });
+    platform::log("✅ 找到 {} 个第三方应用", apps.size());
 }
 
 std::size_t ThirdPartyAppCacheManager::getInstalledAppCount() const {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -8,6 +7,7 @@
 #include <mutex>
 #include <optional>
 #include <set>
+#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -16,14 +16,14 @@
 #include "apps/HiddenRoots.h"
 #include "engine/CleanObserver.h"
 #include "engine/Eraser.h"
-#include "platform/ApplicationWorkspace.h"
-#include "platform/Device.h"
-#include "platform/DispatchQueue.h"
-#include "platform/FileManager.h"
-#include "platform/NotificationCenter.h"
-#include "platform/ProgressThrottle.h"
-#include "platform/ResourceBundle.h"
-#include "platform/TreeWalker.h"
+#include "platform/device/Device.h"
+#include "platform/files/FileManager.h"
+#include "platform/queue/DispatchQueue.h"
+#include "platform/queue/NotificationCenter.h"
+#include "platform/queue/ProgressThrottle.h"
+#include "platform/system/ApplicationWorkspace.h"
+#include "platform/system/ResourceBundle.h"
+#include "platform/tree/TreeWalker.h"
 #include "protection/AppWhitelistManager.h"
 #include "protection/CleanHistoryManager.h"
 #include "protection/CleanLock.h"
@@ -158,8 +158,9 @@ class ThirdPartyAppCacheManager {
     /// Reads the protection lists afresh; the error when one can't be read and cleans must refuse.
     [[nodiscard]] platform::Result<> readiness() const;
 
-    /// Ends the running cleans after the entry in hand; what was freed counts. Thread-safe.
-    void stop() { stopRequested_ = true; }
+    /// Ends the cleans asked for so far after the entry in hand; what was freed counts. Cleans
+    /// asked for later are not affected. Thread-safe.
+    void stop();
 
     /// Who hears of every decision of the cleans to come and of what a scan can't read. Not while
     /// any of that runs.
@@ -179,6 +180,8 @@ class ThirdPartyAppCacheManager {
                             const BundleIndex& bundles);
     std::vector<Candidate> findCandidates(const std::vector<std::string>& containers,
                                           std::set<std::string> known);
+    /// Leaves the third-party apps, and logs their number.
+    static void leaveOutSystemApps(AppList& apps);
     static void report(const Progress& progress, const AppCacheInfo& app, std::size_t done,
                        std::size_t count);
     /// None when the app has no data container; an error is the service's exception.
@@ -197,27 +200,32 @@ class ThirdPartyAppCacheManager {
     [[nodiscard]] static platform::WalkRules entryRules();
 
     // Cleaning.
-    [[nodiscard]] bool isStopped() const { return stopRequested_; }
+    /// That of a clean asked for now.
+    [[nodiscard]] std::stop_token stopToken() const;
     /// What a clean holds while it may change the device; an error when it must not start.
     platform::Result<std::optional<CleanLock::Share>> admission();
-    /// Told on the queue of the cleans, so that who waits there needs no main queue that runs.
-    using Cleaned = std::function<void(std::uint64_t cleaned, std::optional<Error> error)>;
-    void startClean(const std::string& bundleIdentifier, Progress progress, Observer observer,
-                    Cleaned done);
-    void startBatch(std::vector<std::string> bundleIdentifiers, Progress progress,
-                    Completion completion, Observer observer);
-    /// One clean of one app, and who hears of it.
+    /// One clean of one app, who hears of it and what ends it.
     struct Run {
         const std::string& app;  ///< its identifier
         const Progress& progress;
         CleanObserver* observer;
+        std::stop_token stop;
 
+        [[nodiscard]] bool isStopped() const { return stop.stop_requested(); }
         void kept(const std::string& path, KeptReason reason, const std::string& by = {}) const {
             if (observer != nullptr) observer->kept(path, reason, by);
         }
     };
+    /// The same of several apps.
+    struct Batch {
+        const Progress& progress;
+        const Observer& observer;
+        std::stop_token stop;
+    };
     CleanObserver* observerOr(const Observer& own) const { return own ? own.get() : observer_; }
     std::uint64_t cleanNow(const Run& run, std::optional<Error>& error);
+    /// The same with all that a clean asked for does beside it.
+    std::uint64_t cleanAndRecord(const Run& run, std::optional<Error>& error);
     /// What became of a folder's entries.
     struct Emptied {
         std::uint64_t freed = 0;     ///< bytes of what went
@@ -243,16 +251,17 @@ class ThirdPartyAppCacheManager {
     void removeEntry(const platform::Directory& directory, const std::string& name, const Run& run,
                      Emptied& emptied);
     void record(std::uint64_t cleaned, const std::string& historyName, CleanObserver* observer);
-    std::uint64_t cleanBatch(const std::vector<std::string>& identifiers, const Progress& progress,
-                             const Observer& observer);
+    std::uint64_t cleanBatch(const std::vector<std::string>& identifiers, const Batch& batch);
+    void runBatch(const std::vector<std::string>& identifiers, const Batch& batch,
+                  const Completion& completion);
     void postCompletion(Completion completion, std::uint64_t cleaned, std::optional<Error> error);
 
     AppServices services_;
     platform::TreeWalker walker_;
     ContainerIndex containers_;
     CleanObserver* observer_ = nullptr;
-    std::atomic<bool> stopRequested_{false};
     mutable std::mutex mutex_;
+    std::stop_source stopSource_;  ///< of the cleans asked for since the last stop()
     std::shared_ptr<const AppList> cachedAppList_;
     std::map<std::string, AppCacheInfo> appInfoCache_;
     std::once_flag ownIconRead_;

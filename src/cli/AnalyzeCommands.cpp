@@ -20,8 +20,8 @@
 #include "cli/Wording.h"
 #include "engine/FileCleanerEngine.h"
 #include "engine/FolderAnalysis.h"
-#include "platform/DateText.h"
-#include "platform/Device.h"
+#include "platform/device/Device.h"
+#include "platform/text/DateText.h"
 
 namespace sweepwright::cli {
 

@@ -15,7 +15,7 @@
 #include "cli/PreviewOutput.h"
 #include "cli/Translation.h"
 #include "cli/Wording.h"
-#include "platform/DispatchQueue.h"
+#include "platform/queue/DispatchQueue.h"
 
 namespace sweepwright::cli {
 

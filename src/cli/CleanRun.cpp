@@ -7,7 +7,7 @@
 #include "cli/FailureReport.h"
 #include "cli/Text.h"
 #include "cli/Translation.h"
-#include "platform/DispatchQueue.h"
+#include "platform/queue/DispatchQueue.h"
 
 namespace sweepwright::cli {
 

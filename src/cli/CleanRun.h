@@ -7,7 +7,7 @@
 
 #include "cli/Context.h"
 #include "cli/Failure.h"
-#include "platform/Error.h"
+#include "platform/base/Error.h"
 
 namespace sweepwright::cli {
 

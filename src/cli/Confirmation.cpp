@@ -6,9 +6,9 @@
 #include <fmt/format.h>
 
 #include "cli/Translation.h"
-#include "platform/ControlText.h"
-#include "platform/FileManager.h"
-#include "platform/Terminal.h"
+#include "platform/files/FileManager.h"
+#include "platform/process/Terminal.h"
+#include "platform/text/ControlText.h"
 
 namespace sweepwright::cli {
 

@@ -6,7 +6,7 @@
 #include <fmt/format.h>
 
 #include "cli/Translation.h"
-#include "platform/FileManager.h"
+#include "platform/files/FileManager.h"
 
 namespace sweepwright::cli {
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <utility>
 
-#include "platform/Error.h"
+#include "platform/base/Error.h"
 
 namespace sweepwright::cli {
 

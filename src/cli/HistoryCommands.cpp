@@ -11,7 +11,7 @@
 #include "cli/Text.h"
 #include "cli/Translation.h"
 #include "cli/Wording.h"
-#include "platform/DateText.h"
+#include "platform/text/DateText.h"
 #include "protection/CleanHistoryManager.h"
 #include "protection/CleanStatistics.h"
 

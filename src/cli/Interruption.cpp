@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "cli/Failure.h"
-#include "platform/Log.h"
+#include "platform/log/Log.h"
 
 namespace sweepwright::cli {
 

@@ -5,7 +5,7 @@
 #include <mutex>
 #include <optional>
 
-#include "platform/InterruptSignals.h"
+#include "platform/process/InterruptSignals.h"
 
 namespace sweepwright::cli {
 

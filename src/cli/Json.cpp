@@ -1,7 +1,7 @@
 #include "cli/Json.h"
 
 #include "cli/Text.h"
-#include "platform/Utf8.h"
+#include "platform/text/Utf8.h"
 
 namespace sweepwright::cli {
 

@@ -6,7 +6,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "platform/Error.h"
+#include "platform/base/Error.h"
 
 namespace sweepwright::cli {
 

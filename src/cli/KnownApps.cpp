@@ -9,7 +9,7 @@
 #include "apps/ThirdPartyAppCacheManager.h"
 #include "cli/Suggestion.h"
 #include "cli/Translation.h"
-#include "platform/FileManager.h"
+#include "platform/files/FileManager.h"
 
 namespace sweepwright::cli {
 

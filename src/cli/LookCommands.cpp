@@ -1,6 +1,4 @@
 // What a person looks at before a clean: lists and storage. Nothing is changed.
-#include <array>
-#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -13,35 +11,23 @@
 #include "cli/Translation.h"
 #include "cli/Wording.h"
 #include "engine/FileCleanerEngine.h"
-#include "platform/Device.h"
-#include "platform/HostFileManager.h"
+#include "platform/device/Device.h"
+#include "platform/files/HostFileManager.h"
 
 namespace sweepwright::cli {
 
 namespace {
 
-using PathList = std::vector<std::string> (FileCleanerEngine::*)();
-
-/// The path lists by category value; caches have a list of their own, offline data has none.
-constexpr std::array<PathList, 9> kPathLists = {nullptr,
-                                                &FileCleanerEngine::getTempFileList,
-                                                &FileCleanerEngine::getCookieFileList,
-                                                &FileCleanerEngine::getSystemLogFileList,
-                                                &FileCleanerEngine::getDownloadsFileList,
-                                                &FileCleanerEngine::getImageCacheFileList,
-                                                &FileCleanerEngine::getDatabaseFileList,
-                                                &FileCleanerEngine::getCrashReportFileList,
-                                                nullptr};
-
 Outcome listCategory(Context& context, const Call& call) {
     FileCleanerEngine& engine = context.engine();
     const Category* category = categoryNamed(call.word("CATEGORY"));
     Output& output = context.output();
-    if (category->type == CleanType::OfflineData)
-        return wrongWords(
-            translated("offline-data has no list of files; try: sweepctl size offline-data"));
+    const bool hasSizes = category->type == CleanType::Cache;
+    if (category->list == nullptr && !hasSizes) {
+        return wrongWords(told("{0} has no list of files; try: sweepctl size {0}", category->word));
+    }
     context.progress().update(translated(category->label), 0);
-    if (category->type == CleanType::Cache) {
+    if (hasSizes) {
         Json document = Json::array();
         Table table = sizedTable();
         for (const CacheEntry& entry : engine.getCacheFileList()) {
@@ -53,7 +39,7 @@ Outcome listCategory(Context& context, const Call& call) {
         output.table(table);
         return {};
     }
-    const auto paths = (engine.*kPathLists.at(static_cast<std::size_t>(category->type)))();
+    const auto paths = (engine.*category->list)();
     context.progress().clear();
     output.document(pathArray(paths));
     Table table({{.title = wording::kPath, .holds = Holds::OwnedPath}});

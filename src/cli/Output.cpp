@@ -10,8 +10,8 @@
 #include "cli/Translation.h"
 #include "cli/Wording.h"
 #include "engine/StorageAnalyzer.h"
-#include "platform/ControlText.h"
-#include "platform/Terminal.h"
+#include "platform/process/Terminal.h"
+#include "platform/text/ControlText.h"
 
 namespace sweepwright::cli {
 

@@ -9,7 +9,7 @@
 
 #include "cli/Json.h"
 #include "cli/Table.h"
-#include "platform/Error.h"
+#include "platform/base/Error.h"
 
 namespace sweepwright::cli {
 

@@ -7,8 +7,8 @@
 #include <fmt/ranges.h>
 
 #include "cli/Translation.h"
-#include "platform/Device.h"
-#include "platform/FileManager.h"
+#include "platform/device/Device.h"
+#include "platform/files/FileManager.h"
 #include "protection/PersonalData.h"
 
 namespace sweepwright::cli {

@@ -1,6 +1,5 @@
 #include "cli/Program.h"
 
-#include <cerrno>
 #include <cstdio>
 #include <memory>
 #include <stop_token>
@@ -15,8 +14,8 @@
 #include "cli/FailureReport.h"
 #include "cli/Help.h"
 #include "cli/Translation.h"
-#include "platform/Log.h"
-#include "platform/Terminal.h"
+#include "platform/log/Log.h"
+#include "platform/process/Terminal.h"
 
 namespace sweepwright::cli {
 
@@ -124,7 +123,7 @@ int runProgram(const std::vector<std::string>& words) {
     }
     if (auto written = output.flush(); !written) {
         // A reader that has gone (a pipe into `head`) has seen what it wanted.
-        if (written.error().code != EPIPE) complain(written.error().description);
+        if (!written.error().isBrokenPipe()) complain(written.error().description);
         if (status == kDone) status = kOperationFailed;
     }
     return status;

@@ -12,9 +12,9 @@
 #include <fmt/format.h>
 
 #include "cli/Text.h"
-#include "platform/ControlText.h"
-#include "platform/Terminal.h"
-#include "platform/TextWidth.h"
+#include "platform/process/Terminal.h"
+#include "platform/text/ControlText.h"
+#include "platform/text/TextWidth.h"
 
 namespace sweepwright::cli {
 

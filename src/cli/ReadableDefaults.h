@@ -1,7 +1,7 @@
 #pragma once
 
 #include "cli/Failure.h"
-#include "platform/UserDefaults.h"
+#include "platform/device/UserDefaults.h"
 
 namespace sweepwright::cli {
 

@@ -6,7 +6,7 @@
 #include "cli/Command.h"
 #include "cli/Context.h"
 #include "cli/Translation.h"
-#include "launch/SampleDevice.h"
+#include "sample/SampleDevice.h"
 
 namespace sweepwright::cli {
 
@@ -19,7 +19,7 @@ Outcome makeSample(Context& context, const Call& call) {
     const Interruption::Stoppable stoppable(context.interruption(), [&] { stop.request_stop(); });
     context.progress().update(translated("making a sample device"), 0);
     const auto made =
-        launch::makeSampleDevice(folder, scale, std::chrono::system_clock::now(), stop.get_token());
+        sample::makeSampleDevice(folder, scale, std::chrono::system_clock::now(), stop.get_token());
     context.progress().clear();
     if (!made) return failed(made.error());
 

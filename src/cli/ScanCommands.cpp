@@ -21,7 +21,10 @@ namespace sweepwright::cli {
 
 namespace {
 
-constexpr int kSteps = 10;  // the nine categories and the custom paths
+/// What a scan, or the question what would go, has to do: the categories, and one thing more.
+double shareDone(std::size_t steps) {
+    return static_cast<double>(steps) / static_cast<double>(categories().size() + 1);
+}
 
 /// A figure is no promise when what must stay can't be told: a clean would refuse.
 void warnIfUnprotected(FileCleanerEngine& engine) {
@@ -84,8 +87,7 @@ Table scanTable(const ScanResult& result, const WouldFree& wouldFree) {
 platform::Result<WouldFree> findWouldFree(Context& context) {
     WouldFree found;
     const auto add = [&](std::string_view word, CleanType type) -> platform::Result<> {
-        context.progress().update(translated("finding what would go"),
-                                  static_cast<double>(found.size()) / kSteps);
+        context.progress().update(translated("finding what would go"), shareDone(found.size()));
         const auto preview = previewClean(EngineServices::shared(), type, &context.failures());
         if (!preview) return std::unexpected(preview.error());
         found.emplace(word, preview->wouldFree);
@@ -102,7 +104,7 @@ Outcome scan(Context& context, const Call& call) {
     FileCleanerEngine& engine = context.engine();
     warnIfUnprotected(engine);
     const ScanResult result = engine.scan([&](std::string_view key, int done) {
-        context.progress().update(labelOf(key), static_cast<double>(done) / kSteps);
+        context.progress().update(labelOf(key), shareDone(static_cast<std::size_t>(done)));
     });
     platform::Result<WouldFree> wouldFree;
     if (call.has("--would-free")) wouldFree = findWouldFree(context);

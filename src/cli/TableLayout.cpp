@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "cli/Translation.h"
-#include "platform/TextWidth.h"
+#include "platform/text/TextWidth.h"
 
 namespace sweepwright::cli {
 

@@ -9,8 +9,8 @@
 #include <fmt/format.h>
 
 #include "cli/Translation.h"
-#include "platform/TextWidth.h"
-#include "platform/Utf8.h"
+#include "platform/text/TextWidth.h"
+#include "platform/text/Utf8.h"
 
 namespace sweepwright::cli {
 

@@ -4,9 +4,9 @@
 
 #include <fmt/format.h>
 
-#include "platform/Log.h"
-#include "platform/ResourceBundle.h"
-#include "platform/Terminal.h"
+#include "platform/log/Log.h"
+#include "platform/process/Terminal.h"
+#include "platform/system/ResourceBundle.h"
 
 namespace sweepwright::cli {
 

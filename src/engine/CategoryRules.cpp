@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string>
 
-#include "platform/FileManager.h"
+#include "platform/files/FileManager.h"
 
 namespace sweepwright::rules {
 

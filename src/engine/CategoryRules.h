@@ -3,8 +3,8 @@
 #include <array>
 #include <string_view>
 
-/// Where the clean categories lie and which names belong to them: the one place that measuring,
-/// listing and cleaning share.
+/// Which names belong to the clean categories, and the places of the system: the one place that
+/// measuring, listing and cleaning share.
 namespace sweepwright::rules {
 
 inline constexpr std::string_view kSharedCaches = "/var/mobile/Library/Caches";
@@ -39,12 +39,6 @@ inline constexpr std::array<std::string_view, 3> kDiagnostics = {
     "/var/db/diagnostics/Persist",
     "/var/db/diagnostics/Signpost",
     "/var/db/diagnostics/Special",
-};
-
-/// Crash report folders beneath the home directory.
-inline constexpr std::array<std::string_view, 2> kCrashReportFolders = {
-    "Library/Logs/CrashReporter",
-    "Library/Logs/DiagnosticReports",
 };
 
 /// The app's own cache folder carries this in its name and is never cleaned.

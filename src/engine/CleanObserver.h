@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/Error.h"
-#include "platform/Unreadable.h"
+#include "platform/base/Error.h"
+#include "platform/tree/Unreadable.h"
 #include "protection/CleanType.h"
 
 namespace sweepwright {

@@ -1,9 +1,11 @@
 // The nine category cleaners: which locations, which entries, in which order.
 #include <exception>
 
+#include "engine/Categories.h"
 #include "engine/CategoryRules.h"
 #include "engine/FileCleanerEngine.h"
-#include "platform/Log.h"
+#include "engine/KeepRule.h"
+#include "platform/log/Log.h"
 
 namespace sweepwright {
 
@@ -36,6 +38,16 @@ std::uint64_t FileCleanerEngine::cleanEntries(const std::string& directory, Name
     for (const std::string& name : cleanableEntriesOf(directory))
         if (rule(name))
             total += removeContentsOfDirectory(joinPath(directory, name), progress, Mounts::Refuse);
+    return total;
+}
+
+std::uint64_t FileCleanerEngine::cleanPlaces(CleanType type, const Progress& progress) {
+    std::uint64_t total = 0;
+    for (const Place& place : categoryOf(type)->places) {
+        const std::string folder = home(place.folder);
+        total += place.rule != nullptr ? cleanEntries(folder, place.rule, progress)
+                                       : cleanIfPresent(folder, progress);
+    }
     return total;
 }
 
@@ -111,19 +123,7 @@ std::uint64_t FileCleanerEngine::cleanSystemCaches(const Progress& progress) {
 std::uint64_t FileCleanerEngine::cleanSharedCache(const std::string& name,
                                                   const Progress& progress) {
     const std::string path = joinPath(rules::kSharedCaches, name);
-    if (name.contains(rules::kProductName)) {
-        noteKept(path, KeptReason::OwnFolder);
-        return 0;
-    }
-    if (isPathInWhitelist(path)) {
-        log("🔒 跳过白名单路径: {}", path);
-        noteProtected(path);
-        return 0;
-    }
-    if (isMapsAppPath(path)) {
-        keepMaps(path);
-        return 0;
-    }
+    if (keepsLocation(path, kKeptSharedCaches)) return 0;
     if (!rules::isSharedCache(name)) return 0;
     // Asked again: the list may have changed since.
     if (isPathInWhitelist(path)) {
@@ -159,14 +159,7 @@ std::uint64_t FileCleanerEngine::cleanTempFilesWithProgress(const Progress& prog
 std::uint64_t FileCleanerEngine::cleanCookiesWithProgress(const Progress& progress,
                                                           ErrorSlot& /*error*/) {
     if (!isStopped()) logFailure(services_.eraser.deleteAllCookies());
-    std::uint64_t total = cleanIfPresent(home("Library/Cookies"), progress);
-    total += cleanIfPresent(home("Library/WebKit"), progress);
-    total += cleanEntries(services_.device.cachesDirectory(), rules::isWebCache, progress);
-    total +=
-        cleanEntries(services_.device.applicationSupportDirectory(), rules::isWebData, progress);
-    const std::string safari = home("Library/Safari");
-    if (existsToClean(safari)) total += cleanEntries(safari, rules::isSafariData, progress);
-    return total + cleanSystemSafari(progress);
+    return cleanPlaces(CleanType::Cookies, progress) + cleanSystemSafari(progress);
 }
 
 std::uint64_t FileCleanerEngine::cleanSystemSafari(const Progress& progress) {
@@ -211,26 +204,22 @@ std::uint64_t FileCleanerEngine::cleanSystemLogsWithProgress(const Progress& pro
 
 std::uint64_t FileCleanerEngine::cleanDownloadsWithProgress(const Progress& progress,
                                                             ErrorSlot& /*error*/) {
-    return cleanIfPresent(joinPath(services_.device.documentsDirectory(), "Downloads"), progress);
+    return cleanPlaces(CleanType::Downloads, progress);
 }
 
 std::uint64_t FileCleanerEngine::cleanImageCacheWithProgress(const Progress& progress,
                                                              ErrorSlot& /*error*/) {
-    return cleanEntries(services_.device.cachesDirectory(), rules::isImageCache, progress);
+    return cleanPlaces(CleanType::ImageCache, progress);
 }
 
 std::uint64_t FileCleanerEngine::cleanCrashReportsWithProgress(const Progress& progress,
                                                                ErrorSlot& /*error*/) {
-    std::uint64_t total = 0;
-    for (const std::string_view folder : rules::kCrashReportFolders)
-        total += cleanIfPresent(home(folder), progress);
-    return total;
+    return cleanPlaces(CleanType::CrashReports, progress);
 }
 
 std::uint64_t FileCleanerEngine::cleanOfflineDataWithProgress(const Progress& progress,
                                                               ErrorSlot& /*error*/) {
-    return cleanEntries(services_.device.applicationSupportDirectory(), rules::isOfflineData,
-                        progress);
+    return cleanPlaces(CleanType::OfflineData, progress);
 }
 
 }  // namespace sweepwright

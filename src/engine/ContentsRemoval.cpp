@@ -1,12 +1,12 @@
 // Removing the contents of a directory: the one routine behind every category cleaner.
-#include <cerrno>
 
 #include "engine/CategoryRules.h"
 #include "engine/FileCleanerEngine.h"
+#include "engine/KeepRule.h"
 #include "engine/LinkProtection.h"
-#include "platform/EntryNames.h"
-#include "platform/Log.h"
-#include "platform/ProgressThrottle.h"
+#include "platform/files/EntryNames.h"
+#include "platform/log/Log.h"
+#include "platform/queue/ProgressThrottle.h"
 
 namespace sweepwright {
 
@@ -44,7 +44,7 @@ void FileCleanerEngine::noteKept(const std::string& path, KeptReason reason,
 }
 
 void FileCleanerEngine::noteFailed(const std::string& path, const Error& error) {
-    if (error.domain == platform::kPosixErrorDomain && error.code == ENOENT) return;
+    if (error.isNotFound()) return;
     noteKept(path, KeptReason::Failed, error.description);
 }
 
@@ -72,7 +72,7 @@ LinkProtection FileCleanerEngine::protectionOf(const platform::Directory& direct
 }
 
 void FileCleanerEngine::keepMaps(const std::string& path) {
-    log("🗺️ 跳过地图应用缓存: {} (保护地图图片缓存)", path);
+    logKept(path, KeptReason::Maps);
     noteKept(path, KeptReason::Maps);
 }
 
@@ -106,7 +106,7 @@ std::optional<platform::Directory> FileCleanerEngine::openToEmpty(const std::str
         const auto itself = services_.files.attributes(directory, LastLink::Refuse);
         if (itself && itself->type == FileType::SymbolicLink) {
             noteKept(directory, KeptReason::Link);
-        } else if (opened.error().code == EXDEV) {
+        } else if (opened.error().isMountPoint()) {
             noteKept(directory, KeptReason::MountPoint);
         } else {
             noteUnreadable(directory, opened.error(), cleanObserver());
@@ -149,7 +149,7 @@ std::uint64_t FileCleanerEngine::removeEntriesOf(platform::Directory& directory,
         const std::string name = names->take();
         if (isStopped()) break;
         ++handled;
-        if (keepsEntry(directory, protection, name)) continue;
+        if (keepsEntry(directory, protection, name, kKeptInFolder)) continue;
         total += removeEntry(directory, name);
         if (progress) throttle.report(name, static_cast<double>(handled) / count);
     }
@@ -164,34 +164,61 @@ platform::Result<platform::FileAttributes> FileCleanerEngine::attributesOf(
     return services_.files.attributes(directory.pathOf(name), LastLink::Refuse);
 }
 
+/// An entry of a folder that is open.
+class FileCleanerEngine::FolderEntry final : public EntryInQuestion {
+  public:
+    FolderEntry(FileCleanerEngine& engine, const platform::Directory& directory,
+                const LinkProtection& protection, const std::string& name)
+        : EntryInQuestion(name, directory.pathOf(name)),
+          engine_(engine),
+          directory_(directory),
+          protection_(protection) {}
+
+    [[nodiscard]] bool isProtected() const override {
+        return engine_.isPathInWhitelist(path()) || protection_.covers(name());
+    }
+    [[nodiscard]] bool isLink() const override {
+        const auto attributes = engine_.attributesOf(directory_, std::string(name()));
+        return attributes && attributes->type == FileType::SymbolicLink;
+    }
+
+  private:
+    FileCleanerEngine& engine_;
+    const platform::Directory& directory_;
+    const LinkProtection& protection_;
+};
+
+/// A folder known by its path.
+class FileCleanerEngine::Location final : public EntryInQuestion {
+  public:
+    Location(const FileCleanerEngine& engine, const std::string& path)
+        : EntryInQuestion(platform::lastPathComponent(path), path), engine_(engine) {}
+    [[nodiscard]] bool isProtected() const override { return engine_.isPathInWhitelist(path()); }
+
+  private:
+    const FileCleanerEngine& engine_;
+};
+
+bool FileCleanerEngine::keeps(const EntryInQuestion& entry, std::span<const KeptReason> asked) {
+    const auto reason = reasonToKeep(entry, asked);
+    if (!reason) return false;
+    logKept(entry.path(), *reason);
+    if (*reason == KeptReason::Protected) {
+        noteProtected(entry.path());
+    } else {
+        noteKept(entry.path(), *reason);
+    }
+    return true;
+}
+
 bool FileCleanerEngine::keepsEntry(const platform::Directory& directory,
-                                   const LinkProtection& protection, const std::string& name) {
-    const std::string path = directory.pathOf(name);
-    if (name.starts_with('.')) {
-        noteKept(path, KeptReason::Hidden);
-        return true;
-    }
-    if (isPathInWhitelist(path) || protection.covers(name)) {
-        log("🔒 跳过白名单路径: {}", path);
-        noteProtected(path);
-        return true;
-    }
-    const auto attributes = attributesOf(directory, name);
-    if (attributes && attributes->type == FileType::SymbolicLink) {
-        noteKept(path, KeptReason::Link);
-        return true;
-    }
-    if (isSQLiteDatabaseFile(path)) {
-        log("⚠️ 跳过 SQLite 数据库文件: {}", path);
-        noteKept(path, KeptReason::Database);
-        return true;
-    }
-    // A home of its own has a caches directory of its own, whose Maps caches no list protects.
-    if (isMapsAppPath(path)) {
-        keepMaps(path);
-        return true;
-    }
-    return false;
+                                   const LinkProtection& protection, const std::string& name,
+                                   std::span<const KeptReason> asked) {
+    return keeps(FolderEntry(*this, directory, protection, name), asked);
+}
+
+bool FileCleanerEngine::keepsLocation(const std::string& path, std::span<const KeptReason> asked) {
+    return keeps(Location(*this, path), asked);
 }
 
 std::uint64_t FileCleanerEngine::removeEntry(const platform::Directory& directory,

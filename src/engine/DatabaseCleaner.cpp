@@ -3,8 +3,9 @@
 
 #include "engine/CategoryRules.h"
 #include "engine/FileCleanerEngine.h"
+#include "engine/KeepRule.h"
 #include "engine/LinkProtection.h"
-#include "platform/Log.h"
+#include "platform/log/Log.h"
 
 namespace sweepwright {
 
@@ -38,25 +39,12 @@ bool FileCleanerEngine::isInUse(const platform::Directory& library, const std::s
 bool FileCleanerEngine::isRemovableSideFile(const platform::Directory& library,
                                             const LinkProtection& protection,
                                             const std::string& name) {
-    const std::string path = library.pathOf(name);
-    if (name.starts_with('.')) {
-        noteKept(path, KeptReason::Hidden);
-        return false;
-    }
-    if (isPathInWhitelist(path) || protection.covers(name)) {
-        log("🔒 跳过白名单路径: {}", path);
-        noteProtected(path);
-        return false;
-    }
+    if (keepsEntry(library, protection, name, kKeptSideFiles)) return false;
     const auto attributes = attributesOf(library, name);
     if (!attributes) return true;
-    if (attributes->type == FileType::SymbolicLink) {
-        noteKept(path, KeptReason::Link);
-        return false;
-    }
     if (attributes->type != FileType::Regular) return false;
     if (isInUse(library, name, *attributes)) {
-        noteKept(path, KeptReason::RecentSideFile);
+        noteKept(library.pathOf(name), KeptReason::RecentSideFile);
         return false;
     }
     return true;

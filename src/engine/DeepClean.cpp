@@ -3,8 +3,9 @@
 
 #include "engine/CategoryRules.h"
 #include "engine/FileCleanerEngine.h"
+#include "engine/KeepRule.h"
 #include "engine/LinkProtection.h"
-#include "platform/Log.h"
+#include "platform/log/Log.h"
 
 namespace sweepwright {
 
@@ -127,14 +128,7 @@ void FileCleanerEngine::sweepSharedCaches(std::uint64_t& total) {
     for (const std::string& name : cleanableEntriesOf(shared)) {
         const std::string path = platform::joinPath(shared, name);
         if (isStopped()) return;
-        if (name.contains(rules::kProductName)) {
-            noteKept(path, KeptReason::OwnFolder);
-            continue;
-        }
-        if (isMapsAppPath(path)) {
-            keepMaps(path);
-            continue;
-        }
+        if (keepsLocation(path, kKeptByDeepClean)) continue;
         const bool isCache = rules::isSharedCache(name);
         // Measured either way; but of what is not to go nobody need hear.
         const std::uint64_t size = walker_.sizeOfDirectory(

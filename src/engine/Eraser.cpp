@@ -2,7 +2,7 @@
 
 #include <thread>
 
-#include "platform/TreeWalker.h"
+#include "platform/tree/TreeWalker.h"
 
 namespace sweepwright {
 

@@ -4,10 +4,10 @@
 #include <cstdint>
 #include <string>
 
-#include "platform/CommandRunner.h"
-#include "platform/FileManager.h"
-#include "platform/TreeRemover.h"
-#include "platform/WebStorage.h"
+#include "platform/files/FileManager.h"
+#include "platform/process/CommandRunner.h"
+#include "platform/system/WebStorage.h"
+#include "platform/tree/TreeRemover.h"
 
 namespace sweepwright {
 

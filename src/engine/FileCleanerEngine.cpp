@@ -1,55 +1,19 @@
 #include "engine/FileCleanerEngine.h"
 
-#include <array>
 #include <utility>
 
+#include "engine/Categories.h"
 #include "engine/CategoryRules.h"
-#include "platform/Log.h"
+#include "platform/log/Log.h"
 
 namespace sweepwright {
 
-namespace {
-
-using Cleaner = std::uint64_t (FileCleanerEngine::*)(const FileCleanerEngine::Progress&,
-                                                     FileCleanerEngine::ErrorSlot&);
-
-struct Category {
-    std::string_view name;
-    Cleaner clean;
-};
-
-/// By value, 0 to 8.
-constexpr std::array<Category, 9> kCategories = {{
-    {"缓存文件", &FileCleanerEngine::cleanCacheWithProgress},
-    {"临时文件", &FileCleanerEngine::cleanTempFilesWithProgress},
-    {"Cookie & 网页数据", &FileCleanerEngine::cleanCookiesWithProgress},
-    {"系统日志", &FileCleanerEngine::cleanSystemLogsWithProgress},
-    {"下载文件", &FileCleanerEngine::cleanDownloadsWithProgress},
-    {"图片缓存", &FileCleanerEngine::cleanImageCacheWithProgress},
-    {"数据库文件", &FileCleanerEngine::cleanDatabaseFilesWithProgress},
-    {"崩溃报告", &FileCleanerEngine::cleanCrashReportsWithProgress},
-    {"离线数据", &FileCleanerEngine::cleanOfflineDataWithProgress},
-}};
-
-const Category* categoryOf(CleanType type) {
-    const auto value = static_cast<std::int64_t>(type);
-    if (value < 0 || std::cmp_greater_equal(value, kCategories.size())) return nullptr;
-    return &kCategories[static_cast<std::size_t>(value)];
-}
-
-}  // namespace
-
 std::vector<std::pair<std::string, std::uint64_t>> ScanResult::entries() const {
-    return {{"cacheSize", cacheSize},
-            {"tempSize", tempSize},
-            {"cookieSize", cookieSize},
-            {"logSize", logSize},
-            {"downloadsSize", downloadsSize},
-            {"imageCacheSize", imageCacheSize},
-            {"databaseSize", databaseSize},
-            {"crashReportsSize", crashReportsSize},
-            {"offlineDataSize", offlineDataSize},
-            {"totalSize", totalSize}};
+    std::vector<std::pair<std::string, std::uint64_t>> figures;
+    for (const Category& category : categories())
+        figures.emplace_back(category.key, this->*category.figure);
+    figures.emplace_back("totalSize", totalSize);
+    return figures;
 }
 
 FileCleanerEngine::FileCleanerEngine(const EngineServices& services)
@@ -103,20 +67,12 @@ ScanResult FileCleanerEngine::scan(
         return (this->*getter)();
     };
     ScanResult result;
-    result.cacheSize = measure("cacheSize", &FileCleanerEngine::getCacheSize);
-    result.tempSize = measure("tempSize", &FileCleanerEngine::getTempFilesSize);
-    result.cookieSize = measure("cookieSize", &FileCleanerEngine::getCookiesSize);
-    result.logSize = measure("logSize", &FileCleanerEngine::getSystemLogsSize);
-    result.downloadsSize = measure("downloadsSize", &FileCleanerEngine::getDownloadsSize);
-    result.imageCacheSize = measure("imageCacheSize", &FileCleanerEngine::getImageCacheSize);
-    result.databaseSize = measure("databaseSize", &FileCleanerEngine::getDatabaseFilesSize);
-    result.crashReportsSize = measure("crashReportsSize", &FileCleanerEngine::getCrashReportsSize);
-    result.offlineDataSize = measure("offlineDataSize", &FileCleanerEngine::getOfflineDataSize);
+    for (const Category& category : categories())
+        result.*category.figure = measure(category.key, category.size);
     // The cache size holds the custom paths already; they count a second time here.
     result.cacheSize += measure("cacheSize", &FileCleanerEngine::getCustomPathsSize);
-    result.totalSize = result.cacheSize + result.tempSize + result.cookieSize + result.logSize +
-                       result.downloadsSize + result.imageCacheSize + result.databaseSize +
-                       result.crashReportsSize + result.offlineDataSize;
+    for (const Category& category : categories())
+        result.totalSize += result.*category.figure;
     return result;
 }
 
@@ -171,9 +127,8 @@ std::uint64_t FileCleanerEngine::cleanCategories(CleanType type, const Progress&
         cleaned = (this->*category->clean)(progress, error);
         if (observer_ != nullptr) observer_->finished({type, {}}, cleaned);
     } else if (type == CleanType::All) {
-        for (std::size_t value = 0; value < kCategories.size(); ++value)
-            if (!isStopped())
-                cleaned += cleanCategories(static_cast<CleanType>(value), progress, error);
+        for (const Category& each : categories())
+            if (!isStopped()) cleaned += cleanCategories(each.type, progress, error);
     }
     return cleaned;
 }
@@ -204,9 +159,8 @@ void FileCleanerEngine::postCompletion(Completion completion, std::uint64_t clea
 }
 
 std::optional<std::string> FileCleanerEngine::cleanTypeNameForType(CleanType type) {
-    if (const Category* category = categoryOf(type)) return std::string(category->name);
-    if (type == CleanType::All) return "一键清理全部";
-    return std::nullopt;
+    if (categoryOf(type) == nullptr && type != CleanType::All) return std::nullopt;
+    return std::string(nameOf(type).value());
 }
 
 platform::Result<> FileCleanerEngine::saveCleanStatistics(std::uint64_t bytes) {
@@ -214,9 +168,10 @@ platform::Result<> FileCleanerEngine::saveCleanStatistics(std::uint64_t bytes) {
 }
 
 std::uint64_t FileCleanerEngine::getTotalCleanableSize() {
-    return getCacheSize() + getTempFilesSize() + getCookiesSize() + getSystemLogsSize() +
-           getDownloadsSize() + getImageCacheSize() + getDatabaseFilesSize() +
-           getCrashReportsSize() + getOfflineDataSize();
+    std::uint64_t total = 0;
+    for (const Category& category : categories())
+        total += (this->*category.size)();
+    return total;
 }
 
 std::optional<DeviceStorageInfo> FileCleanerEngine::getStorageInfo() {

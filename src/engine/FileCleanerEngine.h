@@ -8,6 +8,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -15,12 +16,12 @@
 #include "engine/CleanObserver.h"
 #include "engine/Eraser.h"
 #include "engine/StorageAnalyzer.h"
-#include "platform/Device.h"
-#include "platform/DispatchQueue.h"
-#include "platform/FileManager.h"
-#include "platform/NotificationCenter.h"
-#include "platform/ProgressThrottle.h"
-#include "platform/TreeWalker.h"
+#include "platform/device/Device.h"
+#include "platform/files/FileManager.h"
+#include "platform/queue/DispatchQueue.h"
+#include "platform/queue/NotificationCenter.h"
+#include "platform/queue/ProgressThrottle.h"
+#include "platform/tree/TreeWalker.h"
 #include "protection/CleanHistoryManager.h"
 #include "protection/CleanLock.h"
 #include "protection/CleanStatistics.h"
@@ -30,6 +31,7 @@
 
 namespace sweepwright {
 
+class EntryInQuestion;
 class LinkProtection;
 struct ProtectedPlaces;
 
@@ -288,6 +290,8 @@ class FileCleanerEngine {
     using NameRule = bool (*)(std::string_view name);
     using CleanNumber = std::uint64_t;
     struct Emptying;
+    class FolderEntry;
+    class Location;
     class VisibleNames;
     static constexpr CleanNumber kNoClean = std::numeric_limits<CleanNumber>::max();
 
@@ -304,7 +308,10 @@ class FileCleanerEngine {
     std::uint64_t sizeIfPresent(const std::string& path);
     void collectEntries(const std::string& directory, NameRule rule,
                         std::vector<std::string>& paths);
-    void collectIfPresent(const std::string& directory, std::vector<std::string>& paths);
+    /// What of a category the table of categories tells all about.
+    std::uint64_t sizeOfPlaces(CleanType type);
+    std::vector<std::string> filesInPlaces(CleanType type);
+    std::uint64_t cleanPlaces(CleanType type, const Progress& progress);
 
     // Cleaning.
     bool isStopped() const { return stoppedUpTo_ >= running_; }
@@ -343,9 +350,11 @@ class FileCleanerEngine {
     /// Attributes of an entry, asked for a second way before it counts as one that tells none.
     platform::Result<platform::FileAttributes> attributesOf(const platform::Directory& directory,
                                                             const std::string& name);
-    /// Whether the entry must stay.
+    /// Whether the entry must stay, for the first reason of `asked`; the observer hears of it.
+    bool keeps(const EntryInQuestion& entry, std::span<const KeptReason> asked);
     bool keepsEntry(const platform::Directory& directory, const LinkProtection& protection,
-                    const std::string& name);
+                    const std::string& name, std::span<const KeptReason> asked);
+    bool keepsLocation(const std::string& path, std::span<const KeptReason> asked);
     std::uint64_t removeEntry(const platform::Directory& directory, const std::string& name);
     void keepMaps(const std::string& path);
     std::uint64_t cleanEntries(const std::string& directory, NameRule rule,

@@ -1,6 +1,7 @@
 // What each category holds, for a person to look at before a clean.
 #include <algorithm>
 
+#include "engine/Categories.h"
 #include "engine/CategoryRules.h"
 #include "engine/FileCleanerEngine.h"
 #include "engine/FileVisitor.h"
@@ -32,9 +33,18 @@ void FileCleanerEngine::collectEntries(const std::string& directory, NameRule ru
     }
 }
 
-void FileCleanerEngine::collectIfPresent(const std::string& directory,
-                                         std::vector<std::string>& paths) {
-    if (exists(directory)) collectFilesInDirectory(directory, paths, kMaxListedPaths);
+std::vector<std::string> FileCleanerEngine::filesInPlaces(CleanType type) {
+    std::vector<std::string> paths;
+    for (const Place& place : categoryOf(type)->places) {
+        if (!place.isListed) continue;
+        const std::string folder = home(place.folder);
+        if (place.rule != nullptr) {
+            collectEntries(folder, place.rule, paths);
+        } else if (exists(folder)) {
+            collectFilesInDirectory(folder, paths, kMaxListedPaths);
+        }
+    }
+    return paths;
 }
 
 std::vector<CacheEntry> FileCleanerEngine::getCacheFileList() {
@@ -81,12 +91,7 @@ std::vector<std::string> FileCleanerEngine::getTempFileList() {
 }
 
 std::vector<std::string> FileCleanerEngine::getCookieFileList() {
-    std::vector<std::string> paths;
-    collectIfPresent(home("Library/Cookies"), paths);
-    collectIfPresent(home("Library/WebKit"), paths);
-    collectEntries(services_.device.cachesDirectory(), rules::isWebCache, paths);
-    collectEntries(services_.device.applicationSupportDirectory(), rules::isWebData, paths);
-    return paths;
+    return filesInPlaces(CleanType::Cookies);
 }
 
 std::vector<std::string> FileCleanerEngine::getSystemLogFileList() {
@@ -101,15 +106,11 @@ std::vector<std::string> FileCleanerEngine::getSystemLogFileList() {
 }
 
 std::vector<std::string> FileCleanerEngine::getDownloadsFileList() {
-    std::vector<std::string> paths;
-    collectIfPresent(joinPath(services_.device.documentsDirectory(), "Downloads"), paths);
-    return paths;
+    return filesInPlaces(CleanType::Downloads);
 }
 
 std::vector<std::string> FileCleanerEngine::getImageCacheFileList() {
-    std::vector<std::string> paths;
-    collectEntries(services_.device.cachesDirectory(), rules::isImageCache, paths);
-    return paths;
+    return filesInPlaces(CleanType::ImageCache);
 }
 
 std::vector<std::string> FileCleanerEngine::getDatabaseFileList() {
@@ -121,10 +122,7 @@ std::vector<std::string> FileCleanerEngine::getDatabaseFileList() {
 }
 
 std::vector<std::string> FileCleanerEngine::getCrashReportFileList() {
-    std::vector<std::string> paths;
-    for (const std::string_view folder : rules::kCrashReportFolders)
-        collectIfPresent(home(folder), paths);
-    return paths;
+    return filesInPlaces(CleanType::CrashReports);
 }
 
 }  // namespace sweepwright

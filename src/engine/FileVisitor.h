@@ -6,8 +6,8 @@
 #include <utility>
 #include <vector>
 
-#include "platform/FileManager.h"
-#include "platform/Unreadable.h"
+#include "platform/files/FileManager.h"
+#include "platform/tree/Unreadable.h"
 
 namespace sweepwright {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/ForwardingFileManager.h"
+#include "platform/files/ForwardingFileManager.h"
 
 namespace sweepwright {
 

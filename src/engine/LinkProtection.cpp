@@ -1,7 +1,6 @@
 #include "engine/LinkProtection.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <iterator>
 #include <utility>
 #include <vector>
@@ -33,16 +32,8 @@ std::optional<std::string> placeOf(platform::FileManager& files,
 
 /// Whether a path that can't be resolved leads nowhere, or where this process can't go either.
 bool leadsNowhere(const platform::Error& error) {
-    switch (error.code) {
-        case ENOENT:
-        case ENOTDIR:
-        case ELOOP:
-        case ENAMETOOLONG:
-        case EACCES:
-            return true;
-        default:
-            return false;
-    }
+    return error.isNotFound() || error.isNotDirectory() || error.isLinkLoop() ||
+           error.isNameTooLong() || error.isPermissionDenied();
 }
 
 /// Each link on the way along `path` and, last, where the way ends; what is not there is taken by

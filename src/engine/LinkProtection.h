@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/FileManager.h"
+#include "platform/files/FileManager.h"
 #include "protection/PathIndex.h"
 #include "protection/PathWhitelistManager.h"
 

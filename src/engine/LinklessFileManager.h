@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "platform/ForwardingFileManager.h"
+#include "platform/files/ForwardingFileManager.h"
 
 namespace sweepwright {
 

@@ -1,9 +1,8 @@
 #include "engine/NotingEraser.h"
 
 #include <algorithm>
-#include <cerrno>
 
-#include "platform/TreeWalker.h"
+#include "platform/tree/TreeWalker.h"
 
 namespace sweepwright {
 
@@ -16,7 +15,7 @@ platform::Removal NotingEraser::removeEntry(const platform::Directory& parent,
     if (attributes->isMountPoint) return platform::Removal::around(0, {parent.pathOf(name)});
     if (attributes->type == platform::FileType::Directory) {
         const auto opened = files_.openBeneath(parent, name, platform::Mounts::Refuse);
-        if (!opened && opened.error().code == EXDEV)
+        if (!opened && opened.error().isMountPoint())
             return platform::Removal::around(0, {parent.pathOf(name)});
         auto mountPoints = opened ? platform::TreeWalker(files_).mountPointsBeneath(*opened)
                                   : std::vector<std::string>{};

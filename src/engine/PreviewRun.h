@@ -7,8 +7,8 @@
 #include "engine/Eraser.h"
 #include "engine/HidingFileManager.h"
 #include "engine/NotingEraser.h"
-#include "platform/Error.h"
-#include "platform/FileManager.h"
+#include "platform/base/Error.h"
+#include "platform/files/FileManager.h"
 
 namespace sweepwright {
 

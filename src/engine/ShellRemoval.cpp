@@ -3,7 +3,7 @@
 #include <functional>
 
 #include "engine/FileCleanerEngine.h"
-#include "platform/Log.h"
+#include "platform/log/Log.h"
 
 namespace sweepwright {
 

@@ -1,9 +1,10 @@
 // The engine's size getters: what lies in the places of each category, measured without deleting
 // anything. What a clean frees can differ: it keeps what may be in use, counts nothing twice, and a
 // cookie clean empties system caches that count as caches here.
+#include "engine/Categories.h"
 #include "engine/CategoryRules.h"
 #include "engine/FileCleanerEngine.h"
-#include "platform/Log.h"
+#include "platform/log/Log.h"
 
 namespace sweepwright {
 
@@ -39,6 +40,15 @@ std::uint64_t FileCleanerEngine::sizeOfEntries(const std::string& directory, Nam
     std::uint64_t total = 0;
     for (const std::string& name : entriesOf(directory))
         if (rule(name)) total += sizeOfDirectoryAtPath(joinPath(directory, name));
+    return total;
+}
+
+std::uint64_t FileCleanerEngine::sizeOfPlaces(CleanType type) {
+    std::uint64_t total = 0;
+    for (const Place& place : categoryOf(type)->places) {
+        const std::string folder = home(place.folder);
+        total += place.rule != nullptr ? sizeOfEntries(folder, place.rule) : sizeIfPresent(folder);
+    }
     return total;
 }
 
@@ -87,13 +97,7 @@ std::uint64_t FileCleanerEngine::getTempFilesSize() {
 }
 
 std::uint64_t FileCleanerEngine::getCookiesSize() {
-    std::uint64_t total = sizeIfPresent(home("Library/Cookies"));
-    total += sizeIfPresent(home("Library/WebKit"));
-    total += sizeOfEntries(services_.device.cachesDirectory(), rules::isWebCache);
-    total += sizeOfEntries(services_.device.applicationSupportDirectory(), rules::isWebData);
-    const std::string safari = home("Library/Safari");
-    if (exists(safari)) total += sizeOfEntries(safari, rules::isSafariData);
-    return total;
+    return sizeOfPlaces(CleanType::Cookies);
 }
 
 std::uint64_t FileCleanerEngine::getSystemLogsSize() {
@@ -108,11 +112,11 @@ std::uint64_t FileCleanerEngine::getSystemLogsSize() {
 }
 
 std::uint64_t FileCleanerEngine::getDownloadsSize() {
-    return sizeIfPresent(joinPath(services_.device.documentsDirectory(), "Downloads"));
+    return sizeOfPlaces(CleanType::Downloads);
 }
 
 std::uint64_t FileCleanerEngine::getImageCacheSize() {
-    return sizeOfEntries(services_.device.cachesDirectory(), rules::isImageCache);
+    return sizeOfPlaces(CleanType::ImageCache);
 }
 
 std::uint64_t FileCleanerEngine::getDatabaseFilesSize() {
@@ -132,14 +136,11 @@ std::uint64_t FileCleanerEngine::getDatabaseFilesSize() {
 }
 
 std::uint64_t FileCleanerEngine::getCrashReportsSize() {
-    std::uint64_t total = 0;
-    for (const std::string_view folder : rules::kCrashReportFolders)
-        total += sizeIfPresent(home(folder));
-    return total;
+    return sizeOfPlaces(CleanType::CrashReports);
 }
 
 std::uint64_t FileCleanerEngine::getOfflineDataSize() {
-    return sizeOfEntries(services_.device.applicationSupportDirectory(), rules::isOfflineData);
+    return sizeOfPlaces(CleanType::OfflineData);
 }
 
 std::uint64_t FileCleanerEngine::getCustomPathsSize() {

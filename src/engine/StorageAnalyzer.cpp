@@ -5,7 +5,7 @@
 
 #include <fmt/format.h>
 
-#include "platform/Log.h"
+#include "platform/log/Log.h"
 
 namespace sweepwright {
 

@@ -7,9 +7,9 @@
 #include <utility>
 #include <vector>
 
-#include "platform/Device.h"
-#include "platform/FileManager.h"
-#include "platform/TreeWalker.h"
+#include "platform/device/Device.h"
+#include "platform/files/FileManager.h"
+#include "platform/tree/TreeWalker.h"
 
 namespace sweepwright {
 

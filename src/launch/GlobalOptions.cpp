@@ -7,7 +7,7 @@
 #include <system_error>
 #include <utility>
 
-#include "platform/Log.h"
+#include "platform/log/Log.h"
 
 namespace sweepwright::launch {
 
@@ -35,11 +35,11 @@ std::optional<std::string> baseFolder(const Environment& environment, const std:
 }
 
 /// Makes the sample device at `folder` unless it is there.
-Result<std::optional<SampleDeviceSummary>> ensureSampleDevice(const std::string& folder,
-                                                              const std::stop_token& stop) {
+Result<std::optional<sample::SampleDeviceSummary>> ensureSampleDevice(const std::string& folder,
+                                                                      const std::stop_token& stop) {
     std::error_code ignored;
     if (fs::exists(fs::symlink_status(folder, ignored))) return std::nullopt;
-    auto made = makeSampleDevice(folder, 1, std::chrono::system_clock::now(), stop);
+    auto made = sample::makeSampleDevice(folder, 1, std::chrono::system_clock::now(), stop);
     if (made) return *made;
     if (fs::is_directory(folder, ignored)) return std::nullopt;  // another process was first
     return std::unexpected(std::move(made.error()));

@@ -5,8 +5,8 @@
 #include <stop_token>
 #include <string>
 
-#include "launch/SampleDevice.h"
-#include "platform/Device.h"
+#include "platform/device/Device.h"
+#include "sample/SampleDevice.h"
 
 namespace sweepwright::launch {
 
@@ -30,7 +30,8 @@ Environment processEnvironment();
 struct DeviceChoice {
     platform::DeviceOptions options;
     bool isSampleDevice = false;
-    std::optional<SampleDeviceSummary> made;  ///< set when the sample device was made just now
+    std::optional<sample::SampleDeviceSummary>
+        made;  ///< set when the sample device was made just now
 };
 
 /// Chooses the device: an option before its variable (an empty variable counts as unset), and with

@@ -2,10 +2,10 @@
 
 #include <tuple>
 
-#include "platform/Device.h"
-#include "platform/Log.h"
-#include "platform/NotificationCenter.h"
-#include "platform/UserDefaults.h"
+#include "platform/device/Device.h"
+#include "platform/device/UserDefaults.h"
+#include "platform/log/Log.h"
+#include "platform/queue/NotificationCenter.h"
 
 namespace sweepwright::localization {
 namespace {

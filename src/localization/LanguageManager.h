@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/Error.h"
-#include "platform/ResourceBundle.h"
+#include "platform/base/Error.h"
+#include "platform/system/ResourceBundle.h"
 
 namespace sweepwright::platform {
 class NotificationCenter;

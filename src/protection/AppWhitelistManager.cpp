@@ -1,6 +1,6 @@
 #include "protection/AppWhitelistManager.h"
 
-#include "platform/Log.h"
+#include "platform/log/Log.h"
 
 namespace sweepwright {
 

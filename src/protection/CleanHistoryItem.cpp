@@ -1,7 +1,7 @@
 #include "protection/CleanHistoryItem.h"
 
-#include "platform/DateText.h"
-#include "platform/Uuid.h"
+#include "platform/base/Uuid.h"
+#include "platform/text/DateText.h"
 
 namespace sweepwright {
 

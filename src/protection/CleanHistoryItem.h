@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/PropertyList.h"
+#include "platform/plist/PropertyList.h"
 #include "protection/CleanType.h"
 
 namespace sweepwright {

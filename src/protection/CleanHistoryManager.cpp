@@ -1,13 +1,12 @@
 #include "protection/CleanHistoryManager.h"
 
 #include <algorithm>
-#include <array>
 #include <ranges>
 #include <utility>
 
-#include "platform/Log.h"
-#include "platform/PropertyList.h"
-#include "platform/Uuid.h"
+#include "platform/base/Uuid.h"
+#include "platform/log/Log.h"
+#include "platform/plist/PropertyList.h"
 
 namespace sweepwright {
 
@@ -17,11 +16,6 @@ using platform::Result;
 namespace {
 
 constexpr std::string_view kKey = "CleanHistoryRecords";
-
-/// By the type's number.
-constexpr auto kTypeNames = std::to_array<std::string_view>(
-    {"缓存文件", "临时文件", "Cookie & 网页数据", "系统日志", "下载文件", "图片缓存", "数据库文件",
-     "崩溃报告", "离线数据", "一键清理全部", "第三方应用缓存"});
 
 bool hasIdentifier(const PropertyList& entry, const std::string& identifier) {
     const auto* dictionary = entry.dictionary();
@@ -52,8 +46,7 @@ CleanHistoryManager& CleanHistoryManager::sharedManager() {
 }
 
 std::string_view CleanHistoryManager::cleanTypeNameForType(CleanType type) {
-    const auto number = static_cast<std::uint64_t>(type);
-    return number < kTypeNames.size() ? kTypeNames[number] : CleanHistoryItem::kUnknownTypeName;
+    return nameOf(type).value_or(CleanHistoryItem::kUnknownTypeName);
 }
 
 Result<> CleanHistoryManager::saveCleanHistoryWithType(CleanType type, std::uint64_t cleanedBytes,

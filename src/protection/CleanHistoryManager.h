@@ -9,8 +9,8 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/Error.h"
-#include "platform/UserDefaults.h"
+#include "platform/base/Error.h"
+#include "platform/device/UserDefaults.h"
 #include "protection/CleanHistoryItem.h"
 
 namespace sweepwright {

@@ -1,14 +1,13 @@
 #include "protection/CleanLock.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <utility>
 
 #include <fmt/format.h>
 
-#include "platform/Device.h"
-#include "platform/Log.h"
-#include "platform/ThisProcess.h"
+#include "platform/base/ThisProcess.h"
+#include "platform/device/Device.h"
+#include "platform/log/Log.h"
 
 namespace sweepwright {
 
@@ -58,7 +57,7 @@ Result<CleanLock::Share> CleanLock::share() {
                          : Result<platform::FileLock>(std::unexpected(std::move(made.error())));
         if (held) {
             held_ = std::move(*held);
-        } else if (held.error().code == EWOULDBLOCK) {
+        } else if (held.error().isLocked()) {
             return std::unexpected(heldByAnother());
         } else {
             platform::log("⚠️ 无法锁定清理: {}", held.error().description);

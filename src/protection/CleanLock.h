@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-#include "platform/FileManager.h"
+#include "platform/files/FileManager.h"
 
 namespace sweepwright {
 

@@ -4,9 +4,9 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/DateText.h"
-#include "platform/Log.h"
-#include "platform/PropertyList.h"
+#include "platform/log/Log.h"
+#include "platform/plist/PropertyList.h"
+#include "platform/text/DateText.h"
 
 namespace sweepwright {
 

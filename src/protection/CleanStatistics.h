@@ -6,8 +6,8 @@
 #include <optional>
 #include <string>
 
-#include "platform/Error.h"
-#include "platform/UserDefaults.h"
+#include "platform/base/Error.h"
+#include "platform/device/UserDefaults.h"
 
 namespace sweepwright {
 

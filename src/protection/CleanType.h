@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
+#include <string_view>
 
 namespace sweepwright {
 
@@ -18,5 +20,8 @@ enum class CleanType : std::int64_t {
     All = 9,              ///< the nine above, in order
     ThirdPartyApps = 10,  ///< cleaned by the app manager, not by the engine
 };
+
+/// The name under which it is recorded and shown; none for any other value.
+std::optional<std::string_view> nameOf(CleanType type);
 
 }  // namespace sweepwright

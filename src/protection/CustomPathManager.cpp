@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "platform/Log.h"
+#include "platform/log/Log.h"
 
 namespace sweepwright {
 

@@ -4,7 +4,7 @@
 #include <iterator>
 #include <utility>
 
-#include "platform/Log.h"
+#include "platform/log/Log.h"
 
 namespace sweepwright {
 

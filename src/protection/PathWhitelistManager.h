@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/TreeWalker.h"
+#include "platform/tree/TreeWalker.h"
 #include "protection/OrderedStringSet.h"
 #include "protection/PathIndex.h"
 #include "protection/Snapshot.h"

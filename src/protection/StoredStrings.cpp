@@ -4,8 +4,8 @@
 
 #include <fmt/format.h>
 
-#include "platform/Log.h"
-#include "platform/PropertyList.h"
+#include "platform/log/Log.h"
+#include "platform/plist/PropertyList.h"
 
 namespace sweepwright {
 

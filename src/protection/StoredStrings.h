@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/Error.h"
-#include "platform/UserDefaults.h"
+#include "platform/base/Error.h"
+#include "platform/device/UserDefaults.h"
 
 namespace sweepwright {
 

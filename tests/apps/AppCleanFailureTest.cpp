@@ -6,7 +6,7 @@
 
 #include "apps/AppsDevice.h"
 #include "engine/Failures.h"
-#include "platform/Log.h"
+#include "platform/log/Log.h"
 #include "support/FaultyFileManager.h"
 
 namespace sweepwright {

@@ -1,13 +1,16 @@
 // What an app clean must never do, whatever an app plants in its folders.
 #include <atomic>
 #include <filesystem>
+#include <memory>
+#include <optional>
 #include <thread>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "apps/AppsDevice.h"
-#include "platform/Log.h"
+#include "platform/log/Log.h"
+#include "support/FaultyFileManager.h"
 
 namespace sweepwright {
 namespace {
@@ -15,8 +18,10 @@ namespace {
 namespace fs = std::filesystem;
 using platform::LogCapture;
 using test::AppsDevice;
+using test::FaultyFileManager;
 using test::kApp;
 using test::linesWith;
+using test::Operation;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
@@ -288,14 +293,51 @@ TEST(AppCleanStop, ABatchEndsWithTheAppInHand) {
 TEST(AppCleanStop, ACleanOfAllMayBeStoppedWhileItLooksForApps) {
     AppsDevice device;
     device.tree.file(device.container("C1", kApp) + "/tmp/x", 10);
-    ThirdPartyAppCacheManager manager(device.services());
-    std::optional<std::uint64_t> freed;
-    manager.cleanAllThirdPartyAppCaches(
-        {}, [&](bool, std::uint64_t bytes, const auto& /*error*/) { freed = bytes; });
-    manager.stop();  // the scan's completion waits for the main queue
-    device.mainQueue.runUntil([&] { return freed.has_value(); });
-    EXPECT_EQ(freed, 0U);
+    FaultyFileManager files(device.files, {Operation::OpenDirectory});
+    ThirdPartyAppCacheManager manager(device.services(files, device.deviceEraser));
+    files.before([&](Operation, const std::string&) { manager.stop(); });
+    const auto outcome = device.cleanAll(manager);
+    EXPECT_TRUE(outcome.success);
+    EXPECT_EQ(outcome.bytes, 0U);
     EXPECT_TRUE(device.tree.exists(AppsDevice::containerPath("C1") + "/tmp/x"));
+}
+
+TEST(AppCleanStop, AStoppedCleanStaysStoppedWhenAnotherIsAskedFor) {
+    AppsDevice device;
+    const std::string a = device.container("CA", kApp);
+    const std::string b = device.container("CB", "com.example.b");
+    for (const char* name : {"/tmp/1", "/tmp/2", "/tmp/3"})
+        device.tree.file(a + name, 10);
+    device.tree.file(b + "/tmp/x", 100);
+    ThirdPartyAppCacheManager manager(device.services());
+    std::optional<std::uint64_t> freedOfB;
+    Notes notes;
+    notes.onRemoval = [&] {
+        if (notes.removals.size() > 1) return;
+        manager.stop();
+        manager.cleanCacheForApp(
+            "com.example.b", {}, [&](bool, std::uint64_t bytes, const auto&) { freedOfB = bytes; },
+            std::make_shared<Notes>());
+    };
+    manager.setObserver(&notes);
+    EXPECT_EQ(device.clean(manager, kApp).bytes, 10U);
+    device.mainQueue.runUntil([&] { return freedOfB.has_value(); });
+    EXPECT_EQ(freedOfB, 100U);
+    EXPECT_THAT(*device.files.contentsOfDirectory(a + "/tmp"), ElementsAre("2", "3"));
+}
+
+TEST(AppCleanSafety, AManagerMayGoWhileItsCleanOfAllAppsRuns) {
+    AppsDevice device;
+    device.tree.file(device.container("C1", kApp) + "/tmp/x", 10);
+    std::optional<std::uint64_t> freed;
+    {
+        ThirdPartyAppCacheManager manager(device.services());
+        manager.cleanAllThirdPartyAppCaches(
+            {}, [&](bool, std::uint64_t bytes, const auto&) { freed = bytes; });
+    }
+    device.mainQueue.drain();
+    EXPECT_EQ(freed, 10U);
+    EXPECT_FALSE(device.tree.exists(AppsDevice::containerPath("C1") + "/tmp/x"));
 }
 
 /// Swaps a folder for a link to another and back, as fast as it can, while it lives.

@@ -4,7 +4,7 @@
 
 #include "apps/AppIcon.h"
 #include "apps/AppsDevice.h"
-#include "platform/Log.h"
+#include "platform/log/Log.h"
 
 namespace sweepwright {
 namespace {

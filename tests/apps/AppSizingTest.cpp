@@ -4,7 +4,7 @@
 #include <rapidcheck/gtest.h>
 
 #include "apps/AppsDevice.h"
-#include "platform/Log.h"
+#include "platform/log/Log.h"
 #include "support/FaultyFileManager.h"
 
 namespace sweepwright {

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "apps/AppsDevice.h"
-#include "platform/Log.h"
+#include "platform/log/Log.h"
 
 namespace sweepwright {
 namespace {

@@ -8,8 +8,8 @@
 #include <utility>
 #include <vector>
 
-#include "platform/ForwardingFileManager.h"
-#include "platform/PropertyList.h"
+#include "platform/files/ForwardingFileManager.h"
+#include "platform/plist/PropertyList.h"
 #include "support/TemporaryDevice.h"
 #include "support/engine/DeviceServices.h"
 

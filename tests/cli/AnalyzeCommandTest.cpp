@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "cli/Sweepctl.h"
-#include "platform/PropertyList.h"
+#include "platform/plist/PropertyList.h"
 
 namespace sweepwright::test {
 namespace {

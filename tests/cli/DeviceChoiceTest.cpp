@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "cli/Sweepctl.h"
-#include "platform/PropertyList.h"
+#include "platform/plist/PropertyList.h"
 #include "support/ChildProcess.h"
 
 namespace sweepwright::test {

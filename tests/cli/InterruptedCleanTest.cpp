@@ -1,5 +1,5 @@
 #include <csignal>
-#include <functional>
+#include <string>
 #include <thread>
 
 #include <gtest/gtest.h>
@@ -7,32 +7,14 @@
 
 #include "cli/Arguments.h"
 #include "cli/Context.h"
-#include "platform/Device.h"
-#include "platform/DispatchQueue.h"
+#include "platform/device/Device.h"
+#include "platform/queue/DispatchQueue.h"
 #include "support/ChildProcess.h"
 #include "support/FaultyFileManager.h"
 #include "support/TemporaryDevice.h"
 
-namespace sweepwright {
+namespace sweepwright::cli {
 
-namespace {
-
-/// Called before each removal of a file by a command that runs within this program.
-std::function<void()> beforeRemoval;
-
-}  // namespace
-
-// In place of the product's own, which is linked only where no other is defined.
-platform::FileManager& platform::FileManager::defaultManager() {
-    static HostFileManager host(Device::current().root());
-    static test::FaultyFileManager files(host, {test::Operation::RemoveFileAt});
-    files.before([](test::Operation, const std::string&) {
-        if (beforeRemoval) beforeRemoval();
-    });
-    return files;
-}
-
-namespace cli {
 namespace {
 
 TEST(CleanCommand, AnInterruptDuringACleanReportsWhatWasFreedSoFar) {
@@ -45,18 +27,21 @@ TEST(CleanCommand, AnInterruptDuringACleanReportsWhatWasFreedSoFar) {
         platform::DeviceOptions options;
         options.rootFolder = tree.root();
         platform::Device::setCurrent(platform::Device::open(options).value());
+        test::FaultyFileManager files(platform::FileManager::defaultManager(),
+                                      {test::Operation::RemoveFileAt});
+        platform::FileManager::setDefaultManager(files);
         std::signal(SIGINT, SIG_DFL);  // whoever runs the tests may have it ignored
         Interruption interruption([] {});
         Progress progress({});
         Output output(true, false);
         Context context(output, progress, interruption);
         int removals = 0;
-        beforeRemoval = [&] {
+        files.before([&](test::Operation, const std::string&) {
             if (++removals != 3) return;
             std::raise(SIGINT);
             while (!interruption.signal())
                 std::this_thread::yield();
-        };
+        });
         const Commands commands = allCommands();
         const auto clean = parseArguments(commands, {"clean", "temp", "--yes"});
         ASSERT_TRUE(clean.has_value());
@@ -70,5 +55,5 @@ TEST(CleanCommand, AnInterruptDuringACleanReportsWhatWasFreedSoFar) {
 }
 
 }  // namespace
-}  // namespace cli
-}  // namespace sweepwright
+
+}  // namespace sweepwright::cli

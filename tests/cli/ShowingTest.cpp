@@ -16,7 +16,7 @@
 #include "cli/Progress.h"
 #include "cli/Suggestion.h"
 #include "cli/Text.h"
-#include "platform/TextWidth.h"
+#include "platform/text/TextWidth.h"
 
 namespace sweepwright::cli {
 namespace {

@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "cli/Table.h"
-#include "platform/TextWidth.h"
+#include "platform/text/TextWidth.h"
 
 namespace sweepwright::cli {
 namespace {

@@ -6,8 +6,8 @@
 #include <gtest/gtest.h>
 
 #include "cli/Sweepctl.h"
-#include "platform/PropertyList.h"
-#include "platform/Utf8.h"
+#include "platform/plist/PropertyList.h"
+#include "platform/text/Utf8.h"
 
 namespace sweepwright::test {
 namespace {

@@ -16,9 +16,9 @@
 #include "cli/Sweepctl.h"
 #include "cli/Translation.h"
 #include "engine/CleanObserver.h"
-#include "platform/ResourceBundle.h"
-#include "platform/StringsTable.h"
-#include "platform/TextWidth.h"
+#include "platform/system/ResourceBundle.h"
+#include "platform/system/StringsTable.h"
+#include "platform/text/TextWidth.h"
 
 namespace sweepwright::test {
 namespace {

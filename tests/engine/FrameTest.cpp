@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "EngineTest.h"
-#include "platform/DateText.h"
+#include "platform/text/DateText.h"
 #include "support/ChildProcess.h"
 
 namespace sweepwright {

@@ -1,7 +1,7 @@
 #include <chrono>
 
 #include "EngineTest.h"
-#include "platform/ProgressThrottle.h"
+#include "platform/queue/ProgressThrottle.h"
 
 namespace sweepwright {
 namespace {

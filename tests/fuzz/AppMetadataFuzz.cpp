@@ -6,8 +6,8 @@
 #include "apps/ContainerIndex.h"
 #include "fuzz/MemoryFiles.h"
 #include "fuzz/Target.h"
-#include "platform/PropertyList.h"
-#include "platform/Utf8.h"
+#include "platform/plist/PropertyList.h"
+#include "platform/text/Utf8.h"
 
 namespace {
 

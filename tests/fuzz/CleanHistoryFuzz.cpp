@@ -6,8 +6,8 @@
 
 #include "fuzz/MemoryFiles.h"
 #include "fuzz/Target.h"
-#include "platform/PropertyList.h"
-#include "platform/UserDefaults.h"
+#include "platform/device/UserDefaults.h"
+#include "platform/plist/PropertyList.h"
 #include "protection/CleanHistoryManager.h"
 
 namespace {

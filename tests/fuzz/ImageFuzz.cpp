@@ -8,8 +8,8 @@
 #include <zlib.h>
 
 #include "fuzz/Target.h"
-#include "platform/Image.h"
-#include "platform/PngBuilder.h"
+#include "platform/image/Image.h"
+#include "platform/image/PngBuilder.h"
 
 extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, std::size_t maxSize);
 

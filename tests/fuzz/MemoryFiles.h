@@ -5,8 +5,8 @@
 #include <set>
 #include <string>
 
-#include "platform/ForwardingFileManager.h"
-#include "platform/HostFileManager.h"
+#include "platform/files/ForwardingFileManager.h"
+#include "platform/files/HostFileManager.h"
 
 namespace sweepwright::fuzz {
 

@@ -5,8 +5,8 @@
 #include <string>
 
 #include "fuzz/Target.h"
-#include "platform/PropertyList.h"
-#include "platform/Utf8.h"
+#include "platform/plist/PropertyList.h"
+#include "platform/text/Utf8.h"
 
 namespace {
 

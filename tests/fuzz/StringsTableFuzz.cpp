@@ -2,8 +2,8 @@
 #include <string>
 
 #include "fuzz/Target.h"
-#include "platform/StringsTable.h"
-#include "platform/Utf8.h"
+#include "platform/system/StringsTable.h"
+#include "platform/text/Utf8.h"
 
 namespace {
 

@@ -13,7 +13,7 @@
 #include <unistd.h>
 
 #include "hardening/SmallDevice.h"
-#include "platform/UniqueDescriptor.h"
+#include "platform/base/UniqueDescriptor.h"
 #include "support/ChildProcess.h"
 
 namespace sweepwright {

@@ -10,7 +10,7 @@
 #include <unistd.h>
 
 #include "hardening/SmallDevice.h"
-#include "platform/ThisProcess.h"
+#include "platform/base/ThisProcess.h"
 #include "support/ChildProcess.h"
 #include "support/Process.h"
 

@@ -6,8 +6,8 @@
 #include <gtest/gtest.h>
 
 #include "localization/LanguageManager.h"
-#include "platform/NotificationCenter.h"
-#include "platform/UserDefaults.h"
+#include "platform/device/UserDefaults.h"
+#include "platform/queue/NotificationCenter.h"
 #include "support/TemporaryDevice.h"
 
 namespace sweepwright::localization {

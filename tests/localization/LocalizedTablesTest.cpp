@@ -6,9 +6,9 @@
 
 #include "localization/LanguageManager.h"
 #include "localization/LocalizationKeys.h"
-#include "platform/Image.h"
-#include "platform/ResourceBundle.h"
-#include "platform/StringsTable.h"
+#include "platform/image/Image.h"
+#include "platform/system/ResourceBundle.h"
+#include "platform/system/StringsTable.h"
 
 namespace sweepwright::localization {
 namespace {

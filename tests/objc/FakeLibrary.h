@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/ObjectiveCBridge.h"
+#include "platform/system/internal/ObjectiveCBridge.h"
 
 namespace sweepwright::test {
 

@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "objc/FakeLibrary.h"
-#include "platform/ObjectiveCBridge.h"
+#include "platform/system/internal/ObjectiveCBridge.h"
 
 namespace sweepwright::platform {
 namespace {

@@ -42,7 +42,7 @@ add_library(fake_workspace MODULE ${CMAKE_CURRENT_LIST_DIR}/FakeWorkspace.m)
 target_compile_options(fake_workspace PRIVATE ${gnustep_flags} -std=gnu11 -Wno-unused-value -Werror)
 target_link_libraries(fake_workspace PRIVATE ${gnustep_libraries})
 
-sweepwright_tests(objc sweepwright_platform)
+sweepwright_tests(objc sweepwright_platform_internal)
 target_compile_definitions(test_objc PRIVATE FAKE_WORKSPACE="$<TARGET_FILE:fake_workspace>")
 target_link_libraries(test_objc PRIVATE ${CMAKE_DL_LIBS})
 add_dependencies(test_objc fake_workspace)

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "objc/FakeLibrary.h"
-#include "platform/ObjectiveCWebStorage.h"
+#include "platform/system/internal/ObjectiveCWebStorage.h"
 
 namespace sweepwright::platform {
 namespace {

@@ -8,7 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "objc/FakeLibrary.h"
-#include "platform/ObjectiveCWorkspace.h"
+#include "platform/system/internal/ObjectiveCWorkspace.h"
 
 namespace sweepwright::platform {
 namespace {

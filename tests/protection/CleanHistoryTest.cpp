@@ -6,7 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/DateText.h"
+#include "platform/text/DateText.h"
 #include "protection/CleanHistoryManager.h"
 #include "protection/CleanStatistics.h"
 #include "protection/StoredDefaults.h"

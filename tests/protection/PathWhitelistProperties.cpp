@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
-#include "platform/Log.h"
+#include "platform/log/Log.h"
 #include "protection/PathIndex.h"
 #include "protection/PathWhitelistManager.h"
 #include "protection/StoredDefaults.h"

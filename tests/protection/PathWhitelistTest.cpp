@@ -6,7 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/Log.h"
+#include "platform/log/Log.h"
 #include "protection/PathWhitelistManager.h"
 #include "protection/StoredDefaults.h"
 

@@ -3,9 +3,9 @@
 #include <string>
 #include <vector>
 
-#include "platform/ForwardingFileManager.h"
-#include "platform/PropertyList.h"
-#include "platform/UserDefaults.h"
+#include "platform/device/UserDefaults.h"
+#include "platform/files/ForwardingFileManager.h"
+#include "platform/plist/PropertyList.h"
 #include "support/TemporaryDevice.h"
 
 namespace sweepwright::test {

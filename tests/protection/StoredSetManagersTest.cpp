@@ -4,7 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/Log.h"
+#include "platform/log/Log.h"
 #include "protection/AppWhitelistManager.h"
 #include "protection/CustomPathManager.h"
 #include "protection/OrderedStringSet.h"

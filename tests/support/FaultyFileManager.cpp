@@ -147,30 +147,9 @@ Result<> FaultyFileManager::writeFile(const std::string& path, std::string_view 
                    [&] { return ForwardingFileManager::writeFile(path, content); });
 }
 
-Result<> FaultyFileManager::createFile(const std::string& path, std::string_view content) {
-    return through(Operation::CreateFile, path,
-                   [&] { return ForwardingFileManager::createFile(path, content); });
-}
-
-Result<> FaultyFileManager::createSparseFile(const std::string& path, std::uint64_t size) {
-    return through(Operation::CreateSparseFile, path,
-                   [&] { return ForwardingFileManager::createSparseFile(path, size); });
-}
-
 Result<> FaultyFileManager::createDirectories(const std::string& path) {
     return through(Operation::CreateDirectories, path,
                    [&] { return ForwardingFileManager::createDirectories(path); });
-}
-
-Result<> FaultyFileManager::createSymbolicLink(const std::string& path, const std::string& target) {
-    return through(Operation::CreateSymbolicLink, path,
-                   [&] { return ForwardingFileManager::createSymbolicLink(path, target); });
-}
-
-Result<> FaultyFileManager::setModificationDate(const std::string& path,
-                                                std::chrono::system_clock::time_point date) {
-    return through(Operation::SetModificationDate, path,
-                   [&] { return ForwardingFileManager::setModificationDate(path, date); });
 }
 
 Result<> FaultyFileManager::rename(const std::string& from, const std::string& to) {

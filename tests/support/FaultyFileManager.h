@@ -8,7 +8,7 @@
 #include <set>
 #include <string>
 
-#include "platform/ForwardingFileManager.h"
+#include "platform/files/ForwardingFileManager.h"
 
 namespace sweepwright::test {
 
@@ -27,11 +27,7 @@ enum class Operation {
     HostPath,
     ReadFile,
     WriteFile,
-    CreateFile,
-    CreateSparseFile,
     CreateDirectories,
-    CreateSymbolicLink,
-    SetModificationDate,
     Rename,
     Lock,
     TryLock,
@@ -39,16 +35,9 @@ enum class Operation {
 
 /// Every call that changes the disk.
 inline constexpr std::initializer_list<Operation> kChangingOperations = {
-    Operation::RemoveFileAt,
-    Operation::RemoveDirectoryAt,
-    Operation::WriteFile,
-    Operation::CreateFile,
-    Operation::CreateSparseFile,
-    Operation::CreateDirectories,
-    Operation::CreateSymbolicLink,
-    Operation::SetModificationDate,
-    Operation::Rename,
-    Operation::Lock,
+    Operation::RemoveFileAt, Operation::RemoveDirectoryAt,
+    Operation::WriteFile,    Operation::CreateDirectories,
+    Operation::Rename,       Operation::Lock,
     Operation::TryLock};
 
 /// Every call there is.
@@ -104,13 +93,7 @@ class FaultyFileManager final : public platform::ForwardingFileManager {
     platform::Result<std::string> hostPath(const platform::Directory& directory) override;
     platform::Result<std::string> readFile(const std::string& path, std::size_t maxBytes) override;
     platform::Result<> writeFile(const std::string& path, std::string_view content) override;
-    platform::Result<> createFile(const std::string& path, std::string_view content) override;
-    platform::Result<> createSparseFile(const std::string& path, std::uint64_t size) override;
     platform::Result<> createDirectories(const std::string& path) override;
-    platform::Result<> createSymbolicLink(const std::string& path,
-                                          const std::string& target) override;
-    platform::Result<> setModificationDate(const std::string& path,
-                                           std::chrono::system_clock::time_point date) override;
     platform::Result<> rename(const std::string& from, const std::string& to) override;
     platform::Result<platform::FileLock> lock(const std::string& path) override;
     platform::Result<platform::FileLock> tryLock(const std::string& path,

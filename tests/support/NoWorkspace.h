@@ -2,7 +2,7 @@
 
 #include <optional>
 
-#include "platform/ApplicationWorkspace.h"
+#include "platform/system/ApplicationWorkspace.h"
 
 namespace sweepwright::test {
 

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/HostFileManager.h"
+#include "platform/files/HostFileManager.h"
 
 namespace sweepwright::test {
 
@@ -50,7 +50,7 @@ class TemporaryDevice {
     [[nodiscard]] const std::string& root() const { return folder_.path(); }
     [[nodiscard]] std::string host(const std::string& path) const { return root() + path; }
 
-    [[nodiscard]] platform::FileManager& files() { return files_; }
+    [[nodiscard]] platform::HostFileManager& files() { return files_; }
 
   private:
     TemporaryFolder folder_;

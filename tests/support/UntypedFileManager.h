@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/ForwardingFileManager.h"
+#include "platform/files/ForwardingFileManager.h"
 
 namespace sweepwright::test {
 

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "platform/Log.h"
+#include "platform/log/Log.h"
 #include "ui/shell/AppDelegate.h"
 #include "ui/support/TestApp.h"
 

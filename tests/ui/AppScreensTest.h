@@ -2,7 +2,7 @@
 
 #include <QSignalSpy>
 
-#include "platform/Log.h"
+#include "platform/log/Log.h"
 #include "ui/ViewTest.h"
 #include "ui/apps/AppListViewController.h"
 #include "ui/apps/WhitelistViewController.h"

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/Log.h"
-#include "platform/ResourceBundle.h"
+#include "platform/log/Log.h"
+#include "platform/system/ResourceBundle.h"
 #include "support/TemporaryDevice.h"
 #include "ui/settings/AppVersion.h"
 

@@ -1,7 +1,7 @@
 #include <cerrno>
 #include <filesystem>
 
-#include "platform/PropertyList.h"
+#include "platform/plist/PropertyList.h"
 #include "ui/support/HomeTest.h"
 
 namespace sweepwright::test {

@@ -1,4 +1,4 @@
-#include "platform/Log.h"
+#include "platform/log/Log.h"
 #include "protection/CustomPathManager.h"
 #include "protection/PathWhitelistManager.h"
 #include "ui/SettingsTest.h"

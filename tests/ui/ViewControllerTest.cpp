@@ -1,4 +1,4 @@
-#include "platform/PropertyList.h"
+#include "platform/plist/PropertyList.h"
 #include "ui/presentation/Addresses.h"
 #include "ui/support/HomeTest.h"
 

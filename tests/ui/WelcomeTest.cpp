@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "platform/PropertyList.h"
+#include "platform/plist/PropertyList.h"
 #include "ui/presentation/Addresses.h"
 #include "ui/support/TestApp.h"
 #include "ui/welcome/WelcomeViewController.h"

@@ -9,7 +9,7 @@
 #include <unordered_map>
 
 #include "apps/AppIcon.h"
-#include "platform/FileManager.h"
+#include "platform/files/FileManager.h"
 
 namespace sweepwright::ui {
 

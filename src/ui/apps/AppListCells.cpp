@@ -1,5 +1,5 @@
 #include "engine/StorageAnalyzer.h"
-#include "platform/Log.h"
+#include "platform/log/Log.h"
 #include "protection/AppWhitelistManager.h"
 #include "ui/apps/AppListViewController.h"
 

@@ -6,7 +6,7 @@
 #include <iterator>
 #include <utility>
 
-#include "platform/FileManager.h"
+#include "platform/files/FileManager.h"
 
 namespace sweepwright::ui {
 

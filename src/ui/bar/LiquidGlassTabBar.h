@@ -7,7 +7,7 @@
 
 #include <QtQml/qqmlregistration.h>
 
-#include "platform/Device.h"
+#include "platform/device/Device.h"
 
 namespace sweepwright::ui {
 

@@ -6,7 +6,7 @@
 #include <fmt/format.h>
 
 #include "engine/StorageAnalyzer.h"
-#include "platform/DateText.h"
+#include "platform/text/DateText.h"
 
 namespace sweepwright::ui {
 

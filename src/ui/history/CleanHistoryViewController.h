@@ -6,7 +6,7 @@
 
 #include <QtQml/qqmlregistration.h>
 
-#include "platform/NotificationCenter.h"
+#include "platform/queue/NotificationCenter.h"
 #include "ui/history/CleanHistoryRows.h"
 #include "ui/presentation/ScreenController.h"
 #include "ui/presentation/ScreenServices.h"

@@ -1,9 +1,10 @@
 #include "ui/home/CleanItemCardView.h"
 
+#include <QPointer>
 #include <algorithm>
 #include <utility>
 
-#include "platform/TreeWalker.h"
+#include "platform/tree/TreeWalker.h"
 
 namespace sweepwright::ui {
 
@@ -38,10 +39,11 @@ CleanItemCardView::CleanItemCardView(QString title, QString icon, const CardServ
       icon_(std::move(icon)),
       sizeText_(QString::fromUtf8(kSizeUnknown)),
       services_(services),
-      fileList_(services.files),
-      self_(this, [](CleanItemCardView*) {}) {}
+      fileList_(services.files) {}
 
-CleanItemCardView::~CleanItemCardView() = default;
+CleanItemCardView::~CleanItemCardView() {
+    closing_.request_stop();
+}
 
 QString CleanItemCardView::cleanButtonTitle() {
     return QString::fromUtf8(kCleanTitle);
@@ -83,18 +85,18 @@ void CleanItemCardView::updateFileList(std::vector<std::string> rows) {
     fileList_.setSizes({});
     fileList_.setRows(rows);
     if (tableHeight() != height) Q_EMIT heightChanged();
-    services_.background.async(
-        [services = services_, weak = std::weak_ptr(self_), rows = std::move(rows)] {
-            FileListModel::Sizes sizes;
-            for (const std::string& row : rows) {
-                if (weak.expired()) return;
-                if (const std::uint64_t size = sizeOfRow(services.files, row); size > 0)
-                    sizes[row] = size;
-            }
-            services.mainQueue.async([weak, sizes = std::move(sizes)]() mutable {
-                if (const auto self = weak.lock()) self->fileList_.setSizes(std::move(sizes));
-            });
+    services_.background.async([services = services_, stop = closing_.get_token(),
+                                self = QPointer(this), rows = std::move(rows)] {
+        FileListModel::Sizes sizes;
+        for (const std::string& row : rows) {
+            if (stop.stop_requested()) return;
+            if (const std::uint64_t size = sizeOfRow(services.files, row); size > 0)
+                sizes[row] = size;
+        }
+        services.mainQueue.async([self, sizes = std::move(sizes)]() mutable {
+            if (self) self->fileList_.setSizes(std::move(sizes));
         });
+    });
 }
 
 void CleanItemCardView::toggleExpanded(bool animated) {

@@ -5,14 +5,14 @@
 #include <QRectF>
 #include <QString>
 #include <cstdint>
-#include <memory>
+#include <stop_token>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include <QtQml/qqmlregistration.h>
 
-#include "platform/DispatchQueue.h"
+#include "platform/queue/DispatchQueue.h"
 #include "ui/home/FileListModel.h"
 
 namespace sweepwright::ui {
@@ -130,8 +130,7 @@ class CleanItemCardView : public QObject {
     QRectF cleanButtonFrame_;
     bool isExpanded_ = false;
     bool animated_ = false;
-    // Held weakly by what runs in the background; locked on the main thread only.
-    std::shared_ptr<CleanItemCardView> self_;
+    std::stop_source closing_;  ///< ends what runs in the background once the card goes
 };
 
 }  // namespace sweepwright::ui

@@ -8,7 +8,7 @@
 
 #include <QtQml/qqmlregistration.h>
 
-#include "platform/FileManager.h"
+#include "platform/files/FileManager.h"
 
 namespace sweepwright::ui {
 

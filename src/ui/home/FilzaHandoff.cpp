@@ -1,5 +1,6 @@
 // What a tap on a row of a card leads to: the Filza file manager.
 #include <QByteArray>
+#include <QPointer>
 #include <algorithm>
 
 #include "localization/LocalizedFormat.h"
@@ -49,10 +50,9 @@ void ViewController::offerFilza(std::string_view titleKey, std::string_view mess
     auto alert = makeAlert(texts(titleKey), QString::fromStdString(localization::formatLocalized(
                                                 format(messageKey), {path})));
     alert->addTip(texts("Filza Trash Tip"));
-    alert->addAction(texts("Open Filza"), AlertAction::Default,
-                     [weak = std::weak_ptr(self_), path] {
-                         if (const auto self = weak.lock()) self->openPathInFilza(path);
-                     });
+    alert->addAction(texts("Open Filza"), AlertAction::Default, [self = QPointer(this), path] {
+        if (self) self->openPathInFilza(path);
+    });
     alert->addAction(texts("Cancel"), AlertAction::Cancel);
     present(std::move(alert));
 }
@@ -62,8 +62,7 @@ void ViewController::openPathInFilza(const std::string& path) {
     for (const char* form : {"filza://view=", "filza://view//", "filza://"}) {
         const QByteArray address = form + encoded;
         if (!services_.opener.canOpenAddress(address)) continue;
-        services_.opener.openAddress(address, [weak = std::weak_ptr(self_)](bool opened) {
-            const auto self = weak.lock();
+        services_.opener.openAddress(address, [self = QPointer(this)](bool opened) {
             if (self && !opened) self->showFilzaNotInstalledAlert();
         });
         return;

@@ -43,10 +43,9 @@ void ViewController::confirm(std::string_view titleKey, std::string_view message
                              const std::function<void()>& clean) {
     if (isCovered()) return;
     auto alert = makeAlert(texts(titleKey), texts(messageKey));
-    alert->addAction(texts("Clean"), AlertAction::Destructive,
-                     [weak = std::weak_ptr(self_), clean] {
-                         if (!weak.expired()) clean();
-                     });
+    alert->addAction(texts("Clean"), AlertAction::Destructive, [self = QPointer(this), clean] {
+        if (self) clean();
+    });
     alert->addAction(texts("Cancel"), AlertAction::Cancel);
     present(std::move(alert));
 }
@@ -123,15 +122,13 @@ void ViewController::performClean(const QString& alertTitle, const Message& mess
     const QPointer<AlertController> alert = presenter()->present(std::move(made));
     const auto failures = std::make_shared<Failures>();
     start(
-        [weak = std::weak_ptr(self_), alert, message](const std::string& item, double fraction) {
-            if (weak.expired() || !alert) return;
+        [self = QPointer(this), alert, message](const std::string& item, double fraction) {
+            if (!self || !alert) return;
             alert->setMessage(message(item, fraction));
             alert->setProgress(fraction);
         },
-        [weak = std::weak_ptr(self_), alert, figure, failures,
-         afterSuccess = std::move(afterSuccess)](bool success, std::uint64_t cleanedBytes,
-                                                 const auto& error) {
-            const auto self = weak.lock();
+        [self = QPointer(this), alert, figure, failures, afterSuccess = std::move(afterSuccess)](
+            bool success, std::uint64_t cleanedBytes, const auto& error) {
             if (!self || self->presenter() == nullptr) return;
             self->presenter()->dismiss(alert, [&] {
                 self->cleanDidComplete({success, cleanedBytes, error}, figure, *failures,

@@ -1,12 +1,14 @@
 // What the screen shows, and the scans.
 #include "ui/home/ViewController.h"
 
+#include <QPointer>
 #include <algorithm>
 #include <numeric>
 #include <utility>
 
 #include <fmt/format.h>
 
+#include "engine/Categories.h"
 #include "localization/LocalizedFormat.h"
 #include "ui/presentation/Addresses.h"
 #include "ui/presentation/Presenter.h"
@@ -54,7 +56,7 @@ std::vector<std::string> pathsOf(const std::vector<CacheEntry>& entries) {
 
 }  // namespace
 
-// Of the first four cards, in their order.
+// Of the first four cards, which are the first four categories.
 struct ViewController::Sizes {
     std::array<std::uint64_t, 4> bytes{};
 };
@@ -63,16 +65,14 @@ struct ViewController::Lists {
     std::array<std::vector<std::string>, 4> rows;
 
     // Stops early, and answers none, once nobody waits for them any more.
-    static std::optional<Lists> fetch(FileCleanerEngine& engine,
-                                      const std::weak_ptr<ViewController>& screen) {
+    static std::optional<Lists> fetch(FileCleanerEngine& engine, const std::stop_token& stop) {
         Lists lists;
-        lists.rows[0] = pathsOf(engine.getCacheFileList());
-        if (screen.expired()) return std::nullopt;
-        lists.rows[1] = engine.getTempFileList();
-        if (screen.expired()) return std::nullopt;
-        lists.rows[2] = engine.getCookieFileList();
-        if (screen.expired()) return std::nullopt;
-        lists.rows[3] = engine.getSystemLogFileList();
+        for (std::size_t at = 0; at < lists.rows.size(); ++at) {
+            if (stop.stop_requested()) return std::nullopt;
+            const auto list = categories()[at].list;
+            lists.rows[at] =
+                list != nullptr ? (engine.*list)() : pathsOf(engine.getCacheFileList());
+        }
         return lists;
     }
 };
@@ -82,8 +82,7 @@ ViewController::ViewController(const ScreenServices& services)
       services_(services),
       scrolling_(services.notifications),
       background_(platform::DispatchQueue::concurrent("com.sweepwright.home")),
-      cleanItemsTitle_(texts("Clean Items")),
-      self_(this, [](ViewController*) {}) {
+      cleanItemsTitle_(texts("Clean Items")) {
     for (std::size_t at = 0; at < kCards.size(); ++at)
         connectCard(at);
     connect(&services_.texts, &Texts::changed, this, &ViewController::languageChanged);
@@ -92,7 +91,7 @@ ViewController::ViewController(const ScreenServices& services)
 ViewController::~ViewController() {
     // What still runs in the background sees that nobody waits for it and ends early; then its
     // queue is waited for.
-    self_.reset();
+    closing_.request_stop();
     for (auto& card : cards_)
         card.reset();
     background_.reset();
@@ -159,20 +158,16 @@ void ViewController::performInitialScan() {
     for (std::size_t at = 0; at < Sizes{}.bytes.size(); ++at)
         cards_[at]->updateSize(texts("Scanning..."));
     background_->async([&engine = services_.engine, &mainQueue = services_.mainQueue,
-                        weak = std::weak_ptr(self_)] {
+                        stop = closing_.get_token(), self = QPointer(this)] {
         Sizes sizes;
-        constexpr std::array kGetters = {
-            &FileCleanerEngine::getCacheSize, &FileCleanerEngine::getTempFilesSize,
-            &FileCleanerEngine::getCookiesSize, &FileCleanerEngine::getSystemLogsSize};
-        for (std::size_t at = 0; at < kGetters.size(); ++at) {
-            if (weak.expired()) return;
-            sizes.bytes[at] = (engine.*kGetters[at])();
+        for (std::size_t at = 0; at < sizes.bytes.size(); ++at) {
+            if (stop.stop_requested()) return;
+            sizes.bytes[at] = (engine.*categories()[at].size)();
         }
-        if (weak.expired()) return;
-        std::optional<Lists> lists = Lists::fetch(engine, weak);
+        if (stop.stop_requested()) return;
+        std::optional<Lists> lists = Lists::fetch(engine, stop);
         if (!lists) return;
-        mainQueue.async([weak, sizes, lists = std::move(*lists)]() mutable {
-            const auto self = weak.lock();
+        mainQueue.async([self, sizes, lists = std::move(*lists)]() mutable {
             if (!self) return;
             self->showSizes(sizes);
             self->showLists(std::move(lists));
@@ -195,8 +190,8 @@ void ViewController::scanButtonTapped() {
     if (scanning_ || isCovered()) return;
     scanning_ = true;
     Q_EMIT scanningChanged();
-    services_.engine.scanWithCompletion([weak = std::weak_ptr(self_)](const ScanResult& result) {
-        if (const auto self = weak.lock()) self->scanDidComplete(result);
+    services_.engine.scanWithCompletion([self = QPointer(this)](const ScanResult& result) {
+        if (self) self->scanDidComplete(result);
     });
 }
 
@@ -204,7 +199,10 @@ void ViewController::scanDidComplete(const ScanResult& result) {
     scanning_ = false;
     Q_EMIT scanningChanged();
     totalCleanableSize_ = result.totalSize;
-    showSizes({{result.cacheSize, result.tempSize, result.cookieSize, result.logSize}});
+    Sizes sizes;
+    for (std::size_t at = 0; at < sizes.bytes.size(); ++at)
+        sizes.bytes[at] = result.*categories()[at].figure;
+    showSizes(sizes);
     fetchLists();
     tell("Scan Completed",
          QString::fromStdString(formatLocalized(format("Found Cleanable Space"),
@@ -213,11 +211,10 @@ void ViewController::scanDidComplete(const ScanResult& result) {
 
 void ViewController::fetchLists() {
     background_->async([&engine = services_.engine, &mainQueue = services_.mainQueue,
-                        weak = std::weak_ptr(self_)] {
-        std::optional<Lists> lists = Lists::fetch(engine, weak);
+                        stop = closing_.get_token(), self = QPointer(this)] {
+        std::optional<Lists> lists = Lists::fetch(engine, stop);
         if (!lists) return;
-        mainQueue.async([weak, lists = std::move(*lists)]() mutable {
-            const auto self = weak.lock();
+        mainQueue.async([self, lists = std::move(*lists)]() mutable {
             if (!self) return;
             self->showLists(std::move(lists));
             self->scanThirdPartyAppCaches();
@@ -228,8 +225,8 @@ void ViewController::fetchLists() {
 void ViewController::scanThirdPartyAppCaches() {
     appCacheCard().updateSize(texts("Scanning..."));
     services_.apps.scanThirdPartyAppsWithCompletion(
-        [weak = std::weak_ptr(self_)](const ThirdPartyAppCacheManager::AppList& apps) {
-            if (const auto self = weak.lock()) self->showApps(apps);
+        [self = QPointer(this)](const ThirdPartyAppCacheManager::AppList& apps) {
+            if (self) self->showApps(apps);
         });
 }
 

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <stop_token>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -25,8 +26,8 @@ namespace sweepwright::ui {
 
 /// The first tab: how full the device is, the cards of the categories, scans and cleans.
 ///
-/// Used on the main thread. What runs elsewhere holds the screen weakly; its results are dropped
-/// when the screen is gone.
+/// Used on the main thread. What runs elsewhere holds a QPointer, which it asks on the main
+/// thread; its results are dropped when the screen is gone.
 class ViewController : public sweepwright::ui::ScreenController, public CleanItemCardViewDelegate {
     // The base is named in full, as Qt's type registrar takes it as written.
     Q_OBJECT
@@ -184,8 +185,7 @@ class ViewController : public sweepwright::ui::ScreenController, public CleanIte
     bool scanning_ = false;
     std::uint64_t totalCleanableSize_ = 0;
     std::vector<AppCacheInfo> thirdPartyAppList_;
-    // Held weakly by what runs elsewhere; locked on the main thread only.
-    std::shared_ptr<ViewController> self_;
+    std::stop_source closing_;  ///< ends what runs in the background once the screen goes
 };
 
 }  // namespace sweepwright::ui

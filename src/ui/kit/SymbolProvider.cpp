@@ -5,7 +5,7 @@
 #include <QPainter>
 #include <QSvgRenderer>
 
-#include "platform/Log.h"
+#include "platform/log/Log.h"
 
 namespace sweepwright::ui {
 

@@ -4,7 +4,7 @@
 
 #include "engine/Failures.h"
 #include "engine/StorageAnalyzer.h"
-#include "platform/ControlText.h"
+#include "platform/text/ControlText.h"
 #include "ui/presentation/Texts.h"
 
 namespace sweepwright::ui {

@@ -2,7 +2,7 @@
 
 #include <QObject>
 
-#include "platform/DispatchQueue.h"
+#include "platform/queue/DispatchQueue.h"
 
 namespace sweepwright::ui {
 

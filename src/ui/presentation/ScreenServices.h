@@ -1,11 +1,11 @@
 #pragma once
 
-#include "platform/Device.h"
-#include "platform/DispatchQueue.h"
-#include "platform/FileManager.h"
-#include "platform/NotificationCenter.h"
-#include "platform/ResourceBundle.h"
-#include "platform/UserDefaults.h"
+#include "platform/device/Device.h"
+#include "platform/device/UserDefaults.h"
+#include "platform/files/FileManager.h"
+#include "platform/queue/DispatchQueue.h"
+#include "platform/queue/NotificationCenter.h"
+#include "platform/system/ResourceBundle.h"
 #include "ui/presentation/Texts.h"
 #include "ui/presentation/UrlOpener.h"
 

@@ -5,7 +5,7 @@
 
 #include <QtQml/qqmlregistration.h>
 
-#include "platform/NotificationCenter.h"
+#include "platform/queue/NotificationCenter.h"
 
 namespace sweepwright::ui {
 

@@ -8,7 +8,7 @@
 #include <string_view>
 
 #include "localization/LocalizedFormat.h"
-#include "platform/NotificationCenter.h"
+#include "platform/queue/NotificationCenter.h"
 
 namespace sweepwright::ui {
 

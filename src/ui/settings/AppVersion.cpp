@@ -2,9 +2,9 @@
 
 #include <string_view>
 
-#include "platform/Log.h"
-#include "platform/PropertyList.h"
-#include "platform/ResourceBundle.h"
+#include "platform/log/Log.h"
+#include "platform/plist/PropertyList.h"
+#include "platform/system/ResourceBundle.h"
 
 namespace sweepwright::ui {
 

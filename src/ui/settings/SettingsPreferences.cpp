@@ -3,7 +3,7 @@
 #include <string>
 #include <utility>
 
-#include "platform/Log.h"
+#include "platform/log/Log.h"
 
 namespace sweepwright::ui {
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "platform/UserDefaults.h"
+#include "platform/device/UserDefaults.h"
 
 namespace sweepwright::ui {
 

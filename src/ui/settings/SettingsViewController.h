@@ -9,7 +9,7 @@
 
 #include <QtQml/qqmlregistration.h>
 
-#include "platform/NotificationCenter.h"
+#include "platform/queue/NotificationCenter.h"
 #include "ui/presentation/ScreenController.h"
 #include "ui/presentation/ScreenServices.h"
 #include "ui/presentation/ScrollReporter.h"

@@ -9,7 +9,7 @@
 #include "engine/FileCleanerEngine.h"
 #include "launch/GlobalOptions.h"
 #include "localization/LanguageManager.h"
-#include "platform/Log.h"
+#include "platform/log/Log.h"
 #include "ui/apps/AppIconProvider.h"
 #include "ui/kit/Appearance.h"
 #include "ui/kit/SymbolProvider.h"

@@ -3,8 +3,8 @@
 #include <string>
 #include <string_view>
 
-#include "platform/Device.h"
-#include "platform/FileManager.h"
+#include "platform/device/Device.h"
+#include "platform/files/FileManager.h"
 
 namespace sweepwright::ui {
 

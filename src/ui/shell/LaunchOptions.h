@@ -6,7 +6,7 @@
 #include <optional>
 
 #include "launch/GlobalOptions.h"
-#include "platform/Device.h"
+#include "platform/device/Device.h"
 #include "ui/kit/Appearance.h"
 
 namespace sweepwright::ui {

@@ -1,6 +1,6 @@
 #include "ui/welcome/WelcomeViewController.h"
 
-#include "platform/Log.h"
+#include "platform/log/Log.h"
 #include "ui/presentation/Addresses.h"
 #include "ui/presentation/Presenter.h"
 

@@ -4,7 +4,7 @@
 
 #include <QtQml/qqmlregistration.h>
 
-#include "platform/UserDefaults.h"
+#include "platform/device/UserDefaults.h"
 #include "ui/presentation/ScreenController.h"
 #include "ui/presentation/Texts.h"
 #include "ui/presentation/UrlOpener.h"

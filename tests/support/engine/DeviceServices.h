@@ -5,7 +5,7 @@
 
 #include "apps/ThirdPartyAppCacheManager.h"
 #include "engine/FileCleanerEngine.h"
-#include "platform/UserDefaults.h"
+#include "platform/device/UserDefaults.h"
 #include "support/NoWorkspace.h"
 #include "support/engine/EngineFakes.h"
 

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/Log.h"
+#include "platform/log/Log.h"
 #include "support/FaultyFileManager.h"
 #include "support/TemporaryDevice.h"
 #include "support/engine/DeviceServices.h"

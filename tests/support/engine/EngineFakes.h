@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "engine/Eraser.h"
-#include "platform/CommandRunner.h"
-#include "platform/WebStorage.h"
+#include "platform/process/CommandRunner.h"
+#include "platform/system/WebStorage.h"
 
 namespace sweepwright::test {
 

@@ -7,8 +7,8 @@
 #include <gtest/gtest.h>
 
 #include "engine/CleanPreview.h"
-#include "launch/SampleDevice.h"
-#include "platform/HostFileManager.h"
+#include "platform/files/HostFileManager.h"
+#include "sample/SampleDevice.h"
 #include "support/engine/DeviceServices.h"
 #include "ui/endtoend/RunningApp.h"
 
@@ -21,7 +21,7 @@ namespace fs = std::filesystem;
 class SampleOnDisk {
   public:
     SampleOnDisk() : root_(folder_.path() + "/device") {
-        const auto made = launch::makeSampleDevice(root_, 1);
+        const auto made = sample::makeSampleDevice(root_, 1);
         EXPECT_TRUE(made.has_value());
     }
     [[nodiscard]] const std::string& root() const { return root_; }

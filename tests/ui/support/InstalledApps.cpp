@@ -4,9 +4,9 @@
 
 #include <fmt/format.h>
 
-#include "launch/SampleDeviceCatalog.h"
-#include "launch/SampleIcon.h"
-#include "platform/PropertyList.h"
+#include "platform/plist/PropertyList.h"
+#include "sample/internal/SampleDeviceCatalog.h"
+#include "sample/internal/SampleIcon.h"
 
 namespace sweepwright::test {
 
@@ -30,11 +30,11 @@ std::string encoded(const platform::Image& image) {
 std::vector<InstalledApp> makeSampleApps() {
     constexpr unsigned kSide = 120;
     std::vector<InstalledApp> apps;
-    for (const launch::catalog::App& app : launch::catalog::apps()) {
+    for (const sample::catalog::App& app : sample::catalog::apps()) {
         if (app.bundleFolder.empty()) continue;
         apps.push_back({std::string(app.identifier), std::string(app.displayName),
                         (app.cachesMiB + app.webMiB) * kMiB, app.temporaryMiB * kMiB,
-                        encoded(launch::drawSampleIcon(app.glyph, app.hue, kSide))});
+                        encoded(sample::drawSampleIcon(app.glyph, app.hue, kSide))});
     }
     return apps;
 }
@@ -77,7 +77,7 @@ const std::vector<InstalledApp>& sampleApps() {
 std::vector<InstalledApp> manyApps(int count, bool withIcons) {
     constexpr unsigned kSide = 120;
     std::vector<InstalledApp> apps;
-    const auto catalog = launch::catalog::apps();
+    const auto catalog = sample::catalog::apps();
     for (int i = 0; i < count; ++i) {
         const auto number = static_cast<unsigned>(i);
         const auto& model = catalog[number % catalog.size()];
@@ -85,7 +85,7 @@ std::vector<InstalledApp> manyApps(int count, bool withIcons) {
         apps.push_back(
             {fmt::format("{}.app{}", prefix, i), fmt::format("{} {}", model.bundleName, i),
              (number * 37 % 900 + 1) * kMiB / 7, number * 13 % 50 * 1024,
-             withIcons ? encoded(launch::drawSampleIcon(model.glyph, number * 47 % 360, kSide))
+             withIcons ? encoded(sample::drawSampleIcon(model.glyph, number * 47 % 360, kSide))
                        : std::string()});
     }
     return apps;

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/Image.h"
+#include "platform/image/Image.h"
 #include "ui/support/TestApp.h"
 
 namespace sweepwright::test {

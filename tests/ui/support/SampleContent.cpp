@@ -4,8 +4,8 @@
 
 #include <gtest/gtest.h>
 
-#include "launch/SampleDevice.h"
-#include "platform/PropertyList.h"
+#include "platform/plist/PropertyList.h"
+#include "sample/SampleDevice.h"
 
 namespace sweepwright::test {
 
@@ -26,7 +26,7 @@ std::string plist(std::initializer_list<std::pair<const char*, std::string>> ent
 void fillWithSampleDevice(TemporaryDevice& device) {
     const TemporaryFolder folder;
     const fs::path sample = fs::path(folder.path()) / "sample";
-    const auto made = launch::makeSampleDevice(sample.string(), 1);
+    const auto made = sample::makeSampleDevice(sample.string(), 1);
     ASSERT_TRUE(made.has_value()) << made.error().description;
     for (const auto& old : fs::directory_iterator(device.root()))
         fs::remove_all(old.path());

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "engine/StorageAnalyzer.h"
-#include "platform/ForwardingFileManager.h"
+#include "platform/files/ForwardingFileManager.h"
 #include "support/TemporaryDevice.h"
 #include "ui/presentation/ScreenServices.h"
 
