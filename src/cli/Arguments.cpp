@@ -234,6 +234,11 @@ class Parser {
 
     static Outcome checkWords(const Command& command, const Positional& positional,
                               const std::vector<std::string>& words) {
+        if (words.empty() && !positional.optional && !positional.choices.empty()) {
+            return wrongWords(told("{} needs {}, one of {}; {}", calledAs(command.words),
+                                   positional.name, fmt::join(positional.choices, ", "),
+                                   seeHelp(command.words)));
+        }
         if (words.empty() && !positional.optional) {
             return wrongWords(told("{} needs {}; {}", calledAs(command.words), positional.name,
                                    seeHelp(command.words)));

@@ -42,6 +42,7 @@ Outcome requireAnswerable(const std::string& why, bool sure) {
 Outcome confirm(const Confirmation& confirmation, bool sure) {
     if (auto answerable = requireAnswerable(confirmation.why, sure); sure || !answerable)
         return answerable;
+    if (!confirmation.question) return {};
     const auto question = confirmation.question();
     if (!question) return std::unexpected(question.error());
     if (agrees(*question)) return {};

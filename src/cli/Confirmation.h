@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <expected>
 #include <functional>
 #include <string>
@@ -16,12 +17,18 @@ struct Confirmation {
 
     std::string why;        ///< told where nobody can be asked: "this removes data"
     std::string otherwise;  ///< what holds after a no: "nothing was removed"
-    /// What is shown; the last line is the question. Made only when somebody is asked.
+    /// What is shown; the last line is the question. Made only when somebody is asked. None where
+    /// nothing would change: then nobody is.
     std::function<std::expected<Lines, Failure>()> question;
 
     /// The question of lines that are known without work.
     static auto asking(Lines lines) {
         return [lines = std::move(lines)] { return lines; };
+    }
+    /// The same, or none for a list that is empty already.
+    static decltype(question) askingUnlessEmpty(std::size_t count, std::string line) {
+        if (count == 0) return {};
+        return asking({std::move(line)});
     }
 };
 

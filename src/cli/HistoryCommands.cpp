@@ -64,7 +64,7 @@ Outcome confirmDeleting(std::size_t count, std::size_t stored, bool sure) {
         told("Delete {} of {}?", count, counted(stored, "record", "records"));
     return confirm({.why = translated("this deletes records"),
                     .otherwise = translated("no record was deleted"),
-                    .question = Confirmation::asking({question})},
+                    .question = Confirmation::askingUnlessEmpty(count, question)},
                    sure);
 }
 

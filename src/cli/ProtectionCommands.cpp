@@ -134,12 +134,13 @@ Outcome add(const StoredList& list, Context& context, const Call& call) {
 
 Outcome clear(const StoredList& list, Context& context, bool sure) {
     if (auto readable = requireReadable(list); !readable) return readable;
-    const std::string what =
-        told("{} from {}", counted(list.entries().size(), "entry", "entries"), list.words);
-    const auto agreed = confirm({.why = translated("this empties the list"),
-                                 .otherwise = translated("the list is as it was"),
-                                 .question = Confirmation::asking({told("Remove {}?", what)})},
-                                sure);
+    const std::size_t count = list.entries().size();
+    const std::string what = told("{} from {}", counted(count, "entry", "entries"), list.words);
+    const auto agreed =
+        confirm({.why = translated("this empties the list"),
+                 .otherwise = translated("the list is as it was"),
+                 .question = Confirmation::askingUnlessEmpty(count, told("Remove {}?", what))},
+                sure);
     if (!agreed) return agreed;
     if (auto cleared = list.clear(); !cleared) return failed(cleared.error());
     showDocument(list, context.output());

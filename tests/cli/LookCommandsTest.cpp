@@ -186,6 +186,7 @@ TEST(HistoryCommand, AsksOnATerminalAndTellsWhatItDeleted) {
                     HasSubstr(*answer == 'y' ? "deleted 2 records\n" : "no record was deleted"));
     }
     EXPECT_EQ(sweepctl.run({"history"}).screen, "(none)\n");
+    EXPECT_EQ(sweepctl.run({"history", "clear"}).screen, "deleted 0 records\n") << "it asked";
 }
 
 TEST(HistoryCommand, OnATerminalWhatWasCleanedStandsBeforeItsRecord) {

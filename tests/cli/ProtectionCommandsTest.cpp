@@ -155,7 +155,9 @@ TEST(WhitelistCommands, AListIsEmptiedAfterAQuestionOrWithYesOnly) {
             EXPECT_THAT(result.screen, HasSubstr(*answer == 'y' ? "removed 2 entries from "
                                                                 : "the list is as it was"));
         }
+        EXPECT_THAT(run({"clear"}).screen, testing::StartsWith("removed 0 entries")) << "it asked";
         sweepctl.setTerminal(TerminalStreams::none());
+        EXPECT_EQ(run({"clear"}).status, 2) << "a script needs --yes, whatever the list holds";
         EXPECT_THAT(run({}).output, testing::Not(HasSubstr("/a")));
     }
 }

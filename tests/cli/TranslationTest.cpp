@@ -11,10 +11,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "cli/Categories.h"
 #include "cli/Command.h"
 #include "cli/Sweepctl.h"
 #include "cli/Translation.h"
+#include "engine/Categories.h"
 #include "engine/CleanObserver.h"
 #include "platform/system/ResourceBundle.h"
 #include "platform/system/StringsTable.h"
@@ -104,7 +104,7 @@ TEST(Translation, EveryTextOfTheSourcesHasOne) {
     Texts texts = translatedTexts();
     EXPECT_GT(texts.size(), 100U) << "the sources were not found";
     texts.merge(describingTexts());
-    for (const cli::Category& category : cli::categories())
+    for (const auto& category : categories())
         texts.emplace(category.label);
     for (int reason = 0; !keptReasonName(static_cast<KeptReason>(reason)).empty(); ++reason)
         texts.emplace(keptReasonName(static_cast<KeptReason>(reason)));

@@ -60,7 +60,7 @@ TEST(Words, AWordThatACommandHasNoUseForIsRefused) {
 }
 
 TEST(Words, AMissingWordIsNamed) {
-    expectWrongWords({"size"}, "size needs WHAT");
+    expectWrongWords({"size"}, "size needs WHAT, one of cache, temp, ");
     expectWrongWords({"whitelist", "paths", "add"}, "whitelist paths add needs PATH");
 }
 
