@@ -11,17 +11,17 @@
 
 #include "apps/AppNames.h"
 #include "cli/Arguments.h"
+#include "cli/Completion.h"
 #include "cli/Context.h"
 #include "cli/FailureReport.h"
 #include "cli/Help.h"
+#include "launch/Version.h"
 #include "platform/Log.h"
 #include "platform/Terminal.h"
 
 namespace sweepwright::cli {
 
 namespace {
-
-constexpr const char* kVersion = SWEEPWRIGHT_VERSION;
 
 /// Tells of a failure on standard error and, with --json, on standard output.
 void report(Output& output, const Failure& failure) {
@@ -96,8 +96,14 @@ void showText(Output& output, const Commands& commands, const Invocation& invoca
     if (invocation.kind == Invocation::Kind::Help) {
         showHelp(output, helpText(commands, invocation.commandWords));
     } else {
-        output.line(fmt::format("sweepctl {}", kVersion));
-        output.document(Json{{"version", kVersion}});
+        const launch::Version version = launch::programVersion();
+        output.line(launch::versionText("sweepctl", version));
+        const auto known = [](std::string_view text) {
+            return text.empty() ? Json(nullptr) : Json(text);
+        };
+        output.document(Json{{"version", version.number},
+                             {"commit", known(version.commit)},
+                             {"date", known(version.date)}});
     }
 }
 
@@ -105,6 +111,7 @@ void showText(Output& output, const Commands& commands, const Invocation& invoca
 
 int runProgram(const std::vector<std::string>& words) {
     const Commands commands = allCommands();
+    if (asksForCompletion(words)) return complete(commands, {words.begin() + 1, words.end()});
     const auto invocation = parseArguments(commands, words);
     const bool json = invocation ? invocation->json : asksForJson(words);
     Output output(json, platform::isTerminal(platform::StandardStream::Output),

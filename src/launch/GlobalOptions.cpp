@@ -68,8 +68,7 @@ Environment processEnvironment() {
     };
 }
 
-Result<DeviceChoice> chooseDevice(const GlobalOptions& options, const Environment& environment,
-                                  const std::stop_token& stop) {
+Result<DeviceChoice> nameDevice(const GlobalOptions& options, const Environment& environment) {
     DeviceChoice choice;
     choice.options.home = options.home ? options.home : variable(environment, "SWEEPWRIGHT_HOME");
     choice.options.temporaryDirectory = options.temporaryDirectory;
@@ -95,9 +94,16 @@ Result<DeviceChoice> chooseDevice(const GlobalOptions& options, const Environmen
     }
     choice.options.rootFolder = *data + "/sweepwright/sample-device";
     choice.isSampleDevice = true;
-    auto made = ensureSampleDevice(choice.options.rootFolder, stop);
+    return choice;
+}
+
+Result<DeviceChoice> chooseDevice(const GlobalOptions& options, const Environment& environment,
+                                  const std::stop_token& stop) {
+    auto choice = nameDevice(options, environment);
+    if (!choice || !choice->isSampleDevice) return choice;
+    auto made = ensureSampleDevice(choice->options.rootFolder, stop);
     if (!made) return std::unexpected(std::move(made.error()));
-    choice.made = *made;
+    choice->made = *made;
     return choice;
 }
 

@@ -41,6 +41,11 @@ platform::Result<DeviceChoice> chooseDevice(const GlobalOptions& options,
                                             const Environment& environment,
                                             const std::stop_token& stop = {});
 
+/// The same choice without making anything: a sample device that is not there is left to the
+/// opening to miss.
+platform::Result<DeviceChoice> nameDevice(const GlobalOptions& options,
+                                          const Environment& environment);
+
 /// Starts the log of program `name`: a rotating file in $XDG_STATE_HOME/sweepwright, and standard
 /// error when `verbose`. A folder that can't be made leaves the file out.
 void startProgramLog(const std::string& name, bool verbose, const Environment& environment);
