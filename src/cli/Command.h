@@ -87,6 +87,7 @@ using Commands = std::vector<Command>;
 Commands allCommands();
 
 /// What each source of commands adds.
+void addConnectCommands(Commands& commands);
 void addScanCommands(Commands& commands);
 void addCleanCommands(Commands& commands);
 void addLookCommands(Commands& commands);

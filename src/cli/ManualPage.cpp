@@ -166,7 +166,10 @@ The language that is wanted.
 .It Pa $XDG_DATA_HOME/sweepwright/sample\-device
 The sample device, by default below
 .Pa ~/.local/share .
-It is made when no device is named, and may be deleted at any time.
+It is made when no device is named or connected, and may be deleted at any time.
+.It Pa $XDG_RUNTIME_DIR/sweepwright
+The connected devices, each mounted on a folder below it, and the name of the
+one that is used where none is named.
 .It Pa $XDG_STATE_HOME/sweepwright/{}.log
 Diagnostics of the last calls, by default below
 .Pa ~/.local/state .

@@ -32,6 +32,8 @@ void report(Output& output, const Failure& failure) {
 /// Whoever names no device should not take what they see for their own.
 std::string nameOf(const launch::DeviceChoice& choice) {
     if (choice.isSampleDevice) return "the sample device in " + choice.options.rootFolder;
+    if (!choice.connection.empty())
+        return fmt::format("the connected device {}", choice.connection);
     return platform::runsOnDevice() ? "this device" : choice.options.rootFolder;
 }
 
@@ -62,7 +64,7 @@ Outcome openDevice(const Invocation& invocation, Context& context) {
                              sizeText(choice->made->bytes), choice->options.rootFolder));
     }
     context.setDevice(nameOf(*choice));
-    if (choice->isSampleDevice)
+    if (choice->isSampleDevice || !choice->connection.empty())
         remark(fmt::format("working on {}; --device-root names another", context.device()));
     return {};
 }

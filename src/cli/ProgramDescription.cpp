@@ -7,8 +7,8 @@ std::vector<GlobalOption> globalOptions() {
         {.name = "--device-root",
          .value = "DIR",
          .help = "the folder that is the device's \"/\": where it is mounted or was copied to "
-                 "($SWEEPWRIGHT_DEVICE_ROOT); on a device \"/\", elsewhere a sample device, made "
-                 "on first use",
+                 "($SWEEPWRIGHT_DEVICE_ROOT); on a device \"/\", elsewhere the device that is "
+                 "connected, or a sample device, made on first use",
          .isHostFolder = true},
         {.name = "--home",
          .value = "PATH",

@@ -30,11 +30,14 @@ Environment processEnvironment();
 struct DeviceChoice {
     platform::DeviceOptions options;
     bool isSampleDevice = false;
+    std::string connection{};  ///< the name of the connected device it is; empty for none
     std::optional<SampleDeviceSummary> made;  ///< set when the sample device was made just now
 };
 
 /// Chooses the device: an option before its variable (an empty variable counts as unset), and with
-/// neither, "/" on a device and the bundled sample device elsewhere, which is made on first use.
+/// neither, "/" on a device; elsewhere the device that was connected last, and without one the
+/// bundled sample device, which is made on first use. A connected device that answers no more is an
+/// error, never another device.
 /// The preferred languages come from LC_ALL, LC_MESSAGES and LANG. A stop ends the making of the
 /// sample device, of which nothing is left then.
 platform::Result<DeviceChoice> chooseDevice(const GlobalOptions& options,

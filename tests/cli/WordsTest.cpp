@@ -187,7 +187,8 @@ TEST(Words, HelpListsTheOptionsOfAllCommandsInTheirOrder) {
 Options, before or after the command:
   --device-root DIR   the folder that is the device's "/": where it is mounted
                       or was copied to ($SWEEPWRIGHT_DEVICE_ROOT); on a device
-                      "/", elsewhere a sample device, made on first use
+                      "/", elsewhere the device that is connected, or a sample
+                      device, made on first use
   --home PATH         the app's home directory on the device ($SWEEPWRIGHT_HOME)
   --tmp PATH          the temporary directory on the device (HOME/tmp)
   --idiom KIND        iphone or ipad (iphone)
