@@ -141,8 +141,8 @@ std::string beginning(std::string_view title, std::string_view name, std::string
                       const ManualFacts& facts) {
     return fmt::format(
         ".\\\" Made from the program's own tables of commands and options.\n"
-        ".Dd {}\n.Dt {} 1\n.Os \"Sweepwright {}\"\n.Sh NAME\n.Nm {}\n.Nd {}\n.Sh SYNOPSIS\n.Nm\n",
-        longDate(facts.date), title, facts.version, name, purpose);
+        ".Dd {}\n.Dt {} 1\n.Os\n.Sh NAME\n.Nm {}\n.Nd {}\n.Sh SYNOPSIS\n.Nm\n",
+        longDate(facts.date), title, name, purpose);
 }
 
 /// What both programs read and write beside the device.

@@ -9,7 +9,6 @@ namespace sweepwright::cli {
 
 /// What the manual pages tell beside what the tables of commands and options say.
 struct ManualFacts {
-    std::string version;
     std::string date;  ///< of the release, "2026-11-21"
     std::string website;
 };

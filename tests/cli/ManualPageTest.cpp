@@ -13,8 +13,7 @@ namespace {
 using testing::HasSubstr;
 using testing::Not;
 
-const ManualFacts kFacts{
-    .version = "1.2.3", .date = "2026-02-03", .website = "https://example.com/"};
+const ManualFacts kFacts{.date = "2026-02-03", .website = "https://example.com/"};
 
 /// How the page writes dashes.
 std::string withDashes(std::string text) {
@@ -59,7 +58,6 @@ TEST(ManualPage, OfTheAppHasItsOptions) {
 TEST(ManualPage, TellsTheReleaseAndTheWebsite) {
     const std::string page = commandManual({}, kFacts);
     EXPECT_THAT(page, HasSubstr(".Dd February 3, 2026\n"));
-    EXPECT_THAT(page, HasSubstr(".Os \"Sweepwright 1.2.3\"\n"));
     EXPECT_THAT(page, HasSubstr(".Lk https://example.com/\n"));
 }
 

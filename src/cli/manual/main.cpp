@@ -7,11 +7,11 @@
 
 int main(int argc, char** argv) {
     using namespace sweepwright::cli;
-    if (argc != 5) {
-        std::fputs("usage: write_manual sweepctl|sweepwright VERSION DATE WEBSITE\n", stderr);
+    if (argc != 4) {
+        std::fputs("usage: write_manual sweepctl|sweepwright DATE WEBSITE\n", stderr);
         return 2;
     }
-    const ManualFacts facts{.version = argv[2], .date = argv[3], .website = argv[4]};
+    const ManualFacts facts{.date = argv[2], .website = argv[3]};
     const std::string page = std::string_view(argv[1]) == "sweepctl"
                                  ? commandManual(allCommands(), facts)
                                  : appManual(facts);
