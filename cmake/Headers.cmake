@@ -7,16 +7,23 @@
 #
 # The second is seen by the library itself, and by tests that link <target>_internal.
 
-# The folder for the headers given, filled anew, becomes an include directory of `target`.
+# The folder with links to the headers given, and no others, becomes an include directory of `target`.
+# Links that are right stay, since a build may run meanwhile.
 function(sweepwright_include_folder target scope folder)
-  file(REMOVE_RECURSE ${folder})
-  file(MAKE_DIRECTORY ${folder})
+  file(GLOB_RECURSE stale ${folder}/*.h)
   foreach(header ${ARGN})
     file(RELATIVE_PATH name ${PROJECT_SOURCE_DIR}/src ${header})
-    cmake_path(GET name PARENT_PATH parent)
-    file(MAKE_DIRECTORY ${folder}/${parent})
-    file(CREATE_LINK ${header} ${folder}/${name} SYMBOLIC)
+    set(link ${folder}/${name})
+    list(REMOVE_ITEM stale ${link})
+    if(NOT EXISTS ${link})
+      cmake_path(GET link PARENT_PATH parent)
+      file(MAKE_DIRECTORY ${parent})
+      file(CREATE_LINK ${header} ${link} SYMBOLIC)
+    endif()
   endforeach()
+  if(stale)
+    file(REMOVE ${stale})
+  endif()
   target_include_directories(${target} ${scope} ${folder})
 endfunction()
 

@@ -170,16 +170,18 @@ void addAppCommands(Commands& commands) {
          .options = {{.name = "--third-party", .value = "", .help = "leave the system's apps out"}},
          .examples = {"sweepctl apps --third-party"},
          .run = apps});
-    commands.push_back(
-        {.words = "apps clean",
-         .group = kGroup,
-         .summary = "remove apps' caches, temporary files and web data",
-         .positionals =
-             {{.name = "ID", .help = "bundle identifiers", .many = true, .optional = true}},
-         .options = cleanOptions,
-         .examples = {"sweepctl apps clean com.example.chat",
-                      "sweepctl apps clean --all --dry-run"},
-         .run = cleanApps});
+    commands.push_back({.words = "apps clean",
+                        .group = kGroup,
+                        .summary = "remove apps' caches, temporary files and web data",
+                        .positionals = {{.name = "ID",
+                                         .help = "bundle identifiers",
+                                         .many = true,
+                                         .optional = true,
+                                         .candidates = installedApps}},
+                        .options = cleanOptions,
+                        .examples = {"sweepctl apps clean com.example.chat",
+                                     "sweepctl apps clean --all --dry-run"},
+                        .run = cleanApps});
 }
 
 }  // namespace sweepwright::cli

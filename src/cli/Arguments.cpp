@@ -14,6 +14,7 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include "cli/ProgramDescription.h"
 #include "cli/Suggestion.h"
 #include "cli/Translation.h"
 
@@ -81,13 +82,18 @@ class Parser {
 
   private:
     void addGlobalOptions() {
-        for (const char* name : {"--device-root", "--home", "--tmp", "--idiom"}) {
-            // The last one counts, so that an alias can be overruled.
-            app_.add_option(name)->take_last()->type_name("value");
+        for (const GlobalOption& option : globalOptions()) {
+            const std::string names =
+                option.letter.empty() ? option.name : option.letter + "," + option.name;
+            if (!option.value.empty()) {
+                // The last one counts, so that an alias can be overruled.
+                app_.add_option(names)->take_last()->type_name("value");
+            } else if (option.name == "--json") {
+                app_.add_flag(names);  // takes a yes or a no
+            } else {
+                app_.add_flag(names)->disable_flag_override();
+            }
         }
-        for (const char* name : {"--no-progress", "-v,--verbose", "--version", "-h,--help"})
-            app_.add_flag(name)->disable_flag_override();
-        app_.add_flag("--json");
         nodeWords_[&app_] = "";
     }
 

@@ -30,6 +30,7 @@ Commands allCommands() {
     addProtectionCommands(commands);
     addHistoryCommands(commands);
     addLanguageCommands(commands);
+    addConnectCommands(commands);
     addSampleCommands(commands);
     addHelpCommands(commands);
     return commands;

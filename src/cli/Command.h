@@ -10,6 +10,7 @@
 #include <variant>
 #include <vector>
 
+#include "cli/Candidates.h"
 #include "cli/Failure.h"
 
 namespace sweepwright::cli {
@@ -23,6 +24,8 @@ struct Positional {
     bool many = false;                   ///< one or more; only as the last
     bool optional = false;               ///< may be left out (none or more, with `many`)
     std::vector<std::string> choices{};  ///< the words allowed; empty: any that is not empty
+    Candidates candidates{};             ///< words that a shell may offer; unset: none
+    bool isHostFolder = false;           ///< names a folder of this computer
 };
 
 /// An option of one command.
@@ -33,6 +36,7 @@ struct Option {
     bool isText = false;      ///< the value is any text that is not empty, else
     std::uint64_t least = 0;  ///< the value is a whole number, from this one ...
     std::uint64_t most = std::numeric_limits<std::uint64_t>::max();  ///< ... to this one
+    Candidates candidates{};  ///< values that a shell may offer; unset: none
 };
 
 /// The words of one call, as the command's description sorts them.
@@ -83,6 +87,7 @@ using Commands = std::vector<Command>;
 Commands allCommands();
 
 /// What each source of commands adds.
+void addConnectCommands(Commands& commands);
 void addScanCommands(Commands& commands);
 void addCleanCommands(Commands& commands);
 void addLookCommands(Commands& commands);

@@ -7,6 +7,7 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include "cli/ProgramDescription.h"
 #include "cli/Text.h"
 #include "cli/Translation.h"
 
@@ -14,42 +15,13 @@ namespace sweepwright::cli {
 
 namespace {
 
-constexpr std::string_view kGlobalOptions =
-    R"(Options, before or after the command:
-  --device-root DIR   the folder that is the device's "/": where it is mounted
-                      or was copied to ($SWEEPWRIGHT_DEVICE_ROOT); on a device
-                      "/", elsewhere a sample device, made on first use
-  --home PATH         the app's home directory on the device ($SWEEPWRIGHT_HOME)
-  --tmp PATH          the temporary directory on the device (HOME/tmp)
-  --idiom KIND        iphone or ipad (iphone)
-  --json              one JSON document, and nothing else, on standard output
-  --no-progress       no progress line
-  -v, --verbose       the diagnostic log on standard error, too, and each folder
-                      and entry that could not be read or removed
-  -h, --help          this help, or a command's: sweepctl COMMAND --help
-  --version           the version
-)";
-
-constexpr std::string_view kClosing =
-    R"(Exit status:
-  0  done
-  1  the operation reported an error
-  2  the words of the call are wrong
-  3  the device root can't be used, or is no device
-  4  done, but something that was to go could not be read or removed
-  130, 143  stopped by an interrupt or a request to end
-
-Nothing is removed without a question or --yes, nothing outside the device root
-is ever touched, and what the whitelists protect stays.
-)";
-
 using Entry = std::pair<std::string, std::string>;
 
 constexpr std::size_t kColumns = 80;
 constexpr std::size_t kWidestName = 36;  ///< a longer name has its help on the next line
 
-std::string entries(const std::vector<Entry>& list) {
-    std::size_t width = 0;
+/// Names and their help in two columns, the first at least `width` wide.
+std::string entries(const std::vector<Entry>& list, std::size_t width = 0) {
     for (const auto& [name, help] : list) {
         if (name.size() <= kWidestName) width = std::max(width, name.size());
     }
@@ -99,16 +71,36 @@ std::string exampleList(const std::vector<std::string>& examples) {
     return fmt::format("{}\n  {}\n", translated("Examples:"), fmt::join(examples, "\n  "));
 }
 
+std::string globalOptionList() {
+    std::vector<Entry> list;
+    for (const GlobalOption& option : globalOptions()) {
+        list.emplace_back(
+            fmt::format("{}{}{}{}{}", option.letter, option.letter.empty() ? "" : ", ", option.name,
+                        option.value.empty() ? "" : " ", option.value),
+            translated(option.help));
+    }
+    constexpr std::size_t kWidth = 18;
+    return translated("Options, before or after the command:") + "\n" + entries(list, kWidth);
+}
+
+std::string closing() {
+    std::string text = translated("Exit status:") + "\n";
+    for (const ExitStatus& status : exitStatuses())
+        text += fmt::format("  {}  {}\n", status.status, translated(status.meaning));
+    return fmt::format("{}\n{}\n", text,
+                       translated("Nothing is removed without a question or --yes, nothing outside "
+                                  "the device root\nis ever touched, and what the whitelists "
+                                  "protect stays."));
+}
+
 std::string programHelp(const Commands& commands) {
     std::vector<std::string> examples;
     for (const Command& command : commands) {
         if (!command.examples.empty()) examples.push_back(command.examples.front());
     }
     return fmt::format("sweepctl - {}\n\n{} sweepctl [OPTIONS] COMMAND [ARGS]\n\n{}{}\n{}\n{}",
-                       translated("measures and cleans the storage of an iPhone or iPad"),
-                       translated("Usage:"), commandList(commands),
-                       translated(kGlobalOptions, "options of every command"),
-                       exampleList(examples), translated(kClosing, "exit statuses"));
+                       translated(programPurpose()), translated("Usage:"), commandList(commands),
+                       globalOptionList(), exampleList(examples), closing());
 }
 
 std::string commandHelp(const Command& command) {

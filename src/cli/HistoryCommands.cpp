@@ -35,6 +35,16 @@ Json recordsDocument(const std::vector<CleanHistoryItem>& records) {
     return document;
 }
 
+std::vector<Candidate> recordIdentifiers(const std::string& /*begun*/) {
+    std::vector<Candidate> records;
+    for (const auto& item : CleanHistoryManager::sharedManager().getAllCleanHistory()) {
+        records.push_back(
+            {item.identifier,
+             fmt::format("{}, {}", platform::dateText(item.cleanDate), item.cleanTypeName)});
+    }
+    return records;
+}
+
 /// The document of the records that are left after a change.
 void showRest(Output& output) {
     output.document(recordsDocument(CleanHistoryManager::sharedManager().getAllCleanHistory()));
@@ -149,12 +159,14 @@ void addHistoryCommands(Commands& commands) {
                         .options = {{.name = "--limit", .value = "N", .help = "at most so many"}},
                         .examples = {"sweepctl history --limit 5"},
                         .run = history});
-    commands.push_back({.words = "history delete",
-                        .group = kGroup,
-                        .summary = "delete records",
-                        .positionals = {{.name = "ID", .help = "identifiers", .many = true}},
-                        .options = options,
-                        .run = deleteHistory});
+    commands.push_back(
+        {.words = "history delete",
+         .group = kGroup,
+         .summary = "delete records",
+         .positionals =
+             {{.name = "ID", .help = "identifiers", .many = true, .candidates = recordIdentifiers}},
+         .options = options,
+         .run = deleteHistory});
     commands.push_back({.words = "history clear",
                         .group = kGroup,
                         .summary = "delete all records",

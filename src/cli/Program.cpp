@@ -10,18 +10,18 @@
 
 #include "apps/AppNames.h"
 #include "cli/Arguments.h"
+#include "cli/Completion.h"
 #include "cli/Context.h"
 #include "cli/FailureReport.h"
 #include "cli/Help.h"
 #include "cli/Translation.h"
+#include "launch/Version.h"
 #include "platform/log/Log.h"
 #include "platform/process/Terminal.h"
 
 namespace sweepwright::cli {
 
 namespace {
-
-constexpr const char* kVersion = SWEEPWRIGHT_VERSION;
 
 /// Tells of a failure on standard error and, with --json, on standard output.
 void report(Output& output, const Failure& failure) {
@@ -32,6 +32,7 @@ void report(Output& output, const Failure& failure) {
 /// Whoever names no device should not take what they see for their own.
 std::string nameOf(const launch::DeviceChoice& choice) {
     if (choice.isSampleDevice) return told("the sample device in {}", choice.options.rootFolder);
+    if (!choice.connection.empty()) return told("the connected device {}", choice.connection);
     return platform::runsOnDevice() ? translated("this device") : choice.options.rootFolder;
 }
 
@@ -63,7 +64,7 @@ Outcome openDevice(const Invocation& invocation, Context& context) {
                       sizeText(choice->made->bytes), choice->options.rootFolder));
     }
     context.setDevice(nameOf(*choice));
-    if (choice->isSampleDevice)
+    if (choice->isSampleDevice || !choice->connection.empty())
         remark(told("working on {}; --device-root names another", context.device()));
     return {};
 }
@@ -97,8 +98,14 @@ void showText(Output& output, const Commands& commands, const Invocation& invoca
     if (invocation.kind == Invocation::Kind::Help) {
         showHelp(output, helpText(commands, invocation.commandWords));
     } else {
-        output.line(fmt::format("sweepctl {}", kVersion));
-        output.document(Json{{"version", kVersion}});
+        const launch::Version version = launch::programVersion();
+        output.line(launch::versionText("sweepctl", version));
+        const auto known = [](std::string_view text) {
+            return text.empty() ? Json(nullptr) : Json(text);
+        };
+        output.document(Json{{"version", version.number},
+                             {"commit", known(version.commit)},
+                             {"date", known(version.date)}});
     }
 }
 
@@ -107,6 +114,7 @@ void showText(Output& output, const Commands& commands, const Invocation& invoca
 int runProgram(const std::vector<std::string>& words) {
     if (!asksForJson(words) && chineseIsWanted()) speakChinese();
     const Commands commands = allCommands();
+    if (asksForCompletion(words)) return complete(commands, {words.begin() + 1, words.end()});
     const auto invocation = parseArguments(commands, words);
     const bool json = invocation ? invocation->json : asksForJson(words);
     Output output(json, platform::isTerminal(platform::StandardStream::Output),

@@ -43,6 +43,7 @@ struct StoredList {
     std::function<Result<>()> readiness;
     std::function<Words()> builtIn;  ///< what stands in the list for good
     std::function<Words()> entries;  ///< what people have put there
+    Candidates addable;              ///< what a shell offers to add
     std::function<std::string(const std::string&)> storedForm;
     std::function<Outcome(const Words&)> validate;  ///< before anything is added
     /// What a person should know of an entry that is to be added, in one line; empty for nothing.
@@ -148,6 +149,11 @@ Outcome clear(const StoredList& list, Context& context, bool sure) {
     return {};
 }
 
+Positional offering(Positional positional, Candidates candidates) {
+    positional.candidates = std::move(candidates);
+    return positional;
+}
+
 void addListCommands(Commands& commands, const StoredList& list) {
     const std::string program = "sweepctl " + list.words;
     const Positional entries{.name = list.positional, .help = "one or more", .many = true};
@@ -162,17 +168,19 @@ void addListCommands(Commands& commands, const StoredList& list) {
         {.words = list.words + " add",
          .group = kProtectionGroup,
          .summary = list.purpose,
-         .positionals = {entries},
+         .positionals = {offering(entries, list.addable)},
          .options = list.asksWhenWarned ? std::vector{yes} : std::vector<Option>(),
          .examples = {fmt::format("{} add {}", program, list.example)},
          .run = [list](Context& context, const Call& call) { return add(list, context, call); }});
-    commands.push_back({.words = list.words + " remove",
-                        .group = kProtectionGroup,
-                        .summary = "take entries off the list",
-                        .positionals = {entries},
-                        .run = [list](Context& context, const Call& call) {
-                            return change(list, context, call.words(list.positional), false);
-                        }});
+    commands.push_back(
+        {.words = list.words + " remove",
+         .group = kProtectionGroup,
+         .summary = "take entries off the list",
+         .positionals = {offering(entries,
+                                  [list](const auto&) { return candidatesFrom(list.entries()); })},
+         .run = [list](Context& context, const Call& call) {
+             return change(list, context, call.words(list.positional), false);
+         }});
     commands.push_back({.words = list.words + " clear",
                         .group = kProtectionGroup,
                         .summary = "take every entry off the list",
@@ -206,24 +214,26 @@ struct Answer {
 /// A command that asks a list about paths.
 void addCheckCommand(Commands& commands, const StoredList& list, const std::string& summary,
                      const std::function<Answer(const std::string&)>& question) {
-    commands.push_back(
-        {.words = list.words + " check",
-         .group = kProtectionGroup,
-         .summary = summary,
-         .positionals = {{.name = list.positional, .help = "one or more", .many = true}},
-         .run = [=](Context& context, const Call& call) -> Outcome {
-             if (auto readable = requireReadable(list); !readable) return readable;
-             Table table({{.title = wording::kAnswer}, list.column});
-             std::vector<std::pair<std::string, bool>> answers;
-             for (const std::string& path : call.words(list.positional)) {
-                 const Answer answer = question(path);
-                 answers.emplace_back(path, answer.isTouched);
-                 table.row({translated(answer.words), path});
-             }
-             context.output().document(checkDocument(answers));
-             context.output().table(table);
-             return {};
-         }});
+    commands.push_back({.words = list.words + " check",
+                        .group = kProtectionGroup,
+                        .summary = summary,
+                        .positionals = {{.name = list.positional,
+                                         .help = "one or more",
+                                         .many = true,
+                                         .candidates = devicePaths}},
+                        .run = [=](Context& context, const Call& call) -> Outcome {
+                            if (auto readable = requireReadable(list); !readable) return readable;
+                            Table table({{.title = wording::kAnswer}, list.column});
+                            std::vector<std::pair<std::string, bool>> answers;
+                            for (const std::string& path : call.words(list.positional)) {
+                                const Answer answer = question(path);
+                                answers.emplace_back(path, answer.isTouched);
+                                table.row({translated(answer.words), path});
+                            }
+                            context.output().document(checkDocument(answers));
+                            context.output().table(table);
+                            return {};
+                        }});
 }
 
 Words nothing() {
@@ -256,6 +266,7 @@ StoredList pathWhitelist() {
         .readiness = [=] { return manager().readiness(); },
         .builtIn = PathWhitelistManager::getBuiltInPaths,
         .entries = [=] { return manager().getUserDefinedPaths(); },
+        .addable = devicePaths,
         .storedForm = PathWhitelistManager::normalizePath,
         .validate = checkDevicePaths,
         .warning = noWarning,
@@ -293,6 +304,7 @@ StoredList appWhitelist() {
         .readiness = [=] { return manager().readiness(); },
         .builtIn = nothing,
         .entries = [=] { return manager().getAllWhitelistedApps(); },
+        .addable = installedApps,
         .storedForm = asItIs,
         .validate = [](const Words&) { return Outcome(); },
         .warning = whyUnknownApp,  // who mistypes an identifier would believe an app protected
@@ -314,6 +326,7 @@ StoredList customPaths() {
         .readiness = [=] { return manager().readiness(); },
         .builtIn = nothing,
         .entries = [=] { return manager().getAllCustomPaths(); },
+        .addable = devicePaths,
         .storedForm = asItIs,
         .validate = checkDevicePaths,
         .warning = warningOfPersonalData,

@@ -7,6 +7,9 @@
 #include <system_error>
 #include <utility>
 
+#include <fmt/format.h>
+
+#include "launch/Connections.h"
 #include "platform/log/Log.h"
 
 namespace sweepwright::launch {
@@ -45,6 +48,19 @@ Result<std::optional<sample::SampleDeviceSummary>> ensureSampleDevice(const std:
     return std::unexpected(std::move(made.error()));
 }
 
+Result<DeviceChoice> connected(const Connection& connection, DeviceChoice choice) {
+    if (connection.state == Connection::State::Gone) {
+        return std::unexpected(
+            Error{"Launch", 3,
+                  fmt::format("{0}: is connected but answers no more; \"sweepctl connect {0}\" "
+                              "connects it again, \"sweepctl devices\" unmounts it",
+                              connection.name)});
+    }
+    choice.options.rootFolder = connection.folder;
+    choice.connection = connection.name;
+    return choice;
+}
+
 /// Language tags from the locale the environment asks for: "zh_CN.UTF-8" reads "zh-CN".
 std::vector<std::string> preferredLanguages(const Environment& environment) {
     for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
@@ -68,8 +84,7 @@ Environment processEnvironment() {
     };
 }
 
-Result<DeviceChoice> chooseDevice(const GlobalOptions& options, const Environment& environment,
-                                  const std::stop_token& stop) {
+Result<DeviceChoice> nameDevice(const GlobalOptions& options, const Environment& environment) {
     DeviceChoice choice;
     choice.options.home = options.home ? options.home : variable(environment, "SWEEPWRIGHT_HOME");
     choice.options.temporaryDirectory = options.temporaryDirectory;
@@ -78,12 +93,16 @@ Result<DeviceChoice> chooseDevice(const GlobalOptions& options, const Environmen
 
     auto root =
         options.deviceRoot ? options.deviceRoot : variable(environment, "SWEEPWRIGHT_DEVICE_ROOT");
-    if (!root && platform::runsOnDevice()) root = "/";
+    if (!root && platform::runsOnDevice()) root.emplace(1, '/');
     if (root) {
         // Never taken for "none given": a script's unset variable must not lead to another device.
         if (root->empty()) return std::unexpected(Error{"Launch", 2, "the device root is empty"});
         choice.options.rootFolder = std::move(*root);
         return choice;
+    }
+
+    if (const auto connections = Connections::ofPerson(environment)) {
+        if (const auto chosen = connections->chosen()) return connected(*chosen, choice);
     }
 
     const auto data = baseFolder(environment, "XDG_DATA_HOME", ".local/share");
@@ -95,9 +114,16 @@ Result<DeviceChoice> chooseDevice(const GlobalOptions& options, const Environmen
     }
     choice.options.rootFolder = *data + "/sweepwright/sample-device";
     choice.isSampleDevice = true;
-    auto made = ensureSampleDevice(choice.options.rootFolder, stop);
+    return choice;
+}
+
+Result<DeviceChoice> chooseDevice(const GlobalOptions& options, const Environment& environment,
+                                  const std::stop_token& stop) {
+    auto choice = nameDevice(options, environment);
+    if (!choice || !choice->isSampleDevice) return choice;
+    auto made = ensureSampleDevice(choice->options.rootFolder, stop);
     if (!made) return std::unexpected(std::move(made.error()));
-    choice.made = *made;
+    choice->made = *made;
     return choice;
 }
 

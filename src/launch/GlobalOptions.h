@@ -30,17 +30,25 @@ Environment processEnvironment();
 struct DeviceChoice {
     platform::DeviceOptions options;
     bool isSampleDevice = false;
+    std::string connection{};  ///< the name of the connected device it is; empty for none
     std::optional<sample::SampleDeviceSummary>
         made;  ///< set when the sample device was made just now
 };
 
 /// Chooses the device: an option before its variable (an empty variable counts as unset), and with
-/// neither, "/" on a device and the bundled sample device elsewhere, which is made on first use.
+/// neither, "/" on a device; elsewhere the device that was connected last, and without one the
+/// bundled sample device, which is made on first use. A connected device that answers no more is an
+/// error, never another device.
 /// The preferred languages come from LC_ALL, LC_MESSAGES and LANG. A stop ends the making of the
 /// sample device, of which nothing is left then.
 platform::Result<DeviceChoice> chooseDevice(const GlobalOptions& options,
                                             const Environment& environment,
                                             const std::stop_token& stop = {});
+
+/// The same choice without making anything: a sample device that is not there is left to the
+/// opening to miss.
+platform::Result<DeviceChoice> nameDevice(const GlobalOptions& options,
+                                          const Environment& environment);
 
 /// Starts the log of program `name`: a rotating file in $XDG_STATE_HOME/sweepwright, and standard
 /// error when `verbose`. A folder that can't be made leaves the file out.

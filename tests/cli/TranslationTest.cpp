@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include "cli/Command.h"
+#include "cli/ProgramDescription.h"
 #include "cli/Sweepctl.h"
 #include "cli/Translation.h"
 #include "engine/Categories.h"
@@ -39,7 +40,8 @@ platform::StringsTable chineseTable() {
 }
 
 std::string withoutEscapes(const std::string& literal) {
-    return std::regex_replace(literal, std::regex(R"(\\(.))"), "$1");
+    const std::string withLineBreaks = std::regex_replace(literal, std::regex(R"(\\n)"), "\n");
+    return std::regex_replace(withLineBreaks, std::regex(R"(\\(.))"), "$1");
 }
 
 /// The text of one string literal, or of some that stand side by side.
@@ -67,6 +69,7 @@ void collect(Texts& texts, const std::string& source, const std::string& place) 
 Texts translatedTexts() {
     Texts texts;
     for (const auto& file : std::filesystem::directory_iterator(CLI_SOURCES)) {
+        if (!file.is_regular_file()) continue;
         std::ifstream stream(file.path());
         const std::string source(std::istreambuf_iterator<char>(stream), {});
         collect(texts, source, R"((?:told|translated|counted)\([^";,]*)");
@@ -104,6 +107,11 @@ TEST(Translation, EveryTextOfTheSourcesHasOne) {
     Texts texts = translatedTexts();
     EXPECT_GT(texts.size(), 100U) << "the sources were not found";
     texts.merge(describingTexts());
+    for (const cli::GlobalOption& option : cli::globalOptions())
+        texts.insert(option.help);
+    for (const cli::ExitStatus& status : cli::exitStatuses())
+        texts.emplace(status.meaning);
+    texts.insert(cli::programPurpose());
     for (const auto& category : categories())
         texts.emplace(category.label);
     for (int reason = 0; !keptReasonName(static_cast<KeptReason>(reason)).empty(); ++reason)

@@ -181,6 +181,40 @@ TEST(Words, HelpIsACommandToo) {
     expectWrongWords({"help", "claen"}, "there is no command \"claen\"; did you mean \"clean\"?");
 }
 
+TEST(Words, HelpListsTheOptionsOfAllCommandsInTheirOrder) {
+    const std::string help = Sweepctl().runBare({"--help"}).output;
+    EXPECT_THAT(help, HasSubstr(R"(
+Options, before or after the command:
+  --device-root DIR   the folder that is the device's "/": where it is mounted
+                      or was copied to ($SWEEPWRIGHT_DEVICE_ROOT); on a device
+                      "/", elsewhere the device that is connected, or a sample
+                      device, made on first use
+  --home PATH         the app's home directory on the device ($SWEEPWRIGHT_HOME)
+  --tmp PATH          the temporary directory on the device (HOME/tmp)
+  --idiom KIND        iphone or ipad (iphone)
+  --json              one JSON document, and nothing else, on standard output
+  --no-progress       no progress line
+  -v, --verbose       the diagnostic log on standard error, too, and each folder
+                      and entry that could not be read or removed
+  -h, --help          this help, or a command's: sweepctl COMMAND --help
+  --version           the version
+
+Examples:
+)"));
+    EXPECT_THAT(help, HasSubstr(R"(
+Exit status:
+  0  done
+  1  the operation reported an error
+  2  the words of the call are wrong
+  3  the device root can't be used, or is no device
+  4  done, but something that was to go could not be read or removed
+  130, 143  stopped by an interrupt or a request to end
+
+Nothing is removed without a question or --yes, nothing outside the device root
+is ever touched, and what the whitelists protect stays.
+)"));
+}
+
 TEST(Words, HelpFitsATerminalOfEightyColumns) {
     const std::string help = Sweepctl().runBare({"--help"}).output;
     std::size_t start = 0;
@@ -206,7 +240,10 @@ TEST(Words, TheVersionIsOneLineOrADocument) {
     EXPECT_EQ(text.status, 0);
     EXPECT_THAT(text.output, StartsWith("sweepctl "));
     EXPECT_TRUE(isOneLine(text.output));
-    EXPECT_TRUE(sweepctl.json({"--version"})["version"].is_string());
+    const nlohmann::json document = sweepctl.json({"--version"});
+    EXPECT_TRUE(document["version"].is_string());
+    EXPECT_TRUE(document["commit"].is_string() || document["commit"].is_null());
+    EXPECT_EQ(document["commit"].is_null(), document["date"].is_null());
 }
 
 TEST(Words, AnOutputThatTakesNothingIsAnError) {

@@ -260,10 +260,10 @@ TEST_F(SettingsTest, ShowsTheTextsAboutTheApp) {
     EXPECT_EQ(alert().message(), text("Privacy Policy Text"));
     choose("OK");
     settings().showAbout();
-    EXPECT_TRUE(alert().message().startsWith(QLatin1String("Sweepwright 0.1.0 (1)\n")));
+    EXPECT_TRUE(alert().message().startsWith(QLatin1String("Sweepwright 0.2.0 (1)\n")));
     choose("OK");
     EXPECT_FALSE(app_.presenter().active());
-    EXPECT_EQ(row(4, 0).subtitle, QLatin1String("0.1.0 (1)"));
+    EXPECT_EQ(row(4, 0).subtitle, QLatin1String("0.2.0 (1)"));
 }
 
 TEST_F(SettingsTest, ExplainsEveryCategoryAndWhatIsProtected) {

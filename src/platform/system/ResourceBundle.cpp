@@ -40,6 +40,8 @@ std::string mainFolder() {
         log("⚠️ 找不到程序自身的位置: {}", error.message());
         return {};
     }
+    const fs::path installed = program.parent_path() / SWEEPWRIGHT_RESOURCES_FROM_PROGRAM;
+    if (fs::is_directory(installed, error)) return installed.lexically_normal().string();
     return (program.parent_path().parent_path() / "share" / "sweepwright").string();
 }
 

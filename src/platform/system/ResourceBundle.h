@@ -20,8 +20,9 @@ class ResourceBundle {
     /// The bundle in `folder`, a host path; it need not exist, and then holds nothing.
     explicit ResourceBundle(std::string folder);
 
-    /// The program's own: the folder that the environment's SWEEPWRIGHT_RESOURCES names, else
-    /// "../share/sweepwright" from the folder of the executable. Found on first use.
+    /// The program's own: the folder that the environment's SWEEPWRIGHT_RESOURCES names, else the
+    /// one at the place that installation gives it, seen from the folder of the executable, else
+    /// "../share/sweepwright" from there, as in a build. Found on first use.
     static const ResourceBundle& main();
 
     /// Host path.

@@ -8,6 +8,7 @@
 #include "apps/ThirdPartyAppCacheManager.h"
 #include "engine/FileCleanerEngine.h"
 #include "launch/GlobalOptions.h"
+#include "launch/Version.h"
 #include "localization/LanguageManager.h"
 #include "platform/log/Log.h"
 #include "ui/apps/AppIconProvider.h"
@@ -99,7 +100,7 @@ std::optional<int> answerQuestion(const QStringList& words) {
     if (!options || options->kind == LaunchOptions::Kind::Run) return std::nullopt;
     say(stdout, options->kind == LaunchOptions::Kind::Help
                     ? options->helpText.trimmed()
-                    : QStringLiteral("sweepwright ") + QCoreApplication::applicationVersion());
+                    : QString::fromStdString(launch::versionText("sweepwright")));
     return kDone;
 }
 

@@ -1,6 +1,9 @@
 #include "ui/shell/LaunchOptions.h"
 
 #include <QCommandLineParser>
+#include <string_view>
+
+#include "launch/AppOptions.h"
 
 namespace sweepwright::ui {
 
@@ -16,20 +19,16 @@ const QString kVerbose = QStringLiteral("verbose");
 const QString kHelp = QStringLiteral("help");
 const QString kVersion = QStringLiteral("version");
 
+QString latin1(std::string_view text) {
+    return QString::fromLatin1(text.data(), static_cast<qsizetype>(text.size()));
+}
+
 void addOptions(QCommandLineParser& parser) {
-    const auto add = [&parser](const QStringList& names, const char* text, const char* value = "") {
-        parser.addOption({names, QString::fromLatin1(text), QString::fromLatin1(value)});
-    };
-    add({kDeviceRoot}, "The host folder that is the device's /.", "folder");
-    add({kHome}, "Device path of the app's home directory.", "path");
-    add({kTmp}, "Device path of the temporary directory.", "path");
-    add({kIdiom}, "The device idiom.", "iphone|ipad");
-    add({kOsVersion}, "The device's system version, which decides on the tab bar's form.",
-        "version");
-    add({kAppearance}, "Light or dark, whatever the desktop says.", "light|dark");
-    add({QStringLiteral("v"), kVerbose}, "The diagnostic log lines on standard error, too.");
-    add({QStringLiteral("h"), kHelp}, "This text.");
-    add({kVersion}, "The program's version.");
+    for (const launch::AppOption& option : launch::appOptions()) {
+        QStringList names{latin1(option.name)};
+        if (!option.letter.empty()) names.prepend(latin1(option.letter));
+        parser.addOption({names, latin1(option.help), latin1(option.value)});
+    }
 }
 
 std::optional<std::string> text(const QCommandLineParser& parser, const QString& name) {

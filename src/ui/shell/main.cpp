@@ -8,7 +8,6 @@ int main(int argc, char** argv) {
     QGuiApplication::setApplicationName(QStringLiteral("sweepwright"));
     QGuiApplication::setApplicationDisplayName(QStringLiteral("Sweepwright"));
     QGuiApplication::setDesktopFileName(QStringLiteral("com.sweepwright.app"));
-    QGuiApplication::setApplicationVersion(QStringLiteral(SWEEPWRIGHT_VERSION));
     {
         const QCoreApplication withoutDisplay(argc, argv);
         if (const auto status = ui::answerQuestion(QCoreApplication::arguments().mid(1)))
