@@ -39,10 +39,23 @@ class NotingEraser final : public Eraser, public CleanObserver {
     CleanPreview take(std::uint64_t wouldFree);
 
   private:
-    /// Notes as gone all of directory `name` but what leads to the mount points; their bytes.
-    std::uint64_t noteAround(const platform::Directory& parent, const std::string& name,
-                             const platform::WalkRules& rules,
+    platform::Removal removeFolder(const platform::Directory& parent, const std::string& name,
+                                   const platform::WalkRules& rules);
+    /// A folder on the way to a mount point.
+    struct Around {
+        platform::Directory directory;
+        platform::WalkRules rules;  ///< of its entries
+        bool counts = true;
+    };
+
+    /// Notes as gone all in `directory` but what leads to the mount points, which are sorted; their
+    /// bytes. The folders on the way are gone through one by one, however deep.
+    std::uint64_t noteAround(platform::Directory directory, const platform::WalkRules& rules,
                              const std::vector<std::string>& mountPoints);
+    /// Notes one entry of such a folder as gone, or puts it into `left` if it is another one.
+    std::uint64_t noteBeside(const Around& around, const std::string& name,
+                             const std::vector<std::string>& mountPoints,
+                             std::vector<Around>& left);
     /// What the command would come to where the directory's path breaks it.
     std::optional<std::int32_t> statusOfOddCommand(const platform::Directory& directory);
 

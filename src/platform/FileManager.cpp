@@ -11,7 +11,7 @@ UniqueDescriptor::~UniqueDescriptor() {
 }
 
 std::string Directory::pathOf(std::string_view name) const {
-    return joinPath(path_, name);
+    return joinPath(path(), name);
 }
 
 Result<std::vector<std::string>> FileManager::contentsOfDirectory(const std::string& path) {

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "platform/Error.h"
+#include "platform/Place.h"
 #include "platform/UniqueDescriptor.h"
 
 namespace sweepwright::platform {
@@ -57,18 +58,23 @@ class Directory {
   public:
     Directory() = default;
     Directory(UniqueDescriptor descriptor, std::string path)
-        : descriptor_(std::move(descriptor)), path_(std::move(path)) {}
+        : Directory(std::move(descriptor), std::make_shared<const Place>(std::move(path))) {}
+    Directory(UniqueDescriptor descriptor, PlacePointer place)
+        : descriptor_(std::move(descriptor)), place_(std::move(place)) {}
 
     [[nodiscard]] int descriptor() const { return descriptor_.get(); }
-    /// Device path; the bytes that it was opened by.
-    [[nodiscard]] const std::string& path() const { return path_; }
+    /// Device path; the bytes that it was opened by. Put together anew by every call.
+    [[nodiscard]] std::string path() const { return place_ ? place_->path() : std::string(); }
     /// The device path of an entry.
     [[nodiscard]] std::string pathOf(std::string_view name) const;
+    [[nodiscard]] const PlacePointer& place() const { return place_; }
+    /// Gives it an equal place in exchange for its own, which need not be kept then.
+    void setPlace(PlacePointer equal) { place_ = std::move(equal); }
 
   private:
     friend class HostFileManager;
     UniqueDescriptor descriptor_;
-    std::string path_;
+    PlacePointer place_;
     std::shared_ptr<void> stream_;  // the portable road's listing
 };
 

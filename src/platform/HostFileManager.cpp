@@ -236,10 +236,11 @@ Result<Directory> HostFileManager::openDirectory(const std::string& path, LastLi
 
 Result<Directory> HostFileManager::openBeneath(const Directory& base, std::string_view relative,
                                                Mounts mounts) {
-    std::string path = relative.empty() ? base.path() : base.pathOf(relative);
     auto opened = beneath_.openBeneath(base.descriptor(), relative, mounts);
-    if (!opened) return failed(opened.error(), path);
-    return Directory(std::move(*opened), std::move(path));
+    if (!opened)
+        return failed(opened.error(), relative.empty() ? base.path() : base.pathOf(relative));
+    if (relative.empty()) return Directory(std::move(*opened), base.place());
+    return Directory(std::move(*opened), std::make_shared<const Place>(base.place(), relative));
 }
 
 Result<std::span<const DirectoryEntry>> HostFileManager::readEntries(Directory& directory,

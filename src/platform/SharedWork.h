@@ -116,6 +116,7 @@ class PackedNames {
     std::string take() {
         std::string name = bytes_.data() + next_;
         next_ += name.size() + 1;
+        if (empty()) *this = PackedNames();
         return name;
     }
 

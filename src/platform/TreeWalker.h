@@ -55,11 +55,17 @@ class TreeWalker {
     [[nodiscard]] std::uint64_t sizeOfDirectory(const std::string& path,
                                                 const WalkRules& rules) const;
 
+    /// The same of an open directory, from its beginning.
+    [[nodiscard]] std::uint64_t sizeOfDirectory(const Directory& directory,
+                                                const WalkRules& rules) const;
+
     /// Device paths of the mount points beneath an open directory, however deep, sorted. What lies
     /// behind them is not looked at; what can't be read holds none.
     [[nodiscard]] std::vector<std::string> mountPointsBeneath(const Directory& directory) const;
 
   private:
+    /// Whether the rules let `path` be walked; tells why not.
+    static bool admits(const WalkRules& rules, const std::string& path);
     std::uint64_t walk(const Directory& root, const WalkRules& rules) const;
 
     FileManager& files_;
