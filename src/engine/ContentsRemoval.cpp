@@ -5,6 +5,7 @@
 #include "engine/FileCleanerEngine.h"
 #include "engine/LinkProtection.h"
 #include "platform/EntryNames.h"
+#include "platform/InOrder.h"
 #include "platform/Log.h"
 #include "platform/ProgressThrottle.h"
 
@@ -16,6 +17,12 @@ using platform::log;
 using platform::Mounts;
 
 namespace {
+
+/// What became of an entry.
+struct Handled {
+    std::optional<KeptReason> kept;
+    platform::Removal removal;
+};
 
 /// Opens a directory that is no link and, where mounts are refused, no mount point.
 platform::Result<platform::Directory> openItself(platform::FileManager& files,
@@ -132,7 +139,7 @@ std::vector<std::string> FileCleanerEngine::cleanableEntriesOf(const std::string
 }
 
 std::uint64_t FileCleanerEngine::removeEntriesOf(platform::Directory& directory,
-                                                 const Progress& progress) {
+                                                 const Progress& progress, int levels) {
     auto names = platform::namesOf(services_.files, directory);
     if (!names) {
         noteUnreadable(directory.path(), names.error(), cleanObserver());
@@ -145,14 +152,22 @@ std::uint64_t FileCleanerEngine::removeEntriesOf(platform::Directory& directory,
     platform::ProgressThrottle& throttle = throttle_ ? *throttle_ : own;
     std::uint64_t total = 0;
     std::size_t handled = 0;
-    while (names->size() > 0) {
-        const std::string name = names->take();
-        if (isStopped()) break;
+    const auto next = [&]() -> std::optional<std::string> {
+        if (names->size() == 0 || isStopped()) return std::nullopt;
+        return names->take();
+    };
+    const auto handle = [&](const std::string& name) -> Handled {
+        if (const auto reason = reasonToKeep(directory, protection, name)) return {reason, {}};
+        // The size is taken file by file right before each goes, by the rules of the size walker.
+        return {std::nullopt, services_.eraser.removeEntry(directory, name, cleanRules())};
+    };
+    const auto account = [&](const std::string& name, const Handled& entry) {
         ++handled;
-        if (keepsEntry(directory, protection, name)) continue;
-        total += removeEntry(directory, name);
+        if (entry.kept) return noteKeptEntry(directory.pathOf(name), *entry.kept);
+        total += accountFor(directory, name, entry.removal, levels);
         if (progress) throttle.report(name, static_cast<double>(handled) / count);
-    }
+    };
+    platform::InOrder<std::string, Handled>(services_.eraser.crew()).run(next, handle, account);
     own.flush();
     return total;
 }
@@ -164,41 +179,34 @@ platform::Result<platform::FileAttributes> FileCleanerEngine::attributesOf(
     return services_.files.attributes(directory.pathOf(name), LastLink::Refuse);
 }
 
-bool FileCleanerEngine::keepsEntry(const platform::Directory& directory,
-                                   const LinkProtection& protection, const std::string& name) {
+std::optional<KeptReason> FileCleanerEngine::reasonToKeep(const platform::Directory& directory,
+                                                          const LinkProtection& protection,
+                                                          const std::string& name) {
     const std::string path = directory.pathOf(name);
-    if (name.starts_with('.')) {
-        noteKept(path, KeptReason::Hidden);
-        return true;
-    }
-    if (isPathInWhitelist(path) || protection.covers(name)) {
-        log("🔒 跳过白名单路径: {}", path);
-        noteProtected(path);
-        return true;
-    }
+    if (name.starts_with('.')) return KeptReason::Hidden;
+    if (isPathInWhitelist(path) || protection.covers(name)) return KeptReason::Protected;
     const auto attributes = attributesOf(directory, name);
-    if (attributes && attributes->type == FileType::SymbolicLink) {
-        noteKept(path, KeptReason::Link);
-        return true;
-    }
-    if (isSQLiteDatabaseFile(path)) {
-        log("⚠️ 跳过 SQLite 数据库文件: {}", path);
-        noteKept(path, KeptReason::Database);
-        return true;
-    }
+    if (attributes && attributes->type == FileType::SymbolicLink) return KeptReason::Link;
+    if (isSQLiteDatabaseFile(path)) return KeptReason::Database;
     // A home of its own has a caches directory of its own, whose Maps caches no list protects.
-    if (isMapsAppPath(path)) {
-        keepMaps(path);
-        return true;
-    }
-    return false;
+    if (isMapsAppPath(path)) return KeptReason::Maps;
+    return std::nullopt;
 }
 
-std::uint64_t FileCleanerEngine::removeEntry(const platform::Directory& directory,
-                                             const std::string& name) {
+void FileCleanerEngine::noteKeptEntry(const std::string& path, KeptReason reason) {
+    if (reason == KeptReason::Maps) return keepMaps(path);
+    if (reason == KeptReason::Protected) {
+        log("🔒 跳过白名单路径: {}", path);
+        return noteProtected(path);
+    }
+    if (reason == KeptReason::Database) log("⚠️ 跳过 SQLite 数据库文件: {}", path);
+    noteKept(path, reason);
+}
+
+std::uint64_t FileCleanerEngine::accountFor(const platform::Directory& directory,
+                                            const std::string& name,
+                                            const platform::Removal& removal, int levels) {
     const std::string path = directory.pathOf(name);
-    // The size is taken file by file right before each goes, by the rules of the size walker.
-    const platform::Removal removal = services_.eraser.removeEntry(directory, name, cleanRules());
     if (!removal.error) {
         noteRemoved(path, removal.bytes);
         return removal.bytes;
@@ -210,8 +218,9 @@ std::uint64_t FileCleanerEngine::removeEntry(const platform::Directory& director
     // What went before the failure is gone and counts; then whatever else can go.
     if (isSystemPath(path))
         return removal.bytes + removeContentsOfDirectory(path, {}, Mounts::Refuse);
+    if (levels == 0) return removal.bytes;
     auto rest = services_.files.openBeneath(directory, name, Mounts::Refuse);
-    return removal.bytes + (rest ? removeEntriesOf(*rest, {}) : 0);
+    return removal.bytes + (rest ? removeEntriesOf(*rest, {}, levels - 1) : 0);
 }
 
 }  // namespace sweepwright

@@ -339,14 +339,21 @@ class FileCleanerEngine {
     std::vector<std::string> cleanableEntriesOf(const std::string& directory);
     std::optional<platform::Directory> openToEmpty(const std::string& directory,
                                                    platform::Mounts mounts);
-    std::uint64_t removeEntriesOf(platform::Directory& directory, const Progress& progress);
+    /// `levels` beneath the directory are entered where folders can't be removed whole.
+    std::uint64_t removeEntriesOf(platform::Directory& directory, const Progress& progress,
+                                  int levels = platform::kDefaultMaxDepth);
     /// Attributes of an entry, asked for a second way before it counts as one that tells none.
     platform::Result<platform::FileAttributes> attributesOf(const platform::Directory& directory,
                                                             const std::string& name);
-    /// Whether the entry must stay.
-    bool keepsEntry(const platform::Directory& directory, const LinkProtection& protection,
-                    const std::string& name);
-    std::uint64_t removeEntry(const platform::Directory& directory, const std::string& name);
+    /// Why the entry must stay, if it must. Asked on several threads at once on a far device.
+    std::optional<KeptReason> reasonToKeep(const platform::Directory& directory,
+                                           const LinkProtection& protection,
+                                           const std::string& name);
+    void noteKeptEntry(const std::string& path, KeptReason reason);
+    /// Tells what became of an entry, and removes what it can of one that could not go whole. Bytes
+    /// freed.
+    std::uint64_t accountFor(const platform::Directory& directory, const std::string& name,
+                             const platform::Removal& removal, int levels);
     void keepMaps(const std::string& path);
     std::uint64_t cleanEntries(const std::string& directory, NameRule rule,
                                const Progress& progress);

@@ -4,7 +4,6 @@
 #include <cerrno>
 
 #include "platform/EntryNames.h"
-#include "platform/TreeWalker.h"
 
 namespace sweepwright {
 
@@ -29,12 +28,12 @@ platform::Removal NotingEraser::removeFolder(const platform::Directory& parent,
     std::uint64_t size = 0;
     if (opened) {
         // What is hidden holds no mount points.
-        auto mountPoints = platform::TreeWalker(files_.whole()).mountPointsBeneath(*opened);
+        auto mountPoints = wholeWalker_.mountPointsBeneath(*opened);
         if (!mountPoints.empty()) {
             size = noteAround(*std::move(opened), rules, mountPoints);
             return platform::Removal::around(size, std::move(mountPoints));
         }
-        size = platform::TreeWalker(files_).sizeOfDirectory(*opened, rules);
+        size = walker_.sizeOfDirectory(*std::move(opened), rules);
     } else {
         platform::tellUnreadable(files_, parent.pathOf(name), opened.error(), rules.onUnreadable);
     }
@@ -97,7 +96,7 @@ std::optional<std::int32_t> NotingEraser::statusOfOddCommand(const platform::Dir
 std::int32_t NotingEraser::runShellCommand(const std::string& /*command*/,
                                            const platform::Directory& directory) {
     if (const auto status = statusOfOddCommand(directory)) return *status;
-    if (!platform::TreeWalker(files_.whole()).mountPointsBeneath(directory).empty()) return -1;
+    if (!wholeWalker_.mountPointsBeneath(directory).empty()) return -1;
     // The command removes every visible entry of the directory.
     auto opened = files_.openDirectory(directory.path(), platform::LastLink::Refuse);
     if (!opened) return -1;
@@ -117,10 +116,12 @@ std::int32_t NotingEraser::runShellCommand(const std::string& /*command*/,
 }
 
 void NotingEraser::removed(const std::string& path, std::uint64_t bytes) {
+    const std::lock_guard lock(mutex_);
     preview_.entries.push_back({path, bytes});
 }
 
 void NotingEraser::kept(const std::string& path, KeptReason reason, const std::string& by) {
+    const std::lock_guard lock(mutex_);
     // Several steps of a clean come by the same entry.
     if (seen_.emplace(path, reason).second) preview_.kept.push_back({path, reason, by});
 }

@@ -286,12 +286,16 @@ Result<> HostFileManager::removeDirectoryAt(const Directory& directory, std::str
 }
 
 Result<FileAttributes> HostFileManager::attributes(const std::string& path, LastLink lastLink) {
-    const auto entry = beneath_.locate(path, lastLink);
-    if (!entry) return failed(entry.error(), path);
-    FileAttributes found;
-    const int number = readAttributes(entry->parent.get(), entry->name.c_str(), calls_, found);
-    if (number != 0) return failed(number, path);
-    return found;
+    // Most are no link, which costs no question of its own this way.
+    for (const LastLink last : {LastLink::Refuse, lastLink}) {
+        const auto entry = beneath_.locate(path, last);
+        if (!entry) return failed(entry.error(), path);
+        FileAttributes found;
+        const int number = readAttributes(entry->parent.get(), entry->name.c_str(), calls_, found);
+        if (number != 0) return failed(number, path);
+        if (last == lastLink || found.type != FileType::SymbolicLink) return found;
+    }
+    return failed(ELOOP, path);
 }
 
 bool HostFileManager::isWritable(const std::string& path) {

@@ -62,6 +62,8 @@ class HostFileManager final : public FileManager {
     Result<FileLock> tryLock(const std::string& path, std::string_view note) override;
 
   private:
+    /// For reading; ELOOP when it is a link that was not to be followed.
+    BeneathRoot::Outcome<UniqueDescriptor> openToRead(const std::string& path, LastLink lastLink);
     Result<UniqueDescriptor> openLock(const std::string& path);
 
     std::shared_ptr<const DeviceRoot> root_;

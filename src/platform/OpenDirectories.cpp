@@ -68,7 +68,6 @@ Result<const Directory*> OpenDirectories::openWay(const Directory* base, const W
 }
 
 Result<Directory> OpenDirectories::open(const PlacePointer& place) {
-    if (place == start_->place()) return files_->openBeneath(*start_, "", mounts_);
     const auto above = of(place->above());
     if (!above) return std::unexpected(above.error());
     auto opened = files_->openBeneath(**above, place->part(), mounts_);

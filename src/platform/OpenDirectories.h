@@ -20,9 +20,10 @@ class OpenDirectories {
     OpenDirectories(FileManager& files, const Directory& start, Mounts mounts)
         : files_(&files), start_(&start), mounts_(mounts) {}
 
-    /// Opens the directory at `place`, which lies beneath the start or is it.
+    /// Opens the directory at `place`, which lies beneath the start.
     Result<Directory> open(const PlacePointer& place);
-    /// The same, out of what is open if it is; valid until the next call of any of these.
+    /// The same, or the start, out of what is open if it is; valid until the next call of any of
+    /// these.
     Result<const Directory*> of(const PlacePointer& place);
     /// Keeps a directory open that of() will be asked for.
     void keep(Directory directory);

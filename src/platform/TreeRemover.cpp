@@ -51,6 +51,7 @@ struct Run {
     FileManager& files;
     const WalkRules& rules;
     const Directory& start;
+    Crew& crew;
     std::atomic<std::uint64_t> bytes{0};
     std::mutex mutex{};
     std::optional<Error> firstError{};
@@ -81,7 +82,8 @@ bool isMountPoint(FileManager& files, const Directory& directory, std::string_vi
 /// One thread's share of a removal.
 class Remover {
   public:
-    explicit Remover(Run& run) : run_(&run), opened_(run.files, run.start, Mounts::Refuse) {}
+    explicit Remover(Run& run)
+        : run_(&run), opened_(run.files, run.start, Mounts::Refuse), pace_(run.crew) {}
 
     void operator()(PendingFolder first, SharedWork<PendingFolder>& shared) {
         visit(std::move(first));
@@ -169,6 +171,7 @@ class Remover {
         }
         if (type == FileType::Directory) return noteSubdirectory(node, entry.name);
         const auto removed = run_->files.removeFileAt(directory, entry.name);
+        pace_.step();
         if (removed) {
             bytes_ += size;
         } else if (isDirectory(removed.error(), directory, entry.name)) {
@@ -229,10 +232,10 @@ class Remover {
 
     void failEmptied(const Node& node, const Error& error) {
         if (node.listingError) return run_->fail(*node.listingError);
+        // Something may have been mounted there meanwhile.
         const auto above = opened_.of(node.place->above());
         if (!above) return run_->fail(error);
-        fail(error, **above,
-             node.place->part());  // something may have been mounted there meanwhile
+        fail(error, **above, node.place->part());
     }
 
     Result<> removeEmptied(const Node& node) {
@@ -242,6 +245,7 @@ class Remover {
         if (!above && above.error().code == ENOENT) return {};
         if (!above) return std::unexpected(above.error());
         auto removed = run_->files.removeDirectoryAt(**above, name);
+        pace_.step();
         // Swapped for a file or a link meanwhile: that goes as such.
         if (!removed && removed.error().code == ENOTDIR)
             removed = run_->files.removeFileAt(**above, name);
@@ -259,6 +263,7 @@ class Remover {
     std::deque<NodePointer> waiting_;  // directories with subdirectories that wait
     std::vector<PendingFolder> again_;
     EntryBuffer buffer_;
+    Pace pace_;
     std::uint64_t bytes_ = 0;
 };
 
@@ -269,14 +274,17 @@ Removal Removal::around(std::uint64_t bytes, std::vector<std::string> mountPoint
     return {bytes, std::move(error), std::move(mountPoints), true};
 }
 
-TreeRemover::TreeRemover(FileManager& files, unsigned threads) : files_(files), threads_(threads) {}
+TreeRemover::TreeRemover(FileManager& files, unsigned threads, std::shared_ptr<Crew> crew)
+    : files_(files), threads_(threads), crew_(std::move(crew)) {}
 
 Removal TreeRemover::remove(const Directory& parent, const std::string& name,
                             const WalkRules& rules) const {
     if (!isEntryName(name)) return {0, errorFromErrno(EINVAL, parent.pathOf(name))};
     const auto attributes = files_.attributesAt(parent, name);
     if (!attributes || attributes->type != FileType::Directory) {
+        Pace pace(*crew_);
         const auto removed = files_.removeFileAt(parent, name);
+        pace.step();
         if (!removed && removed.error().code == EBUSY && isMountPoint(files_, parent, name))
             return Removal::around(0, {parent.pathOf(name)});
         if (!removed) return {0, removed.error()};
@@ -284,9 +292,11 @@ Removal TreeRemover::remove(const Directory& parent, const std::string& name,
             attributes && (attributes->type != FileType::SymbolicLink || rules.countLinks);
         return {counts ? attributes->size : 0, std::nullopt};
     }
-    Run run{files_, rules, parent};
+    Run run{files_, rules, parent, *crew_};
     const auto top = std::make_shared<const Place>(parent.place(), name);
-    SharedWork<PendingFolder>(threads_).run({nullptr, top}, [&run] { return Remover(run); });
+    SharedWork<PendingFolder>(*crew_, threads_).run({nullptr, top}, [&run] {
+        return Remover(run);
+    });
     if (!run.firstError && !run.mountPoints.empty())
         return Removal::around(run.bytes, std::move(run.mountPoints));
     return {run.bytes, std::move(run.firstError), std::move(run.mountPoints)};

@@ -33,14 +33,16 @@ struct Frame {
 struct Walk {
     FileManager& files;
     const WalkRules& rules;
-    const Directory& root;
+    Directory& root;  ///< read by the thread that begins
+    Crew& crew;
     std::atomic<std::uint64_t> total{0};
 };
 
 /// One thread's share of a walk.
 class Walker {
   public:
-    explicit Walker(Walk& walk) : walk_(&walk), opened_(walk.files, walk.root, walk.rules.mounts) {}
+    explicit Walker(Walk& walk)
+        : walk_(&walk), opened_(walk.files, walk.root, walk.rules.mounts), pace_(walk.crew) {}
 
     void operator()(Waiting first, SharedWork<Waiting>& shared) {
         bytes_ = 0;
@@ -50,6 +52,7 @@ class Walker {
             // What waits is all that is remembered: in a chain of folders, nothing.
             if (frames_.back().subdirectories.empty()) frames_.pop_back();
             visit(std::move(next));
+            pace_.step();
             giveAway(shared);
         }
         opened_.closeAll();
@@ -75,23 +78,30 @@ class Walker {
     }
 
     void visit(Waiting waiting) {
-        auto directory = opened_.open(waiting.place);
-        if (!directory) {
+        if (waiting.place == walk_->root.place()) {
+            list(walk_->root, std::move(waiting));
+        } else if (auto directory = opened_.open(waiting.place)) {
+            if (list(*directory, std::move(waiting))) opened_.keep(*std::move(directory));
+        } else {
             const std::string path = waiting.place->path();
             if (directory.error().code == EXDEV) tellMountPoint(path);
-            return tell(path, directory.error());
+            tell(path, directory.error());
         }
+    }
+
+    /// Whether it has subdirectories, which now wait.
+    bool list(Directory& directory, Waiting waiting) {
         Frame frame{std::move(waiting), {}};
         for (;;) {
-            const auto entries = walk_->files.readEntries(*directory, buffer_);
-            if (!entries) tell(directory->path(), entries.error());
+            const auto entries = walk_->files.readEntries(directory, buffer_);
+            if (!entries) tell(directory.path(), entries.error());
             if (!entries || entries->empty()) break;
             for (const DirectoryEntry& entry : *entries)
-                count(*directory, entry, frame);
+                count(directory, entry, frame);
         }
-        if (frame.subdirectories.empty()) return;
-        opened_.keep(std::move(*directory));
+        if (frame.subdirectories.empty()) return false;
         frames_.push_back(std::move(frame));
+        return true;
     }
 
     void count(const Directory& directory, const DirectoryEntry& entry, Frame& frame) {
@@ -149,12 +159,14 @@ class Walker {
     OpenDirectories opened_;
     std::deque<Frame> frames_;  // each with a subdirectory that waits
     EntryBuffer buffer_;
+    Pace pace_;
     std::uint64_t bytes_ = 0;
 };
 
 }  // namespace
 
-TreeWalker::TreeWalker(FileManager& files, unsigned threads) : files_(files), threads_(threads) {}
+TreeWalker::TreeWalker(FileManager& files, unsigned threads, std::shared_ptr<Crew> crew)
+    : files_(files), threads_(threads), crew_(std::move(crew)) {}
 
 bool TreeWalker::admits(const WalkRules& rules, const std::string& path) {
     if (rules.protection != nullptr && rules.protection->isProtected(path)) {
@@ -168,14 +180,13 @@ bool TreeWalker::admits(const WalkRules& rules, const std::string& path) {
 
 std::uint64_t TreeWalker::sizeOfDirectory(const std::string& path, const WalkRules& rules) const {
     if (!admits(rules, path)) return 0;
-    const auto root = files_.openDirectory(path, LastLink::Refuse);
+    auto root = files_.openDirectory(path, LastLink::Refuse);
     if (root) return walk(*root, rules);
     tellUnreadable(files_, path, root.error(), rules.onUnreadable);
     return 0;
 }
 
-std::uint64_t TreeWalker::sizeOfDirectory(const Directory& directory,
-                                          const WalkRules& rules) const {
+std::uint64_t TreeWalker::sizeOfDirectory(Directory directory, const WalkRules& rules) const {
     return admits(rules, directory.path()) ? walk(directory, rules) : 0;
 }
 
@@ -190,16 +201,17 @@ std::vector<std::string> TreeWalker::mountPointsBeneath(const Directory& directo
         const std::lock_guard lock(mutex);
         found.push_back(path);
     };
-    walk(directory, rules);
+    if (auto unread = files_.openBeneath(directory, "", Mounts::Refuse)) walk(*unread, rules);
     std::ranges::sort(found);
     return found;
 }
 
-std::uint64_t TreeWalker::walk(const Directory& root, const WalkRules& rules) const {
-    Walk walk{files_, rules, root};
+std::uint64_t TreeWalker::walk(Directory& root, const WalkRules& rules) const {
+    Walk walk{files_, rules, root, *crew_};
     const bool guarded = rules.protection != nullptr && !rules.protection->isFree(root.path());
-    SharedWork<Waiting>(threads_).run({root.place(), rules.maxDepth, guarded},
-                                      [&walk] { return Walker(walk); });
+    SharedWork<Waiting>(*crew_, threads_).run({root.place(), rules.maxDepth, guarded}, [&walk] {
+        return Walker(walk);
+    });
     return walk.total;
 }
 
