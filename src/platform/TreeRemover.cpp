@@ -88,22 +88,26 @@ class Remover {
     void operator()(PendingFolder first, SharedWork<PendingFolder>& shared) {
         visit(std::move(first));
         while (!waiting_.empty() || !again_.empty()) {
-            if (!again_.empty()) {
-                PendingFolder next = std::move(again_.back());
-                again_.pop_back();
-                visit(std::move(next));
-                continue;
-            }
-            PendingFolder next = takeFrom(waiting_.back());
-            if (waiting_.back()->subdirectories.empty()) waiting_.pop_back();
-            visit(std::move(next));
             giveAway(shared);
+            visit(takeNext());
         }
         opened_.closeAll();
         run_->bytes.fetch_add(std::exchange(bytes_, 0), std::memory_order_relaxed);
     }
 
   private:
+    PendingFolder takeNext() {
+        PendingFolder next;
+        if (!again_.empty()) {
+            next = std::move(again_.back());
+            again_.pop_back();
+            return next;
+        }
+        next = takeFrom(waiting_.back());
+        if (waiting_.back()->subdirectories.empty()) waiting_.pop_back();
+        return next;
+    }
+
     static PendingFolder takeFrom(const NodePointer& node) {
         return {node, std::make_shared<const Place>(node->place, node->subdirectories.take())};
     }

@@ -48,12 +48,12 @@ class Walker {
         bytes_ = 0;
         visit(std::move(first));
         while (!frames_.empty()) {
+            giveAway(shared);
             Waiting next = takeFrom(frames_.back());
             // What waits is all that is remembered: in a chain of folders, nothing.
             if (frames_.back().subdirectories.empty()) frames_.pop_back();
             visit(std::move(next));
             pace_.step();
-            giveAway(shared);
         }
         opened_.closeAll();
         walk_->total.fetch_add(bytes_, std::memory_order_relaxed);
