@@ -266,6 +266,8 @@ Result<std::span<const DirectoryEntry>> HostFileManager::readEntries(Directory& 
     }
     const int number = readPortable(static_cast<DIR*>(directory.stream_.get()), buffer);
     if (number != 0) return failed(number, directory.path());
+    // Whoever keeps a directory that has been read keeps one descriptor, not two.
+    if (buffer.entries.empty()) directory.stream_.reset();
     return std::span<const DirectoryEntry>(buffer.entries);
 }
 

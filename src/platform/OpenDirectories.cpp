@@ -77,7 +77,7 @@ Result<Directory> OpenDirectories::open(const PlacePointer& place) {
 
 void OpenDirectories::keep(Directory directory) {
     kept_.push_front(std::move(directory));
-    if (kept_.size() > kKept) kept_.pop_back();
+    if (kept_.size() > mostKept_) kept_.pop_back();
 }
 
 void OpenDirectories::closeAll() {

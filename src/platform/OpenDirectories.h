@@ -13,12 +13,10 @@ namespace sweepwright::platform {
 /// back up costs more for its depth.
 class OpenDirectories {
   public:
-    /// Directories that are kept for what is to be done in them.
-    static constexpr std::size_t kKept = 4;
-
-    /// `files` and `start` must outlive this.
-    OpenDirectories(FileManager& files, const Directory& start, Mounts mounts)
-        : files_(&files), start_(&start), mounts_(mounts) {}
+    /// `files` and `start` must outlive this; `kept` directories stay open for what is to be done
+    /// in them.
+    OpenDirectories(FileManager& files, const Directory& start, Mounts mounts, std::size_t kept)
+        : files_(&files), start_(&start), mounts_(mounts), mostKept_(kept) {}
 
     /// Opens the directory at `place`, which lies beneath the start.
     Result<Directory> open(const PlacePointer& place);
@@ -43,6 +41,7 @@ class OpenDirectories {
     FileManager* files_;
     const Directory* start_;
     Mounts mounts_;
+    std::size_t mostKept_;
     std::list<Directory> kept_;  // most recently used first
     // On the last long way down: where half of it, three quarters, … were behind us; the deepest
     // first. A climb back up goes on from the nearest of them.

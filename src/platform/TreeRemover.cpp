@@ -19,6 +19,8 @@ namespace {
 
 /// A folder that others fill while it is emptied is listed again this often.
 constexpr int kMaxAttempts = 16;
+/// Directories that a thread keeps open for what waits in them, and to be removed from.
+constexpr std::size_t kKeptToEmpty = 4;
 
 /// A directory whose removal has begun. It goes when the last of its subdirectories has gone.
 struct Node {
@@ -83,7 +85,9 @@ bool isMountPoint(FileManager& files, const Directory& directory, std::string_vi
 class Remover {
   public:
     explicit Remover(Run& run)
-        : run_(&run), opened_(run.files, run.start, Mounts::Refuse), pace_(run.crew) {}
+        : run_(&run),
+          opened_(run.files, run.start, Mounts::Refuse, kKeptToEmpty),
+          pace_(run.crew) {}
 
     void operator()(PendingFolder first, SharedWork<PendingFolder>& shared) {
         visit(std::move(first));

@@ -16,6 +16,9 @@ namespace sweepwright::platform {
 
 namespace {
 
+/// Directories that a thread keeps open: the last ones that it has to come back to.
+constexpr std::size_t kKeptOpen = 2;
+
 /// A directory that waits, and what its entries may.
 struct Waiting {
     PlacePointer place;
@@ -42,7 +45,9 @@ struct Walk {
 class Walker {
   public:
     explicit Walker(Walk& walk)
-        : walk_(&walk), opened_(walk.files, walk.root, walk.rules.mounts), pace_(walk.crew) {}
+        : walk_(&walk),
+          opened_(walk.files, walk.root, walk.rules.mounts, kKeptOpen),
+          pace_(walk.crew) {}
 
     void operator()(Waiting first, SharedWork<Waiting>& shared) {
         bytes_ = 0;

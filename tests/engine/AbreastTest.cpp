@@ -57,10 +57,8 @@ class AbreastTest : public EngineTest {
 };
 
 TEST_F(AbreastTest, SeveralEntriesGoAtOnceAndTheSameIsToldInTheSameOrder) {
-    std::vector<std::string> names;
-    for (const std::string& name :
-         *d_.tree.files().contentsOfDirectory(d_.device.temporaryDirectory()))
-        names.push_back(name);
+    const std::vector<std::string> names =
+        d_.tree.files().contentsOfDirectory(d_.device.temporaryDirectory()).value();
     test::Meeting all(kAtOnce);
     std::atomic<bool> met{true};
     d_.eraser.onRemove = [&](const std::string&) {
