@@ -9,6 +9,7 @@
 #include "engine/LinkProtection.h"
 #include "platform/files/EntryNames.h"
 #include "platform/log/Log.h"
+#include "platform/queue/InOrder.h"
 
 namespace sweepwright {
 
@@ -205,28 +206,29 @@ std::optional<ThirdPartyAppCacheManager::Emptied> ThirdPartyAppCacheManager::rem
     std::size_t done = 0;
     platform::ProgressThrottle throttle(services_.mainQueue, run.progress);
     const auto count = static_cast<double>(names->size());
-    while (names->size() > 0) {
-        const std::string name = names->take();
-        if (run.isStopped()) {
-            emptied.wasStopped = true;
-            break;
-        }
+    const auto next = [&]() -> std::optional<std::string> {
+        if (names->size() == 0) return std::nullopt;
+        emptied.wasStopped = run.isStopped();
+        return emptied.wasStopped ? std::nullopt : std::optional(names->take());
+    };
+    const auto remove = [&](const std::string& name) -> MaybeRemoval {
         if (!isFree && (services_.pathWhitelist.isPathInWhitelist(directory.pathOf(name)) ||
-                        links.covers(name))) {
-            keepEntry(directory, name, run, emptied);
-        } else {
-            removeEntry(directory, name, run, emptied);
-        }
+                        links.covers(name)))
+            return std::nullopt;
+        return services_.eraser.removeEntry(directory, name, entryRules());
+    };
+    const auto account = [&](const std::string& name, const MaybeRemoval& removal) {
+        accountFor(directory.pathOf(name), removal, run, emptied);
         throttle.report(run.app, static_cast<double>(++done) / count);
-    }
+    };
+    platform::InOrder<std::string, MaybeRemoval>(services_.eraser.crew())
+        .run(next, remove, account);
     throttle.flush();
     return emptied;
 }
 
-void ThirdPartyAppCacheManager::keepEntry(const platform::Directory& directory,
-                                          const std::string& name, const Run& run,
-                                          Emptied& emptied) {
-    const std::string path = directory.pathOf(name);
+void ThirdPartyAppCacheManager::noteKept(const std::string& path, const Run& run,
+                                         Emptied& emptied) {
     logKept(path, KeptReason::Protected);
     emptied.keptSomething = true;
     if (run.observer != nullptr)
@@ -234,11 +236,10 @@ void ThirdPartyAppCacheManager::keepEntry(const platform::Directory& directory,
                  protectingPath(services_.files, services_.pathWhitelist, path));
 }
 
-void ThirdPartyAppCacheManager::removeEntry(const platform::Directory& directory,
-                                            const std::string& name, const Run& run,
-                                            Emptied& emptied) {
-    const std::string path = directory.pathOf(name);
-    const auto removal = services_.eraser.removeEntry(directory, name, entryRules());
+void ThirdPartyAppCacheManager::accountFor(const std::string& path, const MaybeRemoval& done,
+                                           const Run& run, Emptied& emptied) {
+    if (!done) return noteKept(path, run, emptied);
+    const platform::Removal& removal = *done;
     emptied.freed += removal.bytes;
     if (removal.error) {
         log("⚠️ 删除失败: {} 错误: {}", path, removal.error->description);

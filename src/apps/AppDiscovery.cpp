@@ -105,7 +105,7 @@ void ThirdPartyAppCacheManager::scanWorkspace(AppList& apps, const Progress& pro
     }
     HiddenRoots hiddenRoots(services_.files, unreadableTo(observer_));
     std::atomic<std::size_t> done{0};
-    platform::parallelFor(apps.size(), kSizingThreads, [&](std::size_t i) {
+    platform::parallelFor(*crew_, apps.size(), kSizingThreads, [&](std::size_t i) {
         calculate(apps[i], hiddenRoots);
         report(progress, apps[i], ++done, apps.size());
     });
@@ -245,7 +245,7 @@ void ThirdPartyAppCacheManager::scanAppDirectoriesIntoArray(AppList& apps,
     auto candidates = findCandidates(containers, known);
     HiddenRoots hiddenRoots(services_.files, unreadableTo(observer_));
     std::atomic<std::size_t> done{0};
-    platform::parallelFor(candidates.size(), kSizingThreads, [&](std::size_t i) {
+    platform::parallelFor(*crew_, candidates.size(), kSizingThreads, [&](std::size_t i) {
         AppCacheInfo& info = candidates[i].info;
         if (info.bundlePath) info.appIcon = iconOfBundle(info.bundlePath, candidates[i].iconName);
         calculate(info, hiddenRoots);

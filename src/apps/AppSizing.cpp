@@ -38,14 +38,14 @@ std::uint64_t ThirdPartyAppCacheManager::sizeOfDirectoryAtPath(const std::string
 std::uint64_t ThirdPartyAppCacheManager::sizeBeneath(const std::string& container,
                                                      std::string_view relative,
                                                      CleanObserver* observer) {
-    const std::string path = joinPath(container, relative);
     // A link on the way may lead into another app; what it leads to is not this app's.
     const auto base = services_.files.openDirectory(container, platform::LastLink::Refuse);
-    const auto folder = base ? services_.files.openBeneath(*base, relative, platform::Mounts::Cross)
-                             : platform::Result<platform::Directory>(std::unexpected(base.error()));
+    auto folder = base ? services_.files.openBeneath(*base, relative, platform::Mounts::Cross)
+                       : platform::Result<platform::Directory>(std::unexpected(base.error()));
     if (folder)
-        return walker_.sizeOfDirectory(path, walkRules(platform::kDefaultMaxDepth, observer));
-    noteUnreadable(path, folder.error(), observer);
+        return walker_.sizeOfDirectory(*std::move(folder),
+                                       walkRules(platform::kDefaultMaxDepth, observer));
+    noteUnreadable(joinPath(container, relative), folder.error(), observer);
     return 0;
 }
 

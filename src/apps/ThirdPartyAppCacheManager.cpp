@@ -8,7 +8,8 @@ namespace sweepwright {
 
 ThirdPartyAppCacheManager::ThirdPartyAppCacheManager(const AppServices& services)
     : services_(services),
-      walker_(services.files),
+      crew_(std::make_shared<platform::Crew>()),
+      walker_(services.files, platform::TreeWalker::kDefaultThreads, crew_),
       containers_(services.files),
       scanQueue_(platform::DispatchQueue::concurrent("com.sweepwright.appscan")) {}
 

@@ -246,10 +246,11 @@ class ThirdPartyAppCacheManager {
                      const Run& run);
     /// None when the directory can't be read.
     std::optional<Emptied> removeEntries(platform::Directory& directory, const Run& run);
-    void keepEntry(const platform::Directory& directory, const std::string& name, const Run& run,
-                   Emptied& emptied);
-    void removeEntry(const platform::Directory& directory, const std::string& name, const Run& run,
-                     Emptied& emptied);
+    /// None of what must stay.
+    using MaybeRemoval = std::optional<platform::Removal>;
+    void noteKept(const std::string& path, const Run& run, Emptied& emptied);
+    void accountFor(const std::string& path, const MaybeRemoval& done, const Run& run,
+                    Emptied& emptied);
     void record(std::uint64_t cleaned, const std::string& historyName, CleanObserver* observer);
     std::uint64_t cleanBatch(const std::vector<std::string>& identifiers, const Batch& batch);
     void runBatch(const std::vector<std::string>& identifiers, const Batch& batch,
@@ -257,6 +258,7 @@ class ThirdPartyAppCacheManager {
     void postCompletion(Completion completion, std::uint64_t cleaned, std::optional<Error> error);
 
     AppServices services_;
+    std::shared_ptr<platform::Crew> crew_;
     platform::TreeWalker walker_;
     ContainerIndex containers_;
     CleanObserver* observer_ = nullptr;

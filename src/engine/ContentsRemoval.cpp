@@ -6,6 +6,7 @@
 #include "engine/LinkProtection.h"
 #include "platform/files/EntryNames.h"
 #include "platform/log/Log.h"
+#include "platform/queue/InOrder.h"
 #include "platform/queue/ProgressThrottle.h"
 
 namespace sweepwright {
@@ -16,6 +17,12 @@ using platform::log;
 using platform::Mounts;
 
 namespace {
+
+/// What became of an entry.
+struct Handled {
+    std::optional<KeptReason> kept;
+    platform::Removal removal;
+};
 
 /// Opens a directory that is no link and, where mounts are refused, no mount point.
 platform::Result<platform::Directory> openItself(platform::FileManager& files,
@@ -132,7 +139,7 @@ std::vector<std::string> FileCleanerEngine::cleanableEntriesOf(const std::string
 }
 
 std::uint64_t FileCleanerEngine::removeEntriesOf(platform::Directory& directory,
-                                                 const Progress& progress) {
+                                                 const Progress& progress, int levels) {
     auto names = platform::namesOf(services_.files, directory);
     if (!names) {
         noteUnreadable(directory.path(), names.error(), cleanObserver());
@@ -145,14 +152,23 @@ std::uint64_t FileCleanerEngine::removeEntriesOf(platform::Directory& directory,
     platform::ProgressThrottle& throttle = throttle_ ? *throttle_ : own;
     std::uint64_t total = 0;
     std::size_t handled = 0;
-    while (names->size() > 0) {
-        const std::string name = names->take();
-        if (isStopped()) break;
+    const auto next = [&]() -> std::optional<std::string> {
+        if (names->size() == 0 || isStopped()) return std::nullopt;
+        return names->take();
+    };
+    const auto handle = [&](const std::string& name) -> Handled {
+        const auto reason = reasonToKeep(directory, protection, name, kKeptInFolder);
+        if (reason) return {reason, {}};
+        // The size is taken file by file right before each goes, by the rules of the size walker.
+        return {std::nullopt, services_.eraser.removeEntry(directory, name, cleanRules())};
+    };
+    const auto account = [&](const std::string& name, const Handled& entry) {
         ++handled;
-        if (keepsEntry(directory, protection, name, kKeptInFolder)) continue;
-        total += removeEntry(directory, name);
+        if (entry.kept) return noteKeptEntry(directory.pathOf(name), *entry.kept);
+        total += accountFor(directory, name, entry.removal, levels);
         if (progress) throttle.report(name, static_cast<double>(handled) / count);
-    }
+    };
+    platform::InOrder<std::string, Handled>(services_.eraser.crew()).run(next, handle, account);
     own.flush();
     return total;
 }
@@ -199,16 +215,26 @@ class FileCleanerEngine::Location final : public EntryInQuestion {
     const FileCleanerEngine& engine_;
 };
 
-bool FileCleanerEngine::keeps(const EntryInQuestion& entry, std::span<const KeptReason> asked) {
-    const auto reason = reasonToKeep(entry, asked);
-    if (!reason) return false;
-    logKept(entry.path(), *reason);
-    if (*reason == KeptReason::Protected) {
-        noteProtected(entry.path());
+void FileCleanerEngine::noteKeptEntry(const std::string& path, KeptReason reason) {
+    logKept(path, reason);
+    if (reason == KeptReason::Protected) {
+        noteProtected(path);
     } else {
-        noteKept(entry.path(), *reason);
+        noteKept(path, reason);
     }
-    return true;
+}
+
+std::optional<KeptReason> FileCleanerEngine::reasonToKeep(const platform::Directory& directory,
+                                                          const LinkProtection& protection,
+                                                          const std::string& name,
+                                                          std::span<const KeptReason> asked) {
+    return sweepwright::reasonToKeep(FolderEntry(*this, directory, protection, name), asked);
+}
+
+bool FileCleanerEngine::keeps(const EntryInQuestion& entry, std::span<const KeptReason> asked) {
+    const auto reason = sweepwright::reasonToKeep(entry, asked);
+    if (reason) noteKeptEntry(entry.path(), *reason);
+    return reason.has_value();
 }
 
 bool FileCleanerEngine::keepsEntry(const platform::Directory& directory,
@@ -221,11 +247,10 @@ bool FileCleanerEngine::keepsLocation(const std::string& path, std::span<const K
     return keeps(Location(*this, path), asked);
 }
 
-std::uint64_t FileCleanerEngine::removeEntry(const platform::Directory& directory,
-                                             const std::string& name) {
+std::uint64_t FileCleanerEngine::accountFor(const platform::Directory& directory,
+                                            const std::string& name,
+                                            const platform::Removal& removal, int levels) {
     const std::string path = directory.pathOf(name);
-    // The size is taken file by file right before each goes, by the rules of the size walker.
-    const platform::Removal removal = services_.eraser.removeEntry(directory, name, cleanRules());
     if (!removal.error) {
         noteRemoved(path, removal.bytes);
         return removal.bytes;
@@ -237,8 +262,9 @@ std::uint64_t FileCleanerEngine::removeEntry(const platform::Directory& director
     // What went before the failure is gone and counts; then whatever else can go.
     if (isSystemPath(path))
         return removal.bytes + removeContentsOfDirectory(path, {}, Mounts::Refuse);
+    if (levels == 0) return removal.bytes;
     auto rest = services_.files.openBeneath(directory, name, Mounts::Refuse);
-    return removal.bytes + (rest ? removeEntriesOf(*rest, {}) : 0);
+    return removal.bytes + (rest ? removeEntriesOf(*rest, {}, levels - 1) : 0);
 }
 
 }  // namespace sweepwright

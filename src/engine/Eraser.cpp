@@ -20,7 +20,8 @@ DeviceEraser::DeviceEraser(platform::FileManager& files, platform::CommandRunner
 platform::Removal DeviceEraser::removeEntry(const platform::Directory& parent,
                                             const std::string& name,
                                             const platform::WalkRules& rules) {
-    return platform::TreeRemover(files_).remove(parent, name, rules);
+    using platform::TreeRemover;
+    return TreeRemover(files_, TreeRemover::kDefaultThreads, crew_).remove(parent, name, rules);
 }
 
 std::int32_t DeviceEraser::runShellCommand(const std::string& command,
@@ -28,7 +29,9 @@ std::int32_t DeviceEraser::runShellCommand(const std::string& command,
     const auto folder = files_.hostPath(directory);
     if (!folder) return -1;
     if (folder->contains('\'') && !platform::CommandRunner::confinementAvailable()) return -1;
-    if (!platform::TreeWalker(files_).mountPointsBeneath(directory).empty()) return -1;
+    using platform::TreeWalker;
+    const TreeWalker walker(files_, TreeWalker::kDefaultThreads, crew_);
+    if (!walker.mountPointsBeneath(directory).empty()) return -1;
     return commands_.run(command, *folder);
 }
 

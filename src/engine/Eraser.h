@@ -2,10 +2,12 @@
 
 #include <chrono>
 #include <cstdint>
+#include <memory>
 #include <string>
 
 #include "platform/files/FileManager.h"
 #include "platform/process/CommandRunner.h"
+#include "platform/queue/Crew.h"
 #include "platform/system/WebStorage.h"
 #include "platform/tree/TreeRemover.h"
 
@@ -22,6 +24,10 @@ class Eraser {
     virtual platform::Removal removeEntry(const platform::Directory& parent,
                                           const std::string& name,
                                           const platform::WalkRules& rules) = 0;
+
+    /// The threads on which entries may be removed side by side; none where each must wait for the
+    /// one before.
+    virtual platform::Crew* crew() { return nullptr; }
 
     /// Runs a command that empties `directory`, and only there; the shell's exit code, or -1.
     virtual std::int32_t runShellCommand(const std::string& command,
@@ -49,6 +55,7 @@ class DeviceEraser final : public Eraser {
 
     platform::Removal removeEntry(const platform::Directory& parent, const std::string& name,
                                   const platform::WalkRules& rules) override;
+    platform::Crew* crew() override { return crew_.get(); }
 
     /// A path may end the command's quoting early. Where the host can't confine the command to the
     /// directory, one with a quote in it is not run (-1), and the file manager empties it instead.
@@ -63,6 +70,7 @@ class DeviceEraser final : public Eraser {
     platform::FileManager& files_;
     platform::CommandRunner& commands_;
     platform::WebStorage& webStorage_;
+    std::shared_ptr<platform::Crew> crew_ = std::make_shared<platform::Crew>();
 };
 
 }  // namespace sweepwright

@@ -346,16 +346,28 @@ class FileCleanerEngine {
     std::vector<std::string> cleanableEntriesOf(const std::string& directory);
     std::optional<platform::Directory> openToEmpty(const std::string& directory,
                                                    platform::Mounts mounts);
-    std::uint64_t removeEntriesOf(platform::Directory& directory, const Progress& progress);
+    /// `levels` beneath the directory are entered where folders can't be removed whole.
+    std::uint64_t removeEntriesOf(platform::Directory& directory, const Progress& progress,
+                                  int levels = platform::kDefaultMaxDepth);
     /// Attributes of an entry, asked for a second way before it counts as one that tells none.
     platform::Result<platform::FileAttributes> attributesOf(const platform::Directory& directory,
                                                             const std::string& name);
+    /// The first reason of `asked` for which an entry of a folder stays, if any. Asked on several
+    /// threads at once on a far device.
+    std::optional<KeptReason> reasonToKeep(const platform::Directory& directory,
+                                           const LinkProtection& protection,
+                                           const std::string& name,
+                                           std::span<const KeptReason> asked);
     /// Whether the entry must stay, for the first reason of `asked`; the observer hears of it.
     bool keeps(const EntryInQuestion& entry, std::span<const KeptReason> asked);
     bool keepsEntry(const platform::Directory& directory, const LinkProtection& protection,
                     const std::string& name, std::span<const KeptReason> asked);
     bool keepsLocation(const std::string& path, std::span<const KeptReason> asked);
-    std::uint64_t removeEntry(const platform::Directory& directory, const std::string& name);
+    void noteKeptEntry(const std::string& path, KeptReason reason);
+    /// Tells what became of an entry, and removes what it can of one that could not go whole. Bytes
+    /// freed.
+    std::uint64_t accountFor(const platform::Directory& directory, const std::string& name,
+                             const platform::Removal& removal, int levels);
     void keepMaps(const std::string& path);
     std::uint64_t cleanEntries(const std::string& directory, NameRule rule,
                                const Progress& progress);

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "platform/files/EntryNames.h"
+
 namespace sweepwright {
 
 using platform::FileType;
@@ -33,14 +35,16 @@ bool FileVisitor::walk(const std::string& directory, int maxDepth) {
 }
 
 bool FileVisitor::visitEntries(const std::string& directory, int maxDepth) {
-    const auto names = files_.contentsOfDirectory(directory);
+    auto names = platform::namesAt(files_, directory);
     if (!names) {
         platform::tellUnreadable(files_, directory, names.error(), onUnreadable_);
         return true;
     }
-    return std::ranges::all_of(*names, [&](const std::string& name) {
-        return visitEntry(platform::joinPath(directory, name), name, maxDepth);
-    });
+    while (names->size() > 0) {
+        const std::string name = names->take();
+        if (!visitEntry(platform::joinPath(directory, name), name, maxDepth)) return false;
+    }
+    return true;
 }
 
 bool FileVisitor::visitEntry(const std::string& path, const std::string& name, int maxDepth) {

@@ -2,7 +2,8 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <limits>
+
+#include "engine/FileVisitor.h"
 
 namespace sweepwright {
 
@@ -25,14 +26,24 @@ platform::Result<> FolderAnalysis::readiness() {
 }
 
 std::vector<LargeFileEntry> FolderAnalysis::largeFiles(std::uint64_t minSize) {
-    std::vector<LargeFileEntry> files;
-    // Not the first so many that are found: the largest of all.
-    engine_.findLargeFilesInDirectory(folder_, minSize, files,
-                                      std::numeric_limits<std::size_t>::max());
-    std::ranges::stable_sort(files, std::ranges::greater{}, &LargeFileEntry::size);
-    if (files.size() > FileCleanerEngine::kMaxLargeFiles)
-        files.resize(FileCleanerEngine::kMaxLargeFiles);
-    return files;
+    // Not the first so many that are found: the largest of all, of which no more are remembered
+    // than a few times as many.
+    constexpr std::size_t kWanted = FileCleanerEngine::kMaxLargeFiles;
+    std::vector<LargeFileEntry> largest;
+    const auto keepLargest = [&largest] {
+        std::ranges::stable_sort(largest, std::ranges::greater{}, &LargeFileEntry::size);
+        if (largest.size() > kWanted) largest.resize(kWanted);
+    };
+    const auto visit = [&](const std::string& path, const std::string& name,
+                           const platform::FileAttributes* attributes) {
+        if (attributes == nullptr || attributes->size < minSize) return true;
+        largest.push_back({path, name, attributes->size, attributes->modificationDate});
+        if (largest.size() >= 8 * kWanted) keepLargest();
+        return true;
+    };
+    FileVisitor(files_, visit, unreadableTo(observer_)).walk(folder_, platform::kDefaultMaxDepth);
+    keepLargest();
+    return largest;
 }
 
 std::vector<std::vector<DuplicateEntry>> FolderAnalysis::duplicates() {

@@ -5,6 +5,7 @@
 
 #include <fmt/format.h>
 
+#include "platform/files/EntryNames.h"
 #include "platform/log/Log.h"
 
 namespace sweepwright {
@@ -56,7 +57,7 @@ DeviceStorageInfo makeInfo(const platform::FileSystemAttributes& volume, std::ui
 }  // namespace
 
 StorageAnalyzer::StorageAnalyzer(const platform::Device& device, platform::FileManager& files)
-    : device_(device), files_(files) {}
+    : device_(device), files_(files), walker_(files) {}
 
 StorageAnalyzer& StorageAnalyzer::sharedAnalyzer() {
     static StorageAnalyzer analyzer(platform::Device::current(),
@@ -109,9 +110,10 @@ std::vector<SizedFile> StorageAnalyzer::getLargeFiles(std::uint64_t minSize) {
 void StorageAnalyzer::findLargeFilesInDirectory(const std::string& directory, std::uint64_t minSize,
                                                 std::vector<SizedFile>& results, int maxDepth) {
     if (maxDepth <= 0) return log("⚠️ 达到最大递归深度，跳过路径: {}", directory);
-    const auto names = files_.contentsOfDirectory(directory);
+    auto names = platform::namesAt(files_, directory);
     if (!names) return;
-    for (const std::string& name : *names) {
+    while (names->size() > 0) {
+        const std::string name = names->take();
         if (name.starts_with('.')) continue;
         const std::string path = platform::joinPath(directory, name);
         const auto attributes = files_.attributes(path, LastLink::Refuse);
@@ -130,7 +132,7 @@ std::uint64_t StorageAnalyzer::sizeOfDirectoryAtPath(
     rules.onUnreadable = onUnreadable;
     rules.maxDepth = maxDepth;
     rules.onDepthLimit = [](const std::string& at) { log("⚠️ 达到最大递归深度，跳过路径: {}", at); };
-    return platform::TreeWalker(files_).sizeOfDirectory(path, rules);
+    return walker_.sizeOfDirectory(path, rules);
 }
 
 }  // namespace sweepwright

@@ -88,6 +88,7 @@ class StorageAnalyzer {
   private:
     const platform::Device& device_;
     platform::FileManager& files_;
+    platform::TreeWalker walker_;
 };
 
 }  // namespace sweepwright

@@ -1,5 +1,7 @@
 // Trees and devices at and beyond what one expects.
+#include <cerrno>
 #include <cstdlib>
+#include <functional>
 #include <string>
 
 #include <fcntl.h>
@@ -8,6 +10,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "engine/CleanPreview.h"
+#include "engine/FolderAnalysis.h"
 #include "hardening/SmallDevice.h"
 #include "support/ChildProcess.h"
 
@@ -56,6 +60,54 @@ void makeFiles(SmallDevice& device, const std::string& path, int count) {
 int entries() {
     const char* given = std::getenv("SWEEPWRIGHT_HUGE_FOLDER");
     return given == nullptr ? 20'000 : std::atoi(given);
+}
+
+/// Levels of the deep tree: few enough for every run, or as many as asked for.
+int levels() {
+    const char* given = std::getenv("SWEEPWRIGHT_DEEP_TREE");
+    return given == nullptr ? 3'000 : std::atoi(given);
+}
+
+/// KiB that this process has ever held at once.
+long peakMemory() {
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss;
+}
+
+/// Fails when `body` needs more than `most` KiB beyond what was needed before, which a sanitizer
+/// hides.
+void expectLittleMemory(const char* what, long most, const std::function<void()>& body) {
+    const long before = peakMemory();
+    body();
+    const long more = peakMemory() - before;
+    std::printf("%s: %ld KiB more at the peak\n", what, more);
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+    EXPECT_LT(more, most) << what;
+#else
+    (void)most;
+#endif
+}
+
+/// What only looks at a device: each by its name.
+void expectThatLookingNeedsLittleMemory(Worker& worker, std::uint64_t wouldFree, long most) {
+    const EngineServices services = worker.engineServices();
+    expectLittleMemory("preview", most, [&] {
+        const auto preview = previewClean(services, CleanType::TempFiles);
+        ASSERT_TRUE(preview);
+        EXPECT_EQ(preview->wouldFree, wouldFree);
+    });
+    expectLittleMemory("size", most, [&] { (void)worker.engine.getTempFilesSize(); });
+    expectLittleMemory("list", most, [&] {
+        EXPECT_LE(worker.engine.getTempFileList().size(), FileCleanerEngine::kMaxListedPaths);
+    });
+    expectLittleMemory("large files", most, [&] {
+        EXPECT_LE(FolderAnalysis(services, "/").largeFiles(0).size(),
+                  FileCleanerEngine::kMaxLargeFiles);
+    });
+    expectLittleMemory("extensions", most,
+                       [&] { (void)FolderAnalysis(services, "/").extensions(); });
+    expectLittleMemory("usage", most, [&] { (void)FolderAnalysis(services, "/").usage(); });
 }
 
 class Descriptors : public testing::TestWithParam<int> {};
@@ -134,24 +186,53 @@ TEST(Limits, NamesOf255BytesAndOfNoTextGo) {
     EXPECT_EQ(device.damage(), "");
 }
 
-TEST(Limits, AFolderOfManyEntriesGoesInLittleMemory) {
+TEST(Limits, AFolderOfManyEntriesIsLookedAtAndGoesInLittleMemory) {
     if (test::ranInFreshProcess()) return;
     SmallDevice device;
     makeFiles(device, temporary("many"), entries());
+    // Lists and analyses remember a folder's names: so many bytes each, in blocks.
+    const long names = entries() * 20L / 1024;
     test::inChildProcess([&] {
         Worker worker(device.tree());
-        rusage before{};
-        getrusage(RUSAGE_SELF, &before);
-        EXPECT_EQ(worker.clean(kTemp).bytes, 32'768U);
-        rusage after{};
-        getrusage(RUSAGE_SELF, &after);
+        expectThatLookingNeedsLittleMemory(worker, 32'768U, 8 * 1024 + names);
+        expectLittleMemory("clean", 8 * 1024,
+                           [&] { EXPECT_EQ(worker.clean(kTemp).bytes, 32'768U); });
         EXPECT_FALSE(device.tree().exists(temporary("many")));
-        std::printf("%d entries: %ld KiB more at the peak\n", entries(),
-                    after.ru_maxrss - before.ru_maxrss);
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
-        EXPECT_LT(after.ru_maxrss - before.ru_maxrss, 8 * 1024);
-#endif
     });
+}
+
+TEST(Limits, ADeepTreeIsLookedAtAndGoesInLittleMemory) {
+    if (test::ranInFreshProcess()) return;
+    SmallDevice device;
+    makeChain(device, temporary("deep"), "d", levels());
+    // What is on the way down is remembered by its name alone.
+    const long way = levels() * 400L / 1024;
+    test::inChildProcess([&] {
+        Worker worker(device.tree());
+        expectThatLookingNeedsLittleMemory(worker, 32'768U + 100, 4 * 1024 + way);
+        expectLittleMemory("clean", 4 * 1024 + way,
+                           [&] { EXPECT_EQ(worker.clean(kTemp).bytes, 32'768U + 100); });
+        EXPECT_FALSE(device.tree().exists(temporary("deep")));
+    });
+}
+
+TEST(Limits, ADeepTreeThatMustStayIsLeftWithoutDeepRecursion) {
+    if (test::ranInFreshProcess()) return;
+    SmallDevice device;
+    makeChain(device, temporary("deep"), "d", 1'000);
+    test::inChildProcess([&] {
+        Worker worker(device.tree());
+        worker.files.failWhere(
+            [](test::Operation operation, const std::string& path) {
+                return operation == test::Operation::RemoveDirectoryAt && path.contains("/deep");
+            },
+            EACCES);
+        EXPECT_TRUE(worker.clean(kTemp).success);
+    });
+    EXPECT_TRUE(device.tree().exists(temporary("deep/d/d/d")));
+    Worker worker(device.tree());
+    EXPECT_TRUE(worker.clean(kTemp).success);
+    EXPECT_FALSE(device.tree().exists(temporary("deep")));
 }
 
 TEST(Limits, AThousandProtectedPathsAllStay) {

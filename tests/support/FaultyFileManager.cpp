@@ -62,17 +62,17 @@ std::optional<Operation> FaultyFileManager::failedOperation() const {
     return failedOperation_;
 }
 
-int FaultyFileManager::arrive(Operation operation, const std::string& path) {
+int FaultyFileManager::arrive(Operation operation, const Subject& subject) {
     if (!watched_.contains(operation)) return 0;
-    if (hook_) hook_(operation, path);
+    if (hook_) hook_(operation, subject.path());
     const std::lock_guard lock(mutex_);
     ++calls_;
     if (killAt_ != 0 && calls_ == killAt_) std::raise(SIGKILL);
     const bool counted = failFirst_ != 0 && calls_ >= failFirst_ && calls_ <= failLast_;
-    if (!counted && !(shouldFail_ && shouldFail_(operation, path))) return 0;
+    if (!counted && !(shouldFail_ && shouldFail_(operation, subject.path()))) return 0;
     if (!failedOperation_) {
         failedOperation_ = operation;
-        failedPath_ = path;
+        failedPath_ = subject.path();
     }
     return number_;
 }
@@ -85,29 +85,29 @@ Result<Directory> FaultyFileManager::openDirectory(const std::string& path,
 
 Result<Directory> FaultyFileManager::openBeneath(const Directory& base, std::string_view relative,
                                                  platform::Mounts mounts) {
-    return through(Operation::OpenBeneath, base.pathOf(relative),
+    return through(Operation::OpenBeneath, {base, relative},
                    [&] { return ForwardingFileManager::openBeneath(base, relative, mounts); });
 }
 
 Result<std::span<const platform::DirectoryEntry>> FaultyFileManager::readEntries(
     Directory& directory, platform::EntryBuffer& buffer) {
-    return through(Operation::ReadEntries, directory.path(),
+    return through(Operation::ReadEntries, directory,
                    [&] { return ForwardingFileManager::readEntries(directory, buffer); });
 }
 
 Result<platform::FileAttributes> FaultyFileManager::attributesAt(const Directory& directory,
                                                                  std::string_view name) {
-    return through(Operation::AttributesAt, directory.pathOf(name),
+    return through(Operation::AttributesAt, {directory, name},
                    [&] { return ForwardingFileManager::attributesAt(directory, name); });
 }
 
 Result<> FaultyFileManager::removeFileAt(const Directory& directory, std::string_view name) {
-    return through(Operation::RemoveFileAt, directory.pathOf(name),
+    return through(Operation::RemoveFileAt, {directory, name},
                    [&] { return ForwardingFileManager::removeFileAt(directory, name); });
 }
 
 Result<> FaultyFileManager::removeDirectoryAt(const Directory& directory, std::string_view name) {
-    return through(Operation::RemoveDirectoryAt, directory.pathOf(name),
+    return through(Operation::RemoveDirectoryAt, {directory, name},
                    [&] { return ForwardingFileManager::removeDirectoryAt(directory, name); });
 }
 
@@ -133,7 +133,7 @@ Result<std::string> FaultyFileManager::resolvedPath(const std::string& path) {
 }
 
 Result<std::string> FaultyFileManager::hostPath(const Directory& directory) {
-    return through(Operation::HostPath, directory.path(),
+    return through(Operation::HostPath, directory,
                    [&] { return ForwardingFileManager::hostPath(directory); });
 }
 

@@ -100,13 +100,30 @@ class FaultyFileManager final : public platform::ForwardingFileManager {
                                                  std::string_view note) override;
 
   private:
+    /// What a call is about. The path of an open directory, which may be long, is put together only
+    /// where somebody asks for it.
+    struct Subject {
+        Subject(const std::string& path) : text(&path) {}
+        Subject(const platform::Directory& at) : directory(&at) {}
+        Subject(const platform::Directory& at, std::string_view entry)
+            : directory(&at), name(entry) {}
+        [[nodiscard]] std::string path() const {
+            if (text != nullptr) return *text;
+            return name.empty() ? directory->path() : directory->pathOf(name);
+        }
+
+        const std::string* text = nullptr;
+        const platform::Directory* directory = nullptr;
+        std::string_view name;
+    };
+
     /// Counts a call; the errno value that it must fail with, or 0.
-    int arrive(Operation operation, const std::string& path);
+    int arrive(Operation operation, const Subject& subject);
     template <class Call>
-    auto through(Operation operation, const std::string& path, const Call& call)
+    auto through(Operation operation, const Subject& subject, const Call& call)
         -> decltype(call()) {
-        if (const int number = arrive(operation, path); number != 0)
-            return std::unexpected(platform::errorFromErrno(number, path));
+        if (const int number = arrive(operation, subject); number != 0)
+            return std::unexpected(platform::errorFromErrno(number, subject.path()));
         return call();
     }
 

@@ -14,4 +14,10 @@ Result<EntryNames> namesOf(FileManager& files, Directory& directory) {
     }
 }
 
+Result<EntryNames> namesAt(FileManager& files, const std::string& path) {
+    auto directory = files.openDirectory(path, LastLink::Follow);
+    if (!directory) return std::unexpected(directory.error());
+    return namesOf(files, *directory);
+}
+
 }  // namespace sweepwright::platform

@@ -45,5 +45,7 @@ class EntryNames {
 
 /// The names in an open directory from where it was last read.
 Result<EntryNames> namesOf(FileManager& files, Directory& directory);
+/// The names in the directory at `path`, a link as last component followed.
+Result<EntryNames> namesAt(FileManager& files, const std::string& path);
 
 }  // namespace sweepwright::platform

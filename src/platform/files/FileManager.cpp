@@ -15,7 +15,7 @@ FileManager*& defaultFiles() {
 }  // namespace
 
 std::string Directory::pathOf(std::string_view name) const {
-    return joinPath(path_, name);
+    return joinPath(path(), name);
 }
 
 FileManager& FileManager::defaultManager() {

@@ -13,6 +13,7 @@
 
 #include "platform/base/Error.h"
 #include "platform/base/UniqueDescriptor.h"
+#include "platform/files/Place.h"
 #include "platform/text/PathText.h"
 
 namespace sweepwright::platform {
@@ -58,19 +59,24 @@ class Directory {
   public:
     Directory() = default;
     Directory(UniqueDescriptor descriptor, std::string path)
-        : descriptor_(std::move(descriptor)), path_(std::move(path)) {}
+        : Directory(std::move(descriptor), std::make_shared<const Place>(std::move(path))) {}
+    Directory(UniqueDescriptor descriptor, PlacePointer place)
+        : descriptor_(std::move(descriptor)), place_(std::move(place)) {}
 
     [[nodiscard]] int descriptor() const { return descriptor_.get(); }
-    /// Device path; the bytes that it was opened by.
-    [[nodiscard]] const std::string& path() const { return path_; }
+    /// Device path; the bytes that it was opened by. Put together anew by every call.
+    [[nodiscard]] std::string path() const { return place_ ? place_->path() : std::string(); }
     /// The device path of an entry.
     [[nodiscard]] std::string pathOf(std::string_view name) const;
     /// What the manager that opened this keeps between two readEntries() calls, if anything.
     [[nodiscard]] std::shared_ptr<void>& listing() { return listing_; }
+    [[nodiscard]] const PlacePointer& place() const { return place_; }
+    /// Gives it an equal place in exchange for its own, which need not be kept then.
+    void setPlace(PlacePointer equal) { place_ = std::move(equal); }
 
   private:
     UniqueDescriptor descriptor_;
-    std::string path_;
+    PlacePointer place_;
     std::shared_ptr<void> listing_;
 };
 

@@ -241,10 +241,11 @@ Result<Directory> HostFileManager::openDirectory(const std::string& path, LastLi
 
 Result<Directory> HostFileManager::openBeneath(const Directory& base, std::string_view relative,
                                                Mounts mounts) {
-    std::string path = relative.empty() ? base.path() : base.pathOf(relative);
     auto opened = beneath_->openBeneath(base.descriptor(), relative, mounts);
-    if (!opened) return failed(opened.error(), path);
-    return Directory(std::move(*opened), std::move(path));
+    if (!opened)
+        return failed(opened.error(), relative.empty() ? base.path() : base.pathOf(relative));
+    if (relative.empty()) return Directory(std::move(*opened), base.place());
+    return Directory(std::move(*opened), std::make_shared<const Place>(base.place(), relative));
 }
 
 Result<std::span<const DirectoryEntry>> HostFileManager::readEntries(Directory& directory,
@@ -270,6 +271,8 @@ Result<std::span<const DirectoryEntry>> HostFileManager::readEntries(Directory& 
     }
     const int number = readPortable(static_cast<DIR*>(directory.listing().get()), buffer);
     if (number != 0) return failed(number, directory.path());
+    // Whoever keeps a directory that has been read keeps one descriptor, not two.
+    if (buffer.entries.empty()) directory.listing().reset();
     return std::span<const DirectoryEntry>(buffer.entries);
 }
 
@@ -290,12 +293,16 @@ Result<> HostFileManager::removeDirectoryAt(const Directory& directory, std::str
 }
 
 Result<FileAttributes> HostFileManager::attributes(const std::string& path, LastLink lastLink) {
-    const auto entry = beneath_->locate(path, lastLink);
-    if (!entry) return failed(entry.error(), path);
-    FileAttributes found;
-    const int number = readAttributes(entry->parent.get(), entry->name.c_str(), calls_, found);
-    if (number != 0) return failed(number, path);
-    return found;
+    // Most are no link, which costs no question of its own this way.
+    for (const LastLink last : {LastLink::Refuse, lastLink}) {
+        const auto entry = beneath_->locate(path, last);
+        if (!entry) return failed(entry.error(), path);
+        FileAttributes found;
+        const int number = readAttributes(entry->parent.get(), entry->name.c_str(), calls_, found);
+        if (number != 0) return failed(number, path);
+        if (last == lastLink || found.type != FileType::SymbolicLink) return found;
+    }
+    return failed(ELOOP, path);
 }
 
 bool HostFileManager::isWritable(const std::string& path) {

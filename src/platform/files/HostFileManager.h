@@ -1,5 +1,6 @@
 #pragma once
 
+#include <expected>
 #include <memory>
 #include <optional>
 #include <string>
@@ -66,6 +67,8 @@ class HostFileManager final : public FileManager, public FileMaker {
     Result<FileLock> tryLock(const std::string& path, std::string_view note) override;
 
   private:
+    /// For reading; ELOOP when it is a link that was not to be followed.
+    std::expected<UniqueDescriptor, int> openToRead(const std::string& path, LastLink lastLink);
     Result<UniqueDescriptor> openLock(const std::string& path);
 
     std::shared_ptr<const DeviceRoot> root_;

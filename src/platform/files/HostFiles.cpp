@@ -73,12 +73,22 @@ int writeNew(int directory, const std::string& name, const std::string& replaces
 
 }  // namespace
 
+std::expected<UniqueDescriptor, int> HostFileManager::openToRead(const std::string& path,
+                                                                 LastLink lastLink) {
+    const auto entry = beneath_->locate(path, lastLink);
+    if (!entry) return std::unexpected(entry.error());
+    UniqueDescriptor file(openat(entry->parent.get(), entry->name.c_str(),
+                                 O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW));
+    if (!file.valid()) return std::unexpected(errno);
+    return file;
+}
+
 Result<std::string> HostFileManager::readFile(const std::string& path, std::size_t maxBytes) {
-    const auto entry = beneath_->locate(path, LastLink::Follow);
-    if (!entry) return failed(entry.error(), path);
-    const UniqueDescriptor file(openat(entry->parent.get(), entry->name.c_str(),
-                                       O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW));
-    if (!file.valid()) return failed(errno, path);
+    // Most are no link, which costs no question of its own this way.
+    auto opened = openToRead(path, LastLink::Refuse);
+    if (!opened && opened.error() == ELOOP) opened = openToRead(path, LastLink::Follow);
+    if (!opened) return failed(opened.error(), path);
+    const UniqueDescriptor file = *std::move(opened);
     struct stat status{};
     if (fstat(file.get(), &status) != 0) return failed(errno, path);
     if (!S_ISREG(status.st_mode)) return failed(EINVAL, path);

@@ -3,12 +3,14 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
-#include <list>
+#include <deque>
 #include <memory>
 #include <mutex>
 #include <utility>
 #include <vector>
 
+#include "platform/files/SharedChain.h"
+#include "platform/tree/internal/OpenDirectories.h"
 #include "platform/tree/internal/SharedWork.h"
 
 namespace sweepwright::platform {
@@ -17,50 +19,32 @@ namespace {
 
 /// A folder that others fill while it is emptied is listed again this often.
 constexpr int kMaxAttempts = 16;
-/// Open directories that a thread keeps for its next steps.
-constexpr std::size_t kKeptOpen = 6;
-/// A way down of more levels is opened in stages, so that a climb back up a deep tree does not
-/// start from the top at each step.
-constexpr std::size_t kStage = 64;
+/// Directories that a thread keeps open for what waits in them, and to be removed from.
+constexpr std::size_t kKeptToEmpty = 4;
 
 /// A directory whose removal has begun. It goes when the last of its subdirectories has gone.
 struct Node {
     Node() = default;
     Node(const Node&) = delete;
     Node& operator=(const Node&) = delete;
-    ~Node();
+    ~Node() { releaseChain(std::move(parent)); }
 
     std::shared_ptr<Node> parent;  ///< none: it is an entry of the directory we start from
-    std::string name;
+    PlacePointer place;
     int depth = 0;       ///< of its entries, as a walk counts it
     bool counts = true;  ///< neither it nor a directory above it is left out of the count
-    int attempt = 0;     ///< how often it turned out not to be empty
-    PackedNames subdirectories;
-    std::optional<Error> listingError;
     std::atomic<bool> keepsSomething{false};
+    int attempt = 0;  ///< how often it turned out not to be empty
+    PackedNames subdirectories;
+    std::unique_ptr<Error> listingError;
     std::atomic<std::size_t> unfinished{1};  ///< subdirectories, and its own listing
 };
 
 using NodePointer = std::shared_ptr<Node>;
 
-/// Releases the nodes above one after the other: a chain of thousands that let go of each other
-/// would need more stack than a thread may have.
-Node::~Node() {
-    static thread_local NodePointer* next = nullptr;
-    if (next != nullptr) {
-        *next = std::move(parent);
-        return;
-    }
-    NodePointer above = std::move(parent);
-    next = &above;
-    while (above)
-        NodePointer(std::move(above)).reset();
-    next = nullptr;
-}
-
 struct PendingFolder {
     NodePointer parent;
-    std::string name;
+    PlacePointer place;
     int attempt = 0;
 };
 
@@ -69,6 +53,7 @@ struct Run {
     FileManager& files;
     const WalkRules& rules;
     const Directory& start;
+    Crew& crew;
     std::atomic<std::uint64_t> bytes{0};
     std::mutex mutex{};
     std::optional<Error> firstError{};
@@ -96,108 +81,74 @@ bool isMountPoint(FileManager& files, const Directory& directory, std::string_vi
     return !opened && opened.error().code == EXDEV;
 }
 
-/// The directories that one thread has open.
-class OpenDirectories {
-  public:
-    explicit OpenDirectories(Run& run) : run_(&run) {}
-
-    /// The open directory of `node`, or of the start for none; valid until the next call.
-    Result<const Directory*> of(const NodePointer& node) {
-        if (!node) return &run_->start;
-        if (const Directory* kept = find(node)) return kept;
-        std::string relative = node->name;
-        NodePointer above = node->parent;
-        for (std::size_t levels = 1; above && find(above) == nullptr && levels < kStage; ++levels) {
-            relative.insert(0, above->name + "/");
-            above = above->parent;
-        }
-        const auto base = of(above);
-        if (!base) return base;
-        auto opened = run_->files.openBeneath(**base, relative, Mounts::Refuse);
-        if (!opened) return std::unexpected(opened.error());
-        return keep(node, std::move(*opened));
-    }
-
-    const Directory* keep(NodePointer node, Directory directory) {
-        kept_.emplace_front(std::move(node), std::move(directory));
-        if (kept_.size() > kKeptOpen) kept_.pop_back();
-        return &kept_.front().second;
-    }
-
-    void closeAll() { kept_.clear(); }
-
-  private:
-    const Directory* find(const NodePointer& node) {
-        const auto at = std::ranges::find(kept_, node, &Kept::first);
-        if (at == kept_.end()) return nullptr;
-        kept_.splice(kept_.begin(), kept_, at);
-        return &kept_.front().second;
-    }
-
-    using Kept = std::pair<NodePointer, Directory>;
-    Run* run_;
-    std::list<Kept> kept_;  // most recently used first
-};
-
 /// One thread's share of a removal.
 class Remover {
   public:
-    explicit Remover(Run& run) : run_(&run), opened_(run) {}
+    explicit Remover(Run& run)
+        : run_(&run),
+          opened_(run.files, run.start, Mounts::Refuse, kKeptToEmpty),
+          pace_(run.crew) {}
 
     void operator()(PendingFolder first, SharedWork<PendingFolder>& shared) {
         visit(std::move(first));
-        while (!stack_.empty() || !again_.empty()) {
-            if (!again_.empty()) {
-                PendingFolder next = std::move(again_.back());
-                again_.pop_back();
-                visit(std::move(next));
-            } else if (stack_.back()->subdirectories.empty()) {
-                stack_.pop_back();
-            } else {
-                visit({stack_.back(), stack_.back()->subdirectories.take()});
-                giveAway(shared);
-            }
+        while (!waiting_.empty() || !again_.empty()) {
+            giveAway(shared);
+            visit(takeNext());
         }
         opened_.closeAll();
         run_->bytes.fetch_add(std::exchange(bytes_, 0), std::memory_order_relaxed);
     }
 
   private:
+    PendingFolder takeNext() {
+        PendingFolder next;
+        if (!again_.empty()) {
+            next = std::move(again_.back());
+            again_.pop_back();
+            return next;
+        }
+        next = takeFrom(waiting_.back());
+        if (waiting_.back()->subdirectories.empty()) waiting_.pop_back();
+        return next;
+    }
+
+    static PendingFolder takeFrom(const NodePointer& node) {
+        return {node, std::make_shared<const Place>(node->place, node->subdirectories.take())};
+    }
+
     void giveAway(SharedWork<PendingFolder>& shared) {
-        while (!stack_.empty() && stack_.back()->subdirectories.empty())
-            stack_.pop_back();
-        for (const NodePointer& node : stack_) {
-            const bool newest = node == stack_.back();
-            while (newest ? node->subdirectories.holdsSeveral() : !node->subdirectories.empty()) {
-                if (!shared.wantsMore()) return;
-                shared.give({node, node->subdirectories.take()});
-            }
+        while (!waiting_.empty()) {
+            const NodePointer& oldest = waiting_.front();
+            const bool isNewest = waiting_.size() == 1;
+            if ((isNewest && !oldest->subdirectories.holdsSeveral()) || !shared.wantsMore()) return;
+            shared.give(takeFrom(oldest));
+            if (oldest->subdirectories.empty()) waiting_.pop_front();
         }
     }
 
     void visit(PendingFolder waiting) {
         auto node = std::make_shared<Node>();
         node->depth = waiting.parent ? waiting.parent->depth - 1 : run_->rules.maxDepth;
-        node->counts = !waiting.parent || (waiting.parent->counts && run_->isCounted(waiting.name));
+        node->counts =
+            !waiting.parent || (waiting.parent->counts && run_->isCounted(waiting.place->part()));
         node->parent = std::move(waiting.parent);
-        node->name = std::move(waiting.name);
+        node->place = std::move(waiting.place);
         node->attempt = waiting.attempt;
 
-        if (const auto emptied = empty(node); !emptied) node->listingError = emptied.error();
-        if (!node->subdirectories.empty()) stack_.push_back(node);
+        if (const auto emptied = empty(node); !emptied)
+            node->listingError = std::make_unique<Error>(emptied.error());
+        if (!node->subdirectories.empty()) waiting_.push_back(node);
         finishOne(node);
     }
 
     /// Removes what is in `node` but its subdirectories, which it notes.
     Result<> empty(const NodePointer& node) {
-        const auto above = opened_.of(node->parent);
-        if (!above) return std::unexpected(above.error());
         if (node->counts && isLimit(*node) && run_->rules.onDepthLimit)
-            run_->rules.onDepthLimit((*above)->pathOf(node->name));
-        auto opened = run_->files.openBeneath(**above, node->name, Mounts::Refuse);
+            run_->rules.onDepthLimit(node->place->path());
+        auto opened = opened_.open(node->place);
         if (!opened && opened.error().code == EXDEV) {
             node->keepsSomething = true;
-            run_->keepMountPoint((*above)->pathOf(node->name));
+            run_->keepMountPoint(node->place->path());
             return {};
         }
         if (!opened) return std::unexpected(opened.error());
@@ -210,7 +161,7 @@ class Remover {
             for (const DirectoryEntry& entry : buffer_.entries)
                 remove(*opened, entry, *node);
         }
-        if (!node->subdirectories.empty()) opened_.keep(node, std::move(*opened));
+        if (!node->subdirectories.empty()) opened_.keep(std::move(*opened));
         return {};
     }
 
@@ -228,6 +179,7 @@ class Remover {
         }
         if (type == FileType::Directory) return noteSubdirectory(node, entry.name);
         const auto removed = run_->files.removeFileAt(directory, entry.name);
+        pace_.step();
         if (removed) {
             bytes_ += size;
         } else if (isDirectory(removed.error(), directory, entry.name)) {
@@ -273,7 +225,7 @@ class Remover {
             if (!node->keepsSomething) {
                 const auto removed = removeEmptied(*node);
                 if (!removed && isFilledAgain(*node, removed.error())) {
-                    again_.push_back({node->parent, node->name, node->attempt + 1});
+                    again_.push_back({node->parent, node->place, node->attempt + 1});
                     return;
                 }
                 if (!removed) {
@@ -287,23 +239,24 @@ class Remover {
     }
 
     void failEmptied(const Node& node, const Error& error) {
-        const auto above = opened_.of(node.parent);
-        if (node.listingError || !above) {
-            run_->fail(node.listingError.value_or(error));
-        } else {
-            fail(error, **above, node.name);  // something may have been mounted there meanwhile
-        }
+        if (node.listingError) return run_->fail(*node.listingError);
+        // Something may have been mounted there meanwhile.
+        const auto above = opened_.of(node.place->above());
+        if (!above) return run_->fail(error);
+        fail(error, **above, node.place->part());
     }
 
     Result<> removeEmptied(const Node& node) {
-        const auto above = opened_.of(node.parent);
+        const auto above = opened_.of(node.place->above());
+        const std::string& name = node.place->part();
         // What another has removed or taken away together with the folder it was in is gone too.
         if (!above && above.error().code == ENOENT) return {};
         if (!above) return std::unexpected(above.error());
-        auto removed = run_->files.removeDirectoryAt(**above, node.name);
+        auto removed = run_->files.removeDirectoryAt(**above, name);
+        pace_.step();
         // Swapped for a file or a link meanwhile: that goes as such.
         if (!removed && removed.error().code == ENOTDIR)
-            removed = run_->files.removeFileAt(**above, node.name);
+            removed = run_->files.removeFileAt(**above, name);
         if (!removed && removed.error().code == ENOENT) return {};
         return removed;
     }
@@ -315,9 +268,10 @@ class Remover {
 
     Run* run_;
     OpenDirectories opened_;
-    std::vector<NodePointer> stack_;
+    std::deque<NodePointer> waiting_;  // directories with subdirectories that wait
     std::vector<PendingFolder> again_;
     EntryBuffer buffer_;
+    Pace pace_;
     std::uint64_t bytes_ = 0;
 };
 
@@ -328,14 +282,17 @@ Removal Removal::around(std::uint64_t bytes, std::vector<std::string> mountPoint
     return {bytes, std::move(error), std::move(mountPoints), true};
 }
 
-TreeRemover::TreeRemover(FileManager& files, unsigned threads) : files_(files), threads_(threads) {}
+TreeRemover::TreeRemover(FileManager& files, unsigned threads, std::shared_ptr<Crew> crew)
+    : files_(files), threads_(threads), crew_(std::move(crew)) {}
 
 Removal TreeRemover::remove(const Directory& parent, const std::string& name,
                             const WalkRules& rules) const {
     if (!isEntryName(name)) return {0, errorFromErrno(EINVAL, parent.pathOf(name))};
     const auto attributes = files_.attributesAt(parent, name);
     if (!attributes || attributes->type != FileType::Directory) {
+        Pace pace(*crew_);
         const auto removed = files_.removeFileAt(parent, name);
+        pace.step();
         if (!removed && removed.error().code == EBUSY && isMountPoint(files_, parent, name))
             return Removal::around(0, {parent.pathOf(name)});
         if (!removed) return {0, removed.error()};
@@ -343,8 +300,11 @@ Removal TreeRemover::remove(const Directory& parent, const std::string& name,
             attributes && (attributes->type != FileType::SymbolicLink || rules.countLinks);
         return {counts ? attributes->size : 0, std::nullopt};
     }
-    Run run{files_, rules, parent};
-    SharedWork<PendingFolder>(threads_).run({nullptr, name}, [&run] { return Remover(run); });
+    Run run{files_, rules, parent, *crew_};
+    const auto top = std::make_shared<const Place>(parent.place(), name);
+    SharedWork<PendingFolder>(*crew_, threads_).run({nullptr, top}, [&run] {
+        return Remover(run);
+    });
     if (!run.firstError && !run.mountPoints.empty())
         return Removal::around(run.bytes, std::move(run.mountPoints));
     return {run.bytes, std::move(run.firstError), std::move(run.mountPoints)};

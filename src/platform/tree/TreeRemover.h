@@ -1,11 +1,13 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "platform/files/FileManager.h"
+#include "platform/queue/Crew.h"
 #include "platform/tree/TreeWalker.h"
 
 namespace sweepwright::platform {
@@ -32,9 +34,12 @@ struct Removal {
 /// meanwhile.
 class TreeRemover {
   public:
-    explicit TreeRemover(FileManager& files, unsigned threads = kDefaultThreads);
+    /// `threads` at most on a near device, as those of a walk.
+    explicit TreeRemover(FileManager& files, unsigned threads = kDefaultThreads,
+                         std::shared_ptr<Crew> crew = std::make_shared<Crew>());
 
-    /// Two threads unlink in different directories at once; more wait for the same journal.
+    /// Two threads unlink in different directories at once; more wait for the same journal, unless
+    /// what they wait for is a far device.
     static constexpr unsigned kDefaultThreads = 2;
 
     /// Removes entry `name` of `parent`: a file, a link, or a directory with all that is in it,
@@ -47,6 +52,7 @@ class TreeRemover {
   private:
     FileManager& files_;
     unsigned threads_;
+    std::shared_ptr<Crew> crew_;
 };
 
 }  // namespace sweepwright::platform

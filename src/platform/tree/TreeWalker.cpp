@@ -3,20 +3,25 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <deque>
 #include <limits>
 #include <mutex>
 #include <utility>
 #include <vector>
 
+#include "platform/tree/internal/OpenDirectories.h"
 #include "platform/tree/internal/SharedWork.h"
 
 namespace sweepwright::platform {
 
 namespace {
 
-/// A directory that waits: its path beneath the root ("" is the root) and what its entries may.
+/// Directories that a thread keeps open: the last ones that it has to come back to.
+constexpr std::size_t kKeptOpen = 2;
+
+/// A directory that waits, and what its entries may.
 struct Waiting {
-    std::string relative;
+    PlacePointer place;
     int depth = 0;         ///< of its entries
     bool guarded = false;  ///< entries must be asked about
 };
@@ -27,76 +32,81 @@ struct Frame {
     bool isToldUnreadable = false;  ///< because of an entry: one call tells of all of them
 };
 
-std::string beneath(const std::string& relative, const std::string& name) {
-    return relative.empty() ? name : relative + "/" + name;
-}
-
 /// What all threads of one walk share.
 struct Walk {
     FileManager& files;
     const WalkRules& rules;
-    const Directory& root;
+    Directory& root;  ///< read by the thread that begins
+    Crew& crew;
     std::atomic<std::uint64_t> total{0};
 };
 
 /// One thread's share of a walk.
 class Walker {
   public:
-    explicit Walker(Walk& walk) : walk_(&walk) {}
+    explicit Walker(Walk& walk)
+        : walk_(&walk),
+          opened_(walk.files, walk.root, walk.rules.mounts, kKeptOpen),
+          pace_(walk.crew) {}
 
     void operator()(Waiting first, SharedWork<Waiting>& shared) {
         bytes_ = 0;
         visit(std::move(first));
         while (!frames_.empty()) {
-            if (frames_.back().subdirectories.empty()) {
-                frames_.pop_back();
-                continue;
-            }
-            visit(takeFrom(frames_.back()));
             giveAway(shared);
+            Waiting next = takeFrom(frames_.back());
+            // What waits is all that is remembered: in a chain of folders, nothing.
+            if (frames_.back().subdirectories.empty()) frames_.pop_back();
+            visit(std::move(next));
+            pace_.step();
         }
+        opened_.closeAll();
         walk_->total.fetch_add(bytes_, std::memory_order_relaxed);
     }
 
   private:
     [[nodiscard]] Waiting takeFrom(Frame& frame) const {
-        Waiting next{beneath(frame.directory.relative, frame.subdirectories.take()),
-                     frame.directory.depth - 1, false};
-        next.guarded = frame.directory.guarded &&
-                       !walk_->rules.protection->isFree(walk_->root.pathOf(next.relative));
-        return next;
+        const Waiting& above = frame.directory;
+        auto place = std::make_shared<const Place>(above.place, frame.subdirectories.take());
+        const bool guarded = above.guarded && !walk_->rules.protection->isFree(place->path());
+        return {std::move(place), above.depth - 1, guarded};
     }
 
     void giveAway(SharedWork<Waiting>& shared) {
-        while (!frames_.empty() && frames_.back().subdirectories.empty())
-            frames_.pop_back();
-        for (Frame& frame : frames_) {
-            const bool newest = &frame == &frames_.back();
-            while (newest ? frame.subdirectories.holdsSeveral() : !frame.subdirectories.empty()) {
-                if (!shared.wantsMore()) return;
-                shared.give(takeFrom(frame));
-            }
+        while (!frames_.empty()) {
+            Frame& oldest = frames_.front();
+            const bool isNewest = frames_.size() == 1;
+            if ((isNewest && !oldest.subdirectories.holdsSeveral()) || !shared.wantsMore()) return;
+            shared.give(takeFrom(oldest));
+            if (oldest.subdirectories.empty()) frames_.pop_front();
         }
     }
 
     void visit(Waiting waiting) {
-        auto directory =
-            walk_->files.openBeneath(walk_->root, waiting.relative, walk_->rules.mounts);
-        if (!directory) {
-            if (directory.error().code == EXDEV) tellMountPoint(walk_->root, waiting.relative);
-            const std::string& at = walk_->root.path();
-            return tell(waiting.relative.empty() ? at : joinPath(at, waiting.relative),
-                        directory.error());
+        if (waiting.place == walk_->root.place()) {
+            list(walk_->root, std::move(waiting));
+        } else if (auto directory = opened_.open(waiting.place)) {
+            if (list(*directory, std::move(waiting))) opened_.keep(*std::move(directory));
+        } else {
+            const std::string path = waiting.place->path();
+            if (directory.error().code == EXDEV) tellMountPoint(path);
+            tell(path, directory.error());
         }
+    }
+
+    /// Whether it has subdirectories, which now wait.
+    bool list(Directory& directory, Waiting waiting) {
         Frame frame{std::move(waiting), {}};
         for (;;) {
-            const auto entries = walk_->files.readEntries(*directory, buffer_);
-            if (!entries) tell(directory->path(), entries.error());
+            const auto entries = walk_->files.readEntries(directory, buffer_);
+            if (!entries) tell(directory.path(), entries.error());
             if (!entries || entries->empty()) break;
             for (const DirectoryEntry& entry : *entries)
-                count(*directory, entry, frame);
+                count(directory, entry, frame);
         }
-        if (!frame.subdirectories.empty()) frames_.push_back(std::move(frame));
+        if (frame.subdirectories.empty()) return false;
+        frames_.push_back(std::move(frame));
+        return true;
     }
 
     void count(const Directory& directory, const DirectoryEntry& entry, Frame& frame) {
@@ -111,7 +121,7 @@ class Walker {
             const auto attributes = walk_->files.attributesAt(directory, entry.name);
             if (!attributes) return tellEntry(directory, entry.name, attributes.error(), frame);
             if (attributes->isMountPoint && rules.mounts == Mounts::Refuse)
-                return tellMountPoint(directory, entry.name);
+                return tellMountPoint(directory.pathOf(entry.name));
             type = attributes->type;
             size = attributes->size;
         }
@@ -130,8 +140,8 @@ class Walker {
         }
     }
 
-    void tellMountPoint(const Directory& directory, std::string_view relative) const {
-        if (walk_->rules.onMountPoint) walk_->rules.onMountPoint(directory.pathOf(relative));
+    void tellMountPoint(const std::string& path) const {
+        if (walk_->rules.onMountPoint) walk_->rules.onMountPoint(path);
     }
 
     void tell(const std::string& path, const Error& error) const {
@@ -151,28 +161,38 @@ class Walker {
     }
 
     Walk* walk_;
-    std::vector<Frame> frames_;
+    OpenDirectories opened_;
+    std::deque<Frame> frames_;  // each with a subdirectory that waits
     EntryBuffer buffer_;
+    Pace pace_;
     std::uint64_t bytes_ = 0;
 };
 
 }  // namespace
 
-TreeWalker::TreeWalker(FileManager& files, unsigned threads) : files_(files), threads_(threads) {}
+TreeWalker::TreeWalker(FileManager& files, unsigned threads, std::shared_ptr<Crew> crew)
+    : files_(files), threads_(threads), crew_(std::move(crew)) {}
 
-std::uint64_t TreeWalker::sizeOfDirectory(const std::string& path, const WalkRules& rules) const {
+bool TreeWalker::admits(const WalkRules& rules, const std::string& path) {
     if (rules.protection != nullptr && rules.protection->isProtected(path)) {
         if (rules.onProtectedRoot) rules.onProtectedRoot(path);
-        return 0;
+        return false;
     }
-    if (rules.maxDepth <= 0) {
-        if (rules.onDepthLimit) rules.onDepthLimit(path);
-        return 0;
-    }
-    const auto root = files_.openDirectory(path, LastLink::Refuse);
+    if (rules.maxDepth > 0) return true;
+    if (rules.onDepthLimit) rules.onDepthLimit(path);
+    return false;
+}
+
+std::uint64_t TreeWalker::sizeOfDirectory(const std::string& path, const WalkRules& rules) const {
+    if (!admits(rules, path)) return 0;
+    auto root = files_.openDirectory(path, LastLink::Refuse);
     if (root) return walk(*root, rules);
     tellUnreadable(files_, path, root.error(), rules.onUnreadable);
     return 0;
+}
+
+std::uint64_t TreeWalker::sizeOfDirectory(Directory directory, const WalkRules& rules) const {
+    return admits(rules, directory.path()) ? walk(directory, rules) : 0;
 }
 
 std::vector<std::string> TreeWalker::mountPointsBeneath(const Directory& directory) const {
@@ -186,16 +206,17 @@ std::vector<std::string> TreeWalker::mountPointsBeneath(const Directory& directo
         const std::lock_guard lock(mutex);
         found.push_back(path);
     };
-    walk(directory, rules);
+    if (auto unread = files_.openBeneath(directory, "", Mounts::Refuse)) walk(*unread, rules);
     std::ranges::sort(found);
     return found;
 }
 
-std::uint64_t TreeWalker::walk(const Directory& root, const WalkRules& rules) const {
-    Walk walk{files_, rules, root};
+std::uint64_t TreeWalker::walk(Directory& root, const WalkRules& rules) const {
+    Walk walk{files_, rules, root, *crew_};
     const bool guarded = rules.protection != nullptr && !rules.protection->isFree(root.path());
-    SharedWork<Waiting>(threads_).run({"", rules.maxDepth, guarded},
-                                      [&walk] { return Walker(walk); });
+    SharedWork<Waiting>(*crew_, threads_).run({root.place(), rules.maxDepth, guarded}, [&walk] {
+        return Walker(walk);
+    });
     return walk.total;
 }
 

@@ -2,10 +2,12 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "platform/files/FileManager.h"
+#include "platform/queue/Crew.h"
 #include "platform/tree/Unreadable.h"
 
 namespace sweepwright::platform {
@@ -39,15 +41,18 @@ struct WalkRules {
 };
 
 /// The one measurer of directories. It reads each directory once, on several threads, asks for the
-/// size of regular files only and never follows a link; its memory does not grow with the tree.
+/// size of regular files only and never follows a link; its memory does not grow
+/// with the tree, but by a name for each level.
 class TreeWalker {
   public:
-    /// `threads` at most; the caller's is one of them and further ones start only when a tree
-    /// proves large enough. `files` must outlive this.
-    explicit TreeWalker(FileManager& files, unsigned threads = kDefaultThreads);
+    /// `threads` at most on a near device; the caller's is one of them, and the crew's help only
+    /// when a tree proves large enough. `files` must outlive this.
+    explicit TreeWalker(FileManager& files, unsigned threads = kDefaultThreads,
+                        std::shared_ptr<Crew> crew = std::make_shared<Crew>());
 
     /// Warm, 2 cores are busy with 2 threads and 8 cost nothing more; cold, 8 keep the disk's queue
-    /// filled and 16 gain nothing.
+    /// filled and 16 gain nothing. A far device's calls are journeys, of which as many as the crew
+    /// has threads are made at once.
     static constexpr unsigned kDefaultThreads = 8;
 
     /// Bytes of what counts beneath directory `path`. What can't be read counts 0 and is told; so
@@ -55,15 +60,21 @@ class TreeWalker {
     [[nodiscard]] std::uint64_t sizeOfDirectory(const std::string& path,
                                                 const WalkRules& rules) const;
 
+    /// The same of an open directory that has not been read.
+    [[nodiscard]] std::uint64_t sizeOfDirectory(Directory directory, const WalkRules& rules) const;
+
     /// Device paths of the mount points beneath an open directory, however deep, sorted. What lies
     /// behind them is not looked at; what can't be read holds none.
     [[nodiscard]] std::vector<std::string> mountPointsBeneath(const Directory& directory) const;
 
   private:
-    std::uint64_t walk(const Directory& root, const WalkRules& rules) const;
+    /// Whether the rules let `path` be walked; tells why not.
+    static bool admits(const WalkRules& rules, const std::string& path);
+    std::uint64_t walk(Directory& root, const WalkRules& rules) const;
 
     FileManager& files_;
     unsigned threads_;
+    std::shared_ptr<Crew> crew_;
 };
 
 }  // namespace sweepwright::platform

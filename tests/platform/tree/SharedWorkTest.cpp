@@ -28,7 +28,8 @@ struct Record {
 
 /// Does all items below `size`, giving away what is wanted.
 void workThrough(unsigned threads, int size, Record& record) {
-    SharedWork<int>(threads).run(1, [&] {
+    Crew crew;
+    SharedWork<int>(crew, threads).run(1, [&] {
         return [&](int first, SharedWork<int>& shared) {
             std::vector<int> own{first};
             while (!own.empty()) {
@@ -99,7 +100,8 @@ TEST(SharedWork, AThreadThatRanOutOfWorkTakesWhatIsGivenLater) {
     for (const int item : {1, 2, 3})
         done[item];
     bool allDone = true;
-    SharedWork<int>(2).run(0, [&] {
+    Crew crew;
+    SharedWork<int>(crew, 2).run(0, [&] {
         return [&](int item, SharedWork<int>& shared) {
             if (item != 0) return done.at(item).happen();
             while (!shared.wantsMore()) {
@@ -119,7 +121,8 @@ TEST(SharedWork, AsManyThreadsWorkAtOnceAsWereAskedFor) {
     for (int i = 0; i < kThreads; ++i)
         arrived[i];
     std::atomic<int> met{0};
-    SharedWork<int>(kThreads).run(0, [&] {
+    Crew crew;
+    SharedWork<int>(crew, kThreads).run(0, [&] {
         return [&](int item, SharedWork<int>& shared) {
             if (item == 0) {
                 while (!shared.wantsMore()) {

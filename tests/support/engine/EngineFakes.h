@@ -75,6 +75,7 @@ class ForwardingEraser final : public Eraser {
 
     platform::Removal removeEntry(const platform::Directory& parent, const std::string& name,
                                   const platform::WalkRules& rules) override;
+    platform::Crew* crew() override { return target_.crew(); }
     std::int32_t runShellCommand(const std::string& command,
                                  const platform::Directory& directory) override {
         return target_.runShellCommand(command, directory);

@@ -66,6 +66,21 @@ void WorkerQueue::async(Job job) {
         thread.join();
 }
 
+bool WorkerQueue::asyncAtOnce(Job job) {
+    Threads ended;
+    {
+        const std::scoped_lock lock(mutex_);
+        const bool isFree = jobs_.size() < idle_;
+        if (!isFree && (threads_.size() >= limit_ || !startThreadLocked())) return false;
+        jobs_.push_back(std::move(job));
+        arrived_.notify_one();
+        ended.swap(retired_);
+    }
+    for (std::thread& thread : ended)
+        thread.join();
+    return true;
+}
+
 void WorkerQueue::growLocked() {
     if (threads_.size() >= limit_) return;
     if (threads_.size() < threadsAtOnce() && startThreadLocked()) return;

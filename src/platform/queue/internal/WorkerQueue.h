@@ -24,6 +24,9 @@ class WorkerQueue final : public DispatchQueue {
 
     void async(Job job) override;
 
+    /// Posts `job` only if a thread is free to take it at once, or can be started for it.
+    bool asyncAtOnce(Job job);
+
   private:
     using Threads = std::list<std::thread>;
 

@@ -4,46 +4,44 @@
 #include <condition_variable>
 #include <cstddef>
 #include <deque>
-#include <functional>
 #include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <system_error>
-#include <thread>
 #include <utility>
-#include <vector>
+
+#include "platform/queue/Crew.h"
 
 namespace sweepwright::platform {
 
 /// Work on a tree, shared among threads: each works depth-first through what it took and, while
 /// the shared queue is shorter than twice the number of threads, gives away its oldest directories,
 /// which hold the most, but keeps one for itself: what it has open leads there. The caller's thread
-/// is one of them; others start only when a tree proves large, so that a small one costs no thread.
+/// is one of them; the crew's help only when a tree proves large, so that a small one costs no
+/// thread, or at once where the device is far.
 template <class Item>
 class SharedWork {
   public:
-    explicit SharedWork(unsigned threads) : threads_(threads) {}
+    /// `threads` at most, as many as the crew has where the device is far; `crew` must outlive
+    /// this.
+    SharedWork(Crew& crew, unsigned threads) : crew_(crew), threads_(threads), helpers_(crew) {}
 
     /// Runs `makeWorker()(item, *this)` on every thread for every item until none is left; returns
-    /// when all is done. A worker may give() further items.
+    /// when all is done. A worker may give() further items, and may not throw.
     template <class MakeWorker>
     void run(Item first, const MakeWorker& makeWorker) {
-        startThread_ = [this, &makeWorker] {
-            return std::thread([this, &makeWorker] { work(makeWorker); });
-        };
+        help_ = [this, &makeWorker]() noexcept { work(makeWorker); };
         queue_.push_back(std::move(first));
         queued_ = 1;
         work(makeWorker);
-        for (std::thread& thread : helpers_)
-            thread.join();
+        helpers_.wait();
     }
 
     /// Whether a worker should give away work now; asked after every directory.
     [[nodiscard]] bool wantsMore() {
-        if (threads_ < 2 || queued_.load(std::memory_order_relaxed) >= std::size_t{2} * threads_)
-            return false;
-        return asked_.load(std::memory_order_relaxed) >= kSmallTree ||
+        const std::size_t threads = crew_.threadsFor(threads_);
+        if (threads < 2 || queued_.load(std::memory_order_relaxed) >= 2 * threads) return false;
+        return crew_.isFar() || asked_.load(std::memory_order_relaxed) >= kSmallTree ||
                asked_.fetch_add(1, std::memory_order_relaxed) >= kSmallTree;
     }
 
@@ -53,13 +51,13 @@ class SharedWork {
         queued_.store(queue_.size(), std::memory_order_relaxed);
         if (idle_ > 0) {
             arrived_.notify_one();
-        } else if (helpers_.size() + 1 < threads_) {
-            startHelper();
+        } else if (workers_ < crew_.threadsFor(threads_) && helpers_.add(help_)) {
+            ++workers_;
         }
     }
 
   private:
-    /// Directories that one thread has done before a start of others pays.
+    /// Directories that one thread has done before the help of others pays.
     static constexpr unsigned kSmallTree = 16;
 
     template <class MakeWorker>
@@ -72,7 +70,7 @@ class SharedWork {
     std::optional<Item> take() {
         std::unique_lock lock(mutex_);
         ++idle_;
-        arrived_.wait(lock, [this] { return !queue_.empty() || idle_ == helpers_.size() + 1; });
+        arrived_.wait(lock, [this] { return !queue_.empty() || idle_ == workers_; });
         if (queue_.empty()) {
             arrived_.notify_all();
             return std::nullopt;
@@ -84,23 +82,17 @@ class SharedWork {
         return item;
     }
 
-    void startHelper() {
-        try {
-            helpers_.push_back(startThread_());
-        } catch (const std::system_error&) {
-            threads_ = static_cast<unsigned>(helpers_.size()) + 1;  // go on with what there is
-        }
-    }
-
-    std::atomic<unsigned> threads_;
+    Crew& crew_;
+    const unsigned threads_;
     std::atomic<unsigned> asked_{0};
     std::atomic<std::size_t> queued_{0};
     std::mutex mutex_;
     std::condition_variable arrived_;
     std::deque<Item> queue_;
-    std::vector<std::thread> helpers_;
+    std::size_t workers_ = 1;  ///< all that have ever come: they leave only when all idle
     std::size_t idle_ = 0;
-    std::function<std::thread()> startThread_;
+    DispatchQueue::Job help_;
+    Helpers helpers_;
 };
 
 /// Names packed one behind the other: a directory's subdirectories that wait to be visited, at a
@@ -116,6 +108,7 @@ class PackedNames {
     std::string take() {
         std::string name = bytes_.data() + next_;
         next_ += name.size() + 1;
+        if (empty()) *this = PackedNames();
         return name;
     }
 
