@@ -10,7 +10,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/FileManagerFixture.h"
+#include "platform/files/FileManagerFixture.h"
 #include "platform/queue/Crew.h"
 #include "platform/queue/InOrder.h"
 #include "platform/tree/ParallelFor.h"
