@@ -58,7 +58,6 @@ class Walker {
             // What waits is all that is remembered: in a chain of folders, nothing.
             if (frames_.back().subdirectories.empty()) frames_.pop_back();
             visit(std::move(next));
-            pace_.step();
         }
         opened_.closeAll();
         walk_->total.fetch_add(bytes_, std::memory_order_relaxed);
@@ -92,6 +91,7 @@ class Walker {
             if (directory.error().code == EXDEV) tellMountPoint(path);
             tell(path, directory.error());
         }
+        pace_.step();
     }
 
     /// Whether it has subdirectories, which now wait.
