@@ -30,7 +30,7 @@ leave_roots() {
 # Whoever is ended midway leaves nothing mounted either.
 trap leave_roots EXIT
 
-# fresh NAME: a copy of the bare root, with a home folder for someone. The one before is left.
+# fresh NAME: a copy of the bare root. The one before is left.
 fresh() {
     local to="$place/$1"
     leave_roots
@@ -38,10 +38,15 @@ fresh() {
     cp -a --reflink=auto "$base" "$to"
     cp -a /etc/apt/. "$to/etc/apt/"
     cp /etc/resolv.conf /etc/hosts "$to/etc/"
-    mkdir -p "$to/home/someone"
     mount -t proc proc "$to/proc"
     mount --rbind /dev "$to/dev"
     mount --make-rslave "$to/dev"
+}
+
+# open_fuse NAME: lets everyone in that root mount with FUSE, whatever this computer allows.
+open_fuse() {
+    mknod -m 666 "$place/$1/opt/fuse" c 10 229
+    mount --bind "$place/$1/opt/fuse" "$place/$1/dev/fuse"
 }
 
 # within NAME FOLDER COMMAND: runs a command line in that root and folder, with nothing inherited.

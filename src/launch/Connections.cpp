@@ -114,8 +114,10 @@ std::vector<Connection> Connections::all() const {
         if (!folder.starts_with(start)) continue;
         const std::string name = folder.substr(start.size());
         if (!DeviceAddress::parse(name)) continue;
+        // Attributes may still come from the kernel's memory when nobody answers any more.
         std::error_code error;
-        const bool answers = fs::is_directory(folder, error);
+        const fs::directory_iterator content(folder, error);
+        const bool answers = !error;
         found.push_back({.name = name,
                          .folder = folder,
                          .state = answers ? Connection::State::Connected : Connection::State::Gone,
@@ -153,9 +155,14 @@ Result<> Connections::mount(const DeviceAddress& address, const std::string& fol
         return failure(fmt::format("{}: {}", folder, error.message()));
     auto mounted = run(address.usb ? std::vector<std::string>{"ifuse", "--root", folder}
                                    : sshfsCall(address, folder));
+    if (mounted) return mounted;
     std::error_code ignored;
-    if (!mounted) fs::remove(folder, ignored);
-    return mounted;
+    fs::remove(folder, ignored);
+    // sshfs keeps what ssh says to itself.
+    if (address.usb) return mounted;
+    return failure(fmt::format("{}; see what ssh says: ssh {}{}{}", mounted.error().description,
+                               address.port.empty() ? "" : "-p ", address.port,
+                               (address.port.empty() ? "" : " ") + address.login));
 }
 
 Result<Connection> Connections::connect(const DeviceAddress& address) {

@@ -14,7 +14,7 @@ apt-get -q -y install --no-install-recommends ./new/sweepctl_*.deb procps > apt.
 id -u someone > /dev/null 2>&1 || useradd -m -s /bin/bash someone
 install -d -m 700 -o someone -g someone /run/user/1000
 # as_someone COMMAND: as a person who is logged in; "ifuse" is a stand-in, for there is no cable here.
-as_someone() { su someone -c "export XDG_RUNTIME_DIR=/run/user/1000 PATH=\$HOME/stand-ins:\$PATH; $1"; }
+as_someone() { su someone -c "export XDG_RUNTIME_DIR=/run/user/1000 PATH=\$HOME/stand-ins:\$PATH; cd; $1"; }
 mounts() { grep -c ' /run/user/1000/sweepwright/' /proc/self/mountinfo || true; }
 # expect STATUS TEXT COMMAND: how a call must end, and what it must say.
 expect() {
@@ -30,7 +30,9 @@ expect 2 'is neither "usb" nor [USER@]HOST[:PORT]' "sweepctl connect -- -oProxyC
 apt-get -q -y install --no-install-recommends sshfs openssh-server > apt.log 2>&1 || { tail apt.log; fail "apt-get install"; }
 
 say "a phone: a real sshd"
+[[ -e /etc/mtab ]] || ln -s /proc/self/mounts /etc/mtab
 as_someone "sweepctl sample-device phone > /dev/null"
+usermod -p "*" someone  # no password, but not locked either
 mkdir -p "$phone" /run/sshd
 cp -a /home/someone/phone/. "$phone"
 chown root:root "$phone"
@@ -50,7 +52,8 @@ END
 trap 'kill "$(cat /run/phone.pid)"' EXIT
 
 say "a host that ssh does not know is not connected to"
-expect 1 "sshfs ended with status" "sweepctl connect $address"
+expect 1 "sshfs ended with status 1; see what ssh says: ssh -p 2222 someone@127.0.0.1" "sweepctl connect $address"
+as_someone "ssh -o BatchMode=yes -p 2222 someone@127.0.0.1 2>&1 || true" | grep -q 'Host key verification failed'
 [[ "$(mounts)" -eq 0 ]] || fail "something was mounted"
 as_someone "ssh-keyscan -p 2222 127.0.0.1 2> /dev/null >> .ssh/known_hosts"
 

@@ -9,7 +9,7 @@ export DEBIAN_FRONTEND=noninteractive LC_ALL=C.UTF-8
 say() { printf -- '-- %s\n' "$*"; }
 fail() { echo "in-root.sh: $*" >&2; exit 1; }
 install() { apt-get -q -y -o Dpkg::Use-Pty=0 install --no-install-recommends "$@" > apt.log 2>&1 || { tail -n 20 apt.log; fail "apt-get install $*"; }; }
-as_someone() { su someone -c "$1"; }
+as_someone() { su someone -c "cd; $1"; }
 # What someone owns, name and content; the programs' logs are for them to write.
 belongings() { (cd /home/someone && find . ! -path './.local/state/*' -printf '%y %p %l\n' | sort && find . -type f ! -path './.local/state/*' -print0 | sort -z | xargs -0 sha256sum); }
 leftovers() { find /usr /etc /var/lib /opt -xdev \( -name '*sweepctl*' -o -name '*sweepwright*' \) ! -path '/var/lib/apt/*' -print; }
@@ -50,7 +50,7 @@ install xvfb xauth
 as_someone "sweepwright --version" | grep -E '^sweepwright [0-9.]+ \('
 mkfifo said
 chown someone said
-timeout 120 su someone -c "QSG_INFO=1 exec xvfb-run -a sweepwright --device-root phone" > said 2>&1 &
+timeout 120 su someone -c "cd; QSG_INFO=1 exec xvfb-run -a sweepwright --device-root phone" > said 2>&1 &
 app=$!
 drawn=
 while IFS= read -r line; do
