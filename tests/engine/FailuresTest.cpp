@@ -19,7 +19,7 @@ using testing::Field;
 using testing::IsEmpty;
 using testing::StartsWith;
 
-using Entry = FailureList::Entry;
+using FailedEntry = FailureList::Entry;
 
 platform::Error denied(const std::string& path) {
     return platform::errorFromErrno(EACCES, path);
@@ -28,7 +28,7 @@ platform::Error denied(const std::string& path) {
 std::vector<std::string> pathsOf(const FailureList& list) {
     EXPECT_EQ(list.count, list.entries.size());
     std::vector<std::string> paths;
-    for (const Entry& entry : list.entries)
+    for (const FailedEntry& entry : list.entries)
         paths.push_back(entry.path);
     return paths;
 }
@@ -41,8 +41,8 @@ TEST(Failures, APathCountsOnceAndWhatLiesInItNotAtAll) {
         failures.kept(path, KeptReason::Failed, std::string(path) + ": why");
     EXPECT_EQ(failures.failedEntries().count, 3U);
     EXPECT_THAT(failures.failedEntries().entries,
-                ElementsAre(Entry{"/a/b", "/a/b: why"}, Entry{"/a/b0", "/a/b0: why"},
-                            Entry{"/a/bc", "/a/bc: why"}));
+                ElementsAre(FailedEntry{"/a/b", "/a/b: why"}, FailedEntry{"/a/b0", "/a/b0: why"},
+                            FailedEntry{"/a/bc", "/a/bc: why"}));
     EXPECT_EQ(failures.unreadableFolders().count, 0U);
 }
 
@@ -118,7 +118,7 @@ TEST_F(FailuresOf, AScanNamesEachFolderThatItCouldNotReadOnce) {
     closeAll();
     EXPECT_EQ(d_.engine.scan().totalSize, 1U);
     EXPECT_THAT(unreadable(), testing::UnorderedElementsAreArray(folders));
-    for (const Entry& entry : failures_.unreadableFolders().entries)
+    for (const FailedEntry& entry : failures_.unreadableFolders().entries)
         EXPECT_EQ(entry.reason, entry.path + ": Permission denied");
     EXPECT_THAT(failed(), IsEmpty());
 }
@@ -149,8 +149,9 @@ TEST_F(FailuresOf, AListingThatEndsEarlyIsNamed) {
     d_.tree.file(d_.temporary("sub/a"), 1);
     failAbout(d_.temporary("sub"), {Operation::ReadEntries}, EIO);
     EXPECT_EQ(d_.engine.getTempFilesSize(), 0U);
-    EXPECT_THAT(failures_.unreadableFolders().entries,
-                ElementsAre(Entry{d_.temporary("sub"), d_.temporary("sub: Input/output error")}));
+    EXPECT_THAT(
+        failures_.unreadableFolders().entries,
+        ElementsAre(FailedEntry{d_.temporary("sub"), d_.temporary("sub: Input/output error")}));
 }
 
 TEST_F(FailuresOf, WhatIsAbsentALinkAFileOrProtectedIsNone) {
@@ -310,8 +311,9 @@ TEST_F(FailuresOf, WhatTheShellLeavesOfWhatWasThereIsNamed) {
         return 0;
     });
     EXPECT_EQ(d_.engine.removeSystemPathWithSystemCommand(place), 9U);
-    EXPECT_THAT(failures_.failedEntries().entries,
-                ElementsAre(Entry{place + "/stays", place + "/stays: rm could not remove it"}));
+    EXPECT_THAT(
+        failures_.failedEntries().entries,
+        ElementsAre(FailedEntry{place + "/stays", place + "/stays: rm could not remove it"}));
 }
 
 TEST_F(FailuresOf, WhatAShellThatFreedNothingLeavesIsNamed) {
@@ -324,7 +326,7 @@ TEST_F(FailuresOf, WhatAShellThatFreedNothingLeavesIsNamed) {
     EXPECT_EQ(d_.engine.removeSystemPathWithSystemCommand(place), 0U);
     EXPECT_THAT(
         failures_.failedEntries().entries,
-        ElementsAre(Entry{place + "/stays", place + "/stays: its folder can't be written"}));
+        ElementsAre(FailedEntry{place + "/stays", place + "/stays: its folder can't be written"}));
 }
 
 TEST_F(FailuresOf, WhatTheFileManagerLeavesInPlaceOfTheShellIsNamed) {
@@ -334,8 +336,9 @@ TEST_F(FailuresOf, WhatTheFileManagerLeavesInPlaceOfTheShellIsNamed) {
     d_.commands.answerOnly(-1);
     failAbout(place + "/stays", {Operation::RemoveFileAt}, EPERM);
     EXPECT_EQ(d_.engine.removeSystemPathWithSystemCommand(place), 10U);
-    EXPECT_THAT(failures_.failedEntries().entries,
-                ElementsAre(Entry{place + "/stays", place + "/stays: Operation not permitted"}));
+    EXPECT_THAT(
+        failures_.failedEntries().entries,
+        ElementsAre(FailedEntry{place + "/stays", place + "/stays: Operation not permitted"}));
 }
 
 TEST_F(FailuresOf, ADeepCleanNamesALocationThatStays) {
