@@ -346,7 +346,7 @@ class FileCleanerEngine {
     std::vector<std::string> cleanableEntriesOf(const std::string& directory);
     std::optional<platform::Directory> openToEmpty(const std::string& directory,
                                                    platform::Mounts mounts);
-    /// `levels` beneath the directory are entered where folders can't be removed whole.
+    /// Enters folders that can't be removed whole so many levels down.
     std::uint64_t removeEntriesOf(platform::Directory& directory, const Progress& progress,
                                   int levels = platform::kDefaultMaxDepth);
     /// Attributes of an entry, asked for a second way before it counts as one that tells none.
@@ -364,8 +364,7 @@ class FileCleanerEngine {
                     const std::string& name, std::span<const KeptReason> asked);
     bool keepsLocation(const std::string& path, std::span<const KeptReason> asked);
     void noteKeptEntry(const std::string& path, KeptReason reason);
-    /// Tells what became of an entry, and removes what it can of one that could not go whole. Bytes
-    /// freed.
+    /// Tells what became of an entry, and removes what it can of one that stayed. Bytes freed.
     std::uint64_t accountFor(const platform::Directory& directory, const std::string& name,
                              const platform::Removal& removal, int levels);
     void keepMaps(const std::string& path);
