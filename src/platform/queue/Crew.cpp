@@ -1,8 +1,11 @@
 #include "platform/queue/Crew.h"
 
+#include <algorithm>
 #include <ctime>
 #include <limits>
 #include <utility>
+
+#include <sys/resource.h>
 
 #include "platform/queue/internal/WorkerQueue.h"
 
@@ -16,10 +19,21 @@ std::chrono::nanoseconds processorTimeOfThisThread() {
     return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
 }
 
+/// A thread of a removal keeps up to 30 directories open. Half of what the process may open is left
+/// for everything else.
+unsigned threadsWithinDescriptors() {
+    constexpr rlim_t kForAThread = 64;
+    rlimit limit{};
+    if (getrlimit(RLIMIT_NOFILE, &limit) != 0) return 1;
+    return static_cast<unsigned>(
+        std::clamp<rlim_t>(limit.rlim_cur / kForAThread, 1, Crew::kMostThreads));
+}
+
 }  // namespace
 
 Crew::Crew()
-    : threads_(std::make_unique<WorkerQueue>("com.sweepwright.crew",
+    : mostThreads_(threadsWithinDescriptors()),
+      threads_(std::make_unique<WorkerQueue>("com.sweepwright.crew",
                                              std::numeric_limits<std::size_t>::max())) {}
 Crew::~Crew() = default;
 

@@ -17,7 +17,7 @@ class WorkerQueue;
 /// for what comes next. With them stays what the job has found out about the device. Thread-safe.
 class Crew {
   public:
-    /// So many work at once, the caller's own thread among them.
+    /// No more work at once, the caller's own thread among them.
     static constexpr unsigned kMostThreads = 16;
 
     Crew();
@@ -34,12 +34,17 @@ class Crew {
     [[nodiscard]] bool isFar() const { return isFar_.load(std::memory_order_relaxed); }
     void setFar(bool isFar) { isFar_.store(isFar, std::memory_order_relaxed); }
 
+    /// How many threads may work for a far device: kMostThreads, or fewer where the process may not
+    /// open as many files as they could keep open.
+    [[nodiscard]] unsigned mostThreads() const { return mostThreads_; }
+
     /// How many threads are to work where `near` are enough for a near device.
     [[nodiscard]] unsigned threadsFor(unsigned near) const {
-        return isFar() && near > 1 && near < kMostThreads ? kMostThreads : near;
+        return isFar() && near > 1 && near < mostThreads_ ? mostThreads_ : near;
     }
 
   private:
+    const unsigned mostThreads_;
     std::atomic<unsigned> busy_{0};
     std::atomic<bool> canStart_{true};  ///< no thread could be started once: none is tried again
     std::atomic<bool> isFar_{false};

@@ -52,7 +52,7 @@ class InOrder {
     /// Whether there is an item to tell of.
     template <class Next>
     bool fill(Next& next) {
-        const std::size_t width = crew_ != nullptr && crew_->isFar() ? Crew::kMostThreads : 1;
+        const std::size_t width = crew_ != nullptr && crew_->isFar() ? crew_->mostThreads() : 1;
         while (!ended_ && slots_.size() < width) {
             std::optional<Item> item = next();
             ended_ = !item;

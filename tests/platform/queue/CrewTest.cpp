@@ -16,6 +16,7 @@
 #include "platform/tree/ParallelFor.h"
 #include "platform/tree/TreeRemover.h"
 #include "platform/tree/TreeWalker.h"
+#include "support/ChildProcess.h"
 #include "support/FaultyFileManager.h"
 #include "support/Meeting.h"
 
@@ -93,6 +94,18 @@ TEST(Crew, AFarDeviceGetsAllThreadsWhereSeveralAreWanted) {
     EXPECT_EQ(crew.threadsFor(2), unsigned{Crew::kMostThreads});
     EXPECT_EQ(crew.threadsFor(1), 1U);
     EXPECT_EQ(crew.threadsFor(100), 100U);
+}
+
+TEST(Crew, AFarDeviceGetsFewerThreadsWhereFewFilesMayBeOpen) {
+    if (test::ranInFreshProcess()) return;
+    for (const auto& [descriptors, threads] : {std::pair(256U, 4U), {128U, 2U}, {40U, 2U}}) {
+        test::inChildProcess([descriptors, threads] {
+            test::limitDescriptors(descriptors);
+            Crew crew;
+            crew.setFar(true);
+            EXPECT_EQ(crew.threadsFor(2), threads);
+        });
+    }
 }
 
 TEST(Crew, ParallelForDoesEachOnce) {
