@@ -50,10 +50,10 @@ std::error_code makePrivateFolder(const std::string& folder) {
 /// sshfs with what suits a clean: it reconnects, finds out within a quarter of a minute that the
 /// device is gone, and remembers attributes for a few seconds only, since apps write meanwhile.
 std::vector<std::string> sshfsCall(const DeviceAddress& address, const std::string& folder) {
-    constexpr const char* kOptions =
+    constexpr const char* kSshfsOptions =
         "reconnect,ServerAliveInterval=5,ServerAliveCountMax=3,ConnectTimeout=10,"
         "dcache_timeout=5,attr_timeout=5,entry_timeout=5";
-    std::vector<std::string> words{"sshfs", address.login + ":/", folder, "-o", kOptions};
+    std::vector<std::string> words{"sshfs", address.login + ":/", folder, "-o", kSshfsOptions};
     if (!address.port.empty()) words.insert(words.end(), {"-p", address.port});
     return words;
 }
