@@ -346,9 +346,11 @@ class FileCleanerEngine {
     std::vector<std::string> cleanableEntriesOf(const std::string& directory);
     std::optional<platform::Directory> openToEmpty(const std::string& directory,
                                                    platform::Mounts mounts);
-    /// Enters folders that can't be removed whole so many levels down.
+    /// Folders that can't be removed whole are entered so far down: as many levels as a path of
+    /// 1,024 bytes can name, the longest that a device takes.
+    static constexpr int kMostLevels = 512;
     std::uint64_t removeEntriesOf(platform::Directory& directory, const Progress& progress,
-                                  int levels = platform::kDefaultMaxDepth);
+                                  int levels = kMostLevels);
     /// Attributes of an entry, asked for a second way before it counts as one that tells none.
     platform::Result<platform::FileAttributes> attributesOf(const platform::Directory& directory,
                                                             const std::string& name);

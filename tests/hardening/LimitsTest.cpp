@@ -219,7 +219,7 @@ TEST(Limits, ADeepTreeIsLookedAtAndGoesInLittleMemory) {
 TEST(Limits, ADeepTreeThatMustStayIsLeftWithoutDeepRecursion) {
     if (test::ranInFreshProcess()) return;
     SmallDevice device;
-    makeChain(device, temporary("deep"), "d", 1'000);
+    makeChain(device, temporary("deep"), "d", 560);
     test::inChildProcess([&] {
         Worker worker(device.tree());
         worker.files.failWhere(

@@ -73,9 +73,12 @@ TEST(Crew, ItsThreadsServeOneWalkAfterTheOther) {
         threads.insert(std::this_thread::get_id());
     });
     const TreeWalker walker(files);
-    for (int i = 0; i < 200; ++i)
+    constexpr std::size_t kWalks = 200;
+    for (std::size_t i = 0; i < kWalks; ++i)
         EXPECT_EQ(walker.sizeOfDirectory("/t", {}), 100U);
-    EXPECT_LE(threads.size(), std::size_t{Crew::kMostThreads});
+    // Threads of its own would be one a walk at least. One that has idled for a second ends, and
+    // another may take its place.
+    EXPECT_LT(threads.size(), kWalks);
 }
 
 TEST(Crew, WaitsOfManyStepsOrOfAProcessorAreNoJourneys) {
