@@ -79,13 +79,13 @@ TEST_P(ResolutionTest, TheComputersOwnFilesAreNotReachable) {
     device_.folder("/x");
     device_.link("/x/absolute", "/etc/passwd");
     device_.link("/x/up", "../../../../../../../../etc/passwd");
-    device_.link("/x/root", "/");
+    device_.link("/x/top", "/");
     device_.link("/x/above", "..");
     for (const std::string path :
-         {"/etc/passwd", "/x/absolute", "/x/up", "/x/root/etc/passwd", "/x/above/../etc/passwd",
-          "/x/../../../../../../../etc/passwd", "/x/root/../../etc/passwd"})
+         {"/etc/passwd", "/x/absolute", "/x/up", "/x/top/etc/passwd", "/x/above/../etc/passwd",
+          "/x/../../../../../../../etc/passwd", "/x/top/../../etc/passwd"})
         EXPECT_EQ(attributesError(path), ENOENT) << path;
-    EXPECT_EQ(files_.resolvedPath("/x/root"), "/");
+    EXPECT_EQ(files_.resolvedPath("/x/top"), "/");
 }
 
 TEST_P(ResolutionTest, ALinkedVarIsFollowedOnTheWay) {
